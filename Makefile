@@ -22,3 +22,18 @@ build: configure
 
 clean:
 	rm -rf $(BUILD_DIR)
+
+.PHONY: bench-zfxparser
+bench-zfxparser: configure
+	cmake --build $(BUILD_DIR) -j $(JOBS) --target bench_zfxparser
+	./$(BUILD_DIR)/bench/bench_zfxparser
+
+.PHONY: bench-editing
+bench-editing: configure
+	cmake --build $(BUILD_DIR) -j $(JOBS) --target bench_editing
+	cd $(BUILD_DIR) && QT_QPA_PLATFORM=offscreen ./bench/bench_editing
+
+.PHONY: bench-compiler
+bench-compiler: configure
+	cmake --build $(BUILD_DIR) -j $(JOBS) --target glslcompiler_zc1
+	python3 bench/compiler/bench_compiler.py $(BUILD_DIR)/bin

@@ -14,6 +14,23 @@ class CZamPreferencesImpl;
 // One named, typed property-list preference file. Keys are slash-separated paths
 // ("Editor/TabSpaceSize"); every segment but the last names a nested <dict> group.
 // Reads never fail: a missing or mistyped value yields the caller's default.
+//
+// Where the file lives: per user "$XDG_CONFIG_HOME/Brenmoor Systems/<name>.plist"
+// (~/.config when unset), for all users the first entry of $XDG_CONFIG_DIRS (/etc/xdg).
+//
+// Limits, so that a hostile or damaged file cannot take the program down:
+//  - files larger than 16 MiB are not read (the store starts empty and the file is left
+//    alone until the next Save);
+//  - documents whose elements nest deeper than 64 levels, that hold more than a million
+//    tags, comments and other markup (the parser's tree stays well under a gigabyte), or a
+//    tag with more than 64 attributes (the parser's duplicate check is quadratic), are not
+//    parsed;
+//  - bytes that are not UTF-8 (and NUL bytes) are replaced by U+FFFD before parsing;
+//  - keys with an empty segment or more than 32 segments are ignored by every call;
+//  - strings are written as XML 1.0 text: control characters other than tab, line feed
+//    and carriage return are replaced by U+FFFD.
+// Damaged structure is repaired on load and reported on lcZamPreferences; a key without
+// value, a value without key and a key inside an array are dropped, the rest is kept.
 class CZamPreferences
 {
 public:
@@ -23,7 +40,15 @@ public:
         Scope_AllUsers,
     };
 
+    static constexpr qint64 iMaxFileBytes = 16 * 1024 * 1024;
+    static constexpr int iMaxElementDepth = 64;
+    static constexpr qint64 iMaxMarkupNodes = 1000 * 1000;
+    static constexpr int iMaxAttributesPerTag = 64;
+    static constexpr int iMaxKeySegments = 32;
+
     explicit CZamPreferences(const QString& Name, EScope eScope = Scope_User);
+    // Uses the given back end (its file operations) instead of the platform's own.
+    explicit CZamPreferences(std::unique_ptr<CZamPreferencesImpl> pImpl);
     ~CZamPreferences();
 
     CZamPreferences(const CZamPreferences&) = delete;
@@ -31,13 +56,20 @@ public:
 
     // Loads the file (creating it with the empty document when absent). On failure the
     // store stays usable and empty; the path tried and the reason are reported back.
+    // Returns true also when the document needed repairs.
     bool Load(QString* pTriedPath = nullptr, QString* pError = nullptr);
     // Writes the whole document through "<file>.tmp" and renames it over the file.
     bool Save(QString* pError = nullptr);
 
+    // Replaces the document by one parsed from Bytes, with the same checks and repairs as
+    // Load, without touching the disk. False when Bytes could not be used at all.
+    bool LoadFromBytes(const QByteArray& Bytes, QString* pError = nullptr);
+    // The bytes Save would write.
+    QByteArray ToBytes() const;
+
     QString GetFilePath() const;
 
-    bool HasKey(const QString& Key) const;   // a value (of any type) is stored under Key
+    bool HasKey(const QString& Key) const;   // a value other than a group is stored under Key
     bool HasGroup(const QString& Key) const; // Key names a nested <dict>
     void Remove(const QString& Key);
 
@@ -47,6 +79,11 @@ public:
     QString GetString(const QString& Key, const QString& Default = QString()) const;
     QByteArray GetData(const QString& Key, const QByteArray& Default = QByteArray()) const;
     QStringList GetStringArray(const QString& Key, const QStringList& Default = QStringList()) const;
+
+    // 32-bit ARGB colours. Written as the signed 32-bit integer; read back from either the
+    // signed or the unsigned spelling of the same 32 bits. Anything else gives the default.
+    quint32 GetArgb(const QString& Key, quint32 uiDefault) const;
+    void SetArgb(const QString& Key, quint32 uiValue);
 
     void SetBool(const QString& Key, bool bValue);
     void SetInteger(const QString& Key, qint64 iValue);
