@@ -37,3 +37,8 @@ bench-editing: configure
 bench-compiler: configure
 	cmake --build $(BUILD_DIR) -j $(JOBS) --target glslcompiler_zc1
 	python3 bench/compiler/bench_compiler.py $(BUILD_DIR)/bin
+
+.PHONY: bench-pipeline
+bench-pipeline: configure
+	cmake --build $(BUILD_DIR) -j $(JOBS) --target bench_pipeline bench_zfxparser glslcompiler_zc1
+	./$(BUILD_DIR)/bench/bench_pipeline $(BUILD_DIR)/bin ./$(BUILD_DIR)/bench/bench_zfxparser

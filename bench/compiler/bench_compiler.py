@@ -1,0 +1,145 @@
+#!/usr/bin/env python3
+"""Whole-process time of glslcompiler_zc1 (-profile -perfsim -disasm) against
+glslangValidator validating the same shader, for a 60-line and a 2,000-line
+fragment shader, measured in the same run. Prints the ratios; the last line is
+machine-readable: zc1_vs_glslang_60=<ratio> zc1_vs_glslang_2000=<ratio>
+Usage: bench_compiler.py <bin folder> [runs]"""
+
+import os
+import shutil
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+HEADER = """precision highp float;
+varying vec2 vTexCoord;
+varying vec3 vNormal;
+varying vec3 vViewDir;
+uniform sampler2D uAlbedo;
+uniform sampler2D uDetail;
+uniform vec3 uLightDir;
+uniform vec3 uLightColor;
+uniform float uShininess;
+uniform float uTime;
+"""
+
+BLOCK = """
+vec3 layer{i}(vec3 n, vec3 v, vec2 uv)
+{{
+    vec3 l = normalize(uLightDir + vec3({a}, 0.0, {b}));
+    float diffuse = max(dot(n, l), 0.0);
+    vec3 h = normalize(l + v);
+    float specular = pow(max(dot(n, h), 0.0), uShininess + {a});
+    vec2 offset = vec2(sin(uTime * {b} + uv.y), cos(uTime * {a} + uv.x)) * 0.01;
+    vec3 detail = texture2D(uDetail, uv * {c} + offset).rgb;
+    vec3 color = vec3(0.0);
+    for (int k = 0; k < 3; k++)
+    {{
+        color += detail * uLightColor * (diffuse + float(k) * 0.1);
+    }}
+    if (diffuse > {b})
+    {{
+        color = mix(color, vec3(specular), 0.5);
+    }}
+    else
+    {{
+        color *= {c};
+    }}
+    return color * diffuse + uLightColor * specular;
+}}
+"""
+
+
+def small_shader():
+    lines = HEADER.splitlines()
+    body = BLOCK.format(i=0, a="0.25", b="0.5", c="2.0").splitlines()
+    main = """
+void main()
+{
+    vec3 n = normalize(vNormal);
+    vec3 v = normalize(vViewDir);
+    vec3 albedo = texture2D(uAlbedo, vTexCoord).rgb;
+    vec3 color = albedo * layer0(n, v, vTexCoord);
+    float rim = 1.0 - max(dot(n, v), 0.0);
+    color += vec3(pow(rim, 3.0)) * uLightColor * 0.25;
+    color = color / (color + vec3(1.0));
+    color = pow(color, vec3(1.0 / 2.2));
+    float vignette = smoothstep(0.8, 0.2, length(vTexCoord - 0.5));
+    color *= vignette;
+    gl_FragColor = vec4(color, 1.0);
+}
+""".splitlines()
+    text = lines + body + main
+    while len(text) < 60:
+        text.insert(len(lines), "// padding")
+    return "\n".join(text[:60] if len(text) > 60 else text) + "\n"
+
+
+def large_shader():
+    parts = [HEADER]
+    count = 0
+    while True:
+        block = BLOCK.format(i=count, a="%.2f" % (0.1 + count * 0.01), b="%.2f" % (0.3 + count * 0.005),
+                             c="%.1f" % (1.0 + count * 0.1))
+        if sum(p.count("\n") for p in parts) + block.count("\n") + count + 12 > 2000:
+            break
+        parts.append(block)
+        count += 1
+    main = ["", "void main()", "{", "    vec3 n = normalize(vNormal);", "    vec3 v = normalize(vViewDir);",
+            "    vec3 color = texture2D(uAlbedo, vTexCoord).rgb * 0.1;"]
+    for i in range(count):
+        main.append("    color += layer%d(n, v, vTexCoord) * %.3f;" % (i, 1.0 / count))
+    main += ["    gl_FragColor = vec4(color, 1.0);", "}"]
+    text = "".join(parts) + "\n".join(main) + "\n"
+    lines = text.count("\n")
+    return text + "// padding\n" * max(0, 2000 - lines)
+
+
+def time_once(command):
+    start = time.perf_counter()
+    result = subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    elapsed = time.perf_counter() - start
+    if result.returncode != 0:
+        sys.exit("failed (%d): %s" % (result.returncode, " ".join(command)))
+    return elapsed
+
+
+def main():
+    if len(sys.argv) < 2:
+        sys.exit(__doc__)
+    bin_dir = sys.argv[1]
+    runs = int(sys.argv[2]) if len(sys.argv) > 2 else 15
+    zc1 = os.path.join(bin_dir, "glslcompiler_zc1")
+    validator = shutil.which("glslangValidator")
+    if not os.access(zc1, os.X_OK):
+        sys.exit("missing %s: build the glslcompiler_zc1 target first" % zc1)
+    if not validator:
+        sys.exit("glslangValidator not found: install glslang-tools")
+
+    ratios = {}
+    with tempfile.TemporaryDirectory() as work:
+        for label, text in (("60", small_shader()), ("2000", large_shader())):
+            path = os.path.join(work, "shader%s.fsh" % label)
+            with open(path, "w") as handle:
+                handle.write(text)
+            ours = [zc1, path, "bench", os.path.join(work, "out" + label), "-f", "-profile", "-perfsim", "-disasm"]
+            theirs = [validator, "-S", "frag", path]
+            time_once(ours)
+            time_once(theirs)
+            ours_times, theirs_times = [], []
+            for _ in range(runs):
+                # Interleaved, so both see the same machine load.
+                ours_times.append(time_once(ours))
+                theirs_times.append(time_once(theirs))
+            ours_median = statistics.median(ours_times)
+            theirs_median = statistics.median(theirs_times)
+            ratios[label] = ours_median / theirs_median
+            print("%5s lines: zc1 %.2f ms, glslangValidator %.2f ms, ratio %.2f (median of %d)" %
+                  (label, ours_median * 1000, theirs_median * 1000, ratios[label], runs))
+    print("zc1_vs_glslang_60=%.2f zc1_vs_glslang_2000=%.2f" % (ratios["60"], ratios["2000"]))
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,174 @@
+#pragma once
+
+// The TXE instruction set: a small structured vector ISA. Registers hold four
+// 32-bit lanes; every operand carries a swizzle, so the same encoding serves the
+// scalar, vector and matrix-column operations the lowering produces.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace ZamCompiler
+{
+
+enum ETxeFile : std::uint8_t
+{
+    File_None = 0,
+    File_Temp,      // r#: allocated temporaries (virtual before allocation)
+    File_Input,     // a#: vertex attributes / fragment varyings and built-in inputs
+    File_Uniform,   // c#: uniform slots
+    File_Output,    // o#: outputs
+    File_Sampler,   // s#: texture units
+    File_Immediate, // #: literal in the instruction's pool entry
+    File_Scratch,   // m#: indexable local memory (local arrays)
+};
+
+enum ETxeClass : std::uint8_t
+{
+    Class_Alu,
+    Class_Transcendental,
+    Class_Texture,
+    Class_Flow,
+    Class_Move,
+};
+
+enum ETxeOp : std::uint8_t
+{
+    // moves
+    Op_Mov,
+    Op_Ldm, // load from scratch (optionally indexed)
+    Op_Stm, // store to scratch (optionally indexed)
+    Op_Ldc, // indexed uniform / input load
+    // ALU
+    Op_Add,
+    Op_Mul,
+    Op_Mad,
+    Op_Dp2,
+    Op_Dp3,
+    Op_Dp4,
+    Op_Min,
+    Op_Max,
+    Op_Flr,
+    Op_Frc,
+    Op_Rnd,
+    Op_Slt,
+    Op_Sge,
+    Op_Seq,
+    Op_Sne,
+    Op_Sel, // dst = src0 != 0 ? src1 : src2
+    Op_And,
+    Op_Or,
+    Op_Xor,
+    Op_Not,
+    Op_Shl,
+    Op_Shr,
+    Op_F2i,
+    Op_I2f,
+    Op_Sgn,
+    Op_Ddx,
+    Op_Ddy,
+    // transcendental (one lane per issue)
+    Op_Rcp,
+    Op_Rsq,
+    Op_Sqrt,
+    Op_Exp2,
+    Op_Log2,
+    Op_Sin,
+    Op_Cos,
+    Op_Atan,
+    Op_Idiv,
+    // texture
+    Op_Tex,
+    Op_Txb,
+    Op_Txl,
+    Op_Txp,
+    Op_Txg,
+    Op_Txf,
+    Op_Txs,
+    // structured flow
+    Op_If,    // if src0.x != 0
+    Op_Else,
+    Op_Endif,
+    Op_Loop,  // trip counts in the instruction
+    Op_Endloop,
+    Op_Brk,
+    Op_Brkz,  // break when src0.x == 0
+    Op_Cont,
+    Op_Kil,
+    Op_Ret,
+    Op_Count
+};
+
+struct STxeOpInfo
+{
+    const char* pMnemonic;
+    ETxeClass eClass;
+    int iSources;
+};
+
+const STxeOpInfo& TxeOpInfo(ETxeOp eOp);
+
+struct STxeOperand
+{
+    ETxeFile eFile = File_None;
+    int iIndex = 0;                        // register / slot number, or pool entry for immediates
+    std::uint8_t auiSwizzle[4] = {0, 1, 2, 3};
+    std::uint8_t uiCount = 0;              // lanes selected (destination: lanes written, ascending)
+    bool bNegate = false;
+    bool bAbs = false;
+    int iRelative = -1;                    // temp register holding a dynamic slot offset, -1 none
+    int iRelativeLane = 0;
+};
+
+// Trip counts a loop is costed with (best, average, worst).
+struct STxeTrips
+{
+    int iBest = 1;
+    int iAverage = 1;
+    int iWorst = 1;
+    bool bKnown = false;
+};
+
+struct STxeInstruction
+{
+    ETxeOp eOp = Op_Mov;
+    STxeOperand dst;
+    STxeOperand aSrc[4];
+    int iLine = 0;              // source line, 0 when none
+    bool bNonDependent = false; // texture: coordinates straight from an input
+    STxeTrips trips;            // loops only
+};
+
+// One named resource of a register file, for the listing header and the program file.
+struct STxeBinding
+{
+    ETxeFile eFile = File_None;
+    int iBase = 0;
+    int iSlots = 0;
+    std::string name;
+    std::vector<float> aValues; // constants the loader places in these slots, four per slot
+};
+
+enum ETxeStage : std::uint8_t
+{
+    Stage_Vertex = 0,
+    Stage_Fragment = 1,
+};
+
+struct STxeProgram
+{
+    ETxeStage eStage = Stage_Fragment;
+    std::vector<STxeInstruction> aInstructions;
+    std::vector<float> aPool; // immediates, four floats per entry
+    std::vector<STxeBinding> aBindings;
+    int iTemps = 0;           // temporaries after allocation (virtual count before)
+    int iScratchSlots = 0;
+    int iInputSlotsRead = 0;
+    int iNonDependentReads = 0;
+};
+
+// "mul r0.xyz, a1.xyz, c0.x" (no line, no cost).
+std::string FormatInstruction(const STxeProgram& program, const STxeInstruction& instr);
+std::string FormatOperand(const STxeProgram& program, const STxeOperand& op, bool bDestination);
+
+} // namespace ZamCompiler

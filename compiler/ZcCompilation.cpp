@@ -1,0 +1,70 @@
+#include "ZcCompilation.h"
+
+#include "ZcFrontEnd.h"
+#include "ZcLowering.h"
+#include "ZcRegisterAllocation.h"
+
+#include <pthread.h>
+
+namespace ZamCompiler
+{
+
+namespace
+{
+
+constexpr std::size_t k_uiLargeStackBytes = 256u * 1024u * 1024u;
+
+struct SThreadCall
+{
+    void (*pFunction)(void*);
+    void* pContext;
+};
+
+void* ThreadEntry(void* pArgument)
+{
+    SThreadCall* pCall = static_cast<SThreadCall*>(pArgument);
+    pCall->pFunction(pCall->pContext);
+    return nullptr;
+}
+
+} // namespace
+
+bool CompileSource(const std::string& source, ETxeStage eStage, const SCoreModel& core, const SSourceLimits& limits,
+                   SCompilation& compilation)
+{
+    compilation = SCompilation();
+    if (!CheckSourceText(source, limits, compilation.aDiagnostics))
+        return false;
+
+    SParsedShader parsed;
+    if (!ParseShader(source, eStage, limits, parsed, compilation.aDiagnostics))
+        return false;
+    if (!LowerShader(*parsed.pIntermediate, eStage, limits, compilation.program, compilation.aDiagnostics))
+        return false;
+
+    // Pairing looks at true dependencies, so cost before registers are shared.
+    compilation.aCosts = CostInstructions(compilation.program, core);
+    compilation.iTemporaries = AllocateRegisters(compilation.program);
+    compilation.mapLineCycles = LineCycles(compilation.program, compilation.aCosts, CountLines(source));
+    compilation.paths = PathCycles(compilation.program, compilation.aCosts);
+    compilation.bSucceeded = true;
+    return true;
+}
+
+bool RunWithLargeStack(void (*pFunction)(void*), void* pContext)
+{
+    SThreadCall call{pFunction, pContext};
+    pthread_attr_t attributes;
+    if (pthread_attr_init(&attributes) != 0)
+        return false;
+    pthread_attr_setstacksize(&attributes, k_uiLargeStackBytes);
+    pthread_t thread;
+    const int iResult = pthread_create(&thread, &attributes, &ThreadEntry, &call);
+    pthread_attr_destroy(&attributes);
+    if (iResult != 0)
+        return false;
+    pthread_join(thread, nullptr);
+    return true;
+}
+
+} // namespace ZamCompiler

@@ -1,0 +1,38 @@
+#pragma once
+
+// One compile of one shader for one core, as data: diagnostics, the program,
+// its costs and the figures the writers print. No files, no printing.
+
+#include "TxeIsa.h"
+#include "ZcAnalysis.h"
+#include "ZcCores.h"
+#include "ZcDiagnostics.h"
+#include "ZcSourceLimits.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace ZamCompiler
+{
+
+struct SCompilation
+{
+    CDiagnosticList aDiagnostics;
+    STxeProgram program;
+    std::vector<int> aCosts;
+    std::map<int, long long> mapLineCycles;
+    SPathCycles paths;
+    int iTemporaries = 0;
+    bool bSucceeded = false;
+};
+
+// Needs a live CFrontEndProcess. Runs on the calling thread; deep input needs a large stack
+// (see RunWithLargeStack).
+bool CompileSource(const std::string& source, ETxeStage eStage, const SCoreModel& core, const SSourceLimits& limits,
+                   SCompilation& compilation);
+
+// Runs the function on a thread with a generous stack; false if no thread could be made.
+bool RunWithLargeStack(void (*pFunction)(void*), void* pContext);
+
+} // namespace ZamCompiler

@@ -1,0 +1,33 @@
+#pragma once
+
+// Diagnostics are data: every pass appends to a list, the driver prints them.
+
+#include <string>
+#include <vector>
+
+namespace ZamCompiler
+{
+
+enum ESeverity
+{
+    Severity_Error,
+    Severity_Warning,
+};
+
+struct SDiagnostic
+{
+    ESeverity eSeverity = Severity_Error;
+    int iLine = -1;   // source line, -1 when the message is not about a line
+    int iColumn = 0;  // 0 when unknown
+    std::string text;
+};
+
+using CDiagnosticList = std::vector<SDiagnostic>;
+
+bool HasErrors(const CDiagnosticList& aDiagnostics);
+void AddError(CDiagnosticList& aDiagnostics, int iLine, const std::string& text);
+
+// "ERROR: 0:12: text", "WARNING: 0:3: text", or "ERROR: text" without a line.
+std::string FormatDiagnostic(const SDiagnostic& diagnostic);
+
+} // namespace ZamCompiler

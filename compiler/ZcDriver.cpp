@@ -1,0 +1,179 @@
+#include "ZcDriver.h"
+
+#include "ZcCompilation.h"
+#include "ZcFiles.h"
+#include "ZcFrontEnd.h"
+#include "ZcWriters.h"
+
+namespace ZamCompiler
+{
+
+namespace
+{
+
+struct SCompileJob
+{
+    const std::string* pSource;
+    ETxeStage eStage;
+    const SCoreModel* pCore;
+    SCompilation* pCompilation;
+};
+
+void CompileJob(void* pContext)
+{
+    SCompileJob* pJob = static_cast<SCompileJob*>(pContext);
+    CompileSource(*pJob->pSource, pJob->eStage, *pJob->pCore, DefaultSourceLimits(), *pJob->pCompilation);
+}
+
+bool EndsWith(const std::string& text, const std::string& suffix)
+{
+    return text.size() >= suffix.size() && text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
+}
+
+// Without -v or -f: the extension, then the text, decides.
+ETxeStage GuessStage(const std::string& path, const std::string& source)
+{
+    if (EndsWith(path, ".vsh") || EndsWith(path, ".vert"))
+        return Stage_Vertex;
+    if (EndsWith(path, ".fsh") || EndsWith(path, ".frag"))
+        return Stage_Fragment;
+    return source.find("gl_Position") != std::string::npos ? Stage_Vertex : Stage_Fragment;
+}
+
+int Fail(std::string& output, const std::string& message)
+{
+    output += "ERROR: " + message + "\n";
+    output += "Compile failed.\n";
+    return 1;
+}
+
+} // namespace
+
+ECommandLine ParseCommandLine(const std::vector<std::string>& aArgs, SCommandLine& commandLine, std::string& error)
+{
+    commandLine = SCommandLine();
+    if (aArgs.empty())
+        return CommandLine_Banner;
+    std::vector<std::string> aPositional;
+    for (const std::string& arg : aArgs)
+    {
+        if (arg == "-h" || arg == "--help" || arg == "-help")
+            return CommandLine_Banner;
+        if (arg.size() > 1 && arg[0] == '-')
+        {
+            if (arg == "-v")
+                commandLine.bVertex = true;
+            else if (arg == "-f")
+                commandLine.bFragment = true;
+            else if (arg == "-nowarn")
+                commandLine.bNoWarn = true;
+            else if (arg == "-profile")
+                commandLine.bProfile = true;
+            else if (arg == "-perfsim")
+                commandLine.bPerfSim = true;
+            else if (arg == "-disasm")
+                commandLine.bDisasm = true;
+            else
+            {
+                error = "unknown option '" + arg + "' (run without arguments for the list of options)";
+                return CommandLine_Invalid;
+            }
+            continue;
+        }
+        aPositional.push_back(arg);
+    }
+    // An empty unit name disappears from a command line that leaves out empty arguments.
+    if (aPositional.size() == 2)
+        aPositional.insert(aPositional.begin() + 1, std::string());
+    if (aPositional.size() != 3)
+    {
+        error = "expected three arguments, <input> <unit name> <output base>, and got " +
+                std::to_string(aPositional.size());
+        return CommandLine_Invalid;
+    }
+    if (commandLine.bVertex && commandLine.bFragment)
+    {
+        error = "-v and -f exclude each other";
+        return CommandLine_Invalid;
+    }
+    if (aPositional[0].empty() || aPositional[2].empty())
+    {
+        error = "the input and the output base must not be empty";
+        return CommandLine_Invalid;
+    }
+    commandLine.input = aPositional[0];
+    commandLine.unit = aPositional[1];
+    commandLine.outputBase = aPositional[2];
+    return CommandLine_Compile;
+}
+
+int RunGlslCompiler(const std::string& programPath, const std::vector<std::string>& aArgs, std::string& output)
+{
+    ECore eCore = Core_ZC1;
+    CoreFromProgramName(programPath, eCore);
+    const SCoreModel& core = CoreModel(eCore);
+
+    SCommandLine commandLine;
+    std::string error;
+    switch (ParseCommandLine(aArgs, commandLine, error))
+    {
+    case CommandLine_Banner:
+        output += GlslBanner(core);
+        return 0;
+    case CommandLine_Invalid:
+        output += "ERROR: " + error + "\n";
+        return 2;
+    case CommandLine_Compile:
+        break;
+    }
+
+    const SSourceLimits& limits = DefaultSourceLimits();
+    std::string source;
+    switch (ReadFileBounded(commandLine.input, limits.uiMaxBytes, source, error))
+    {
+    case Read_Failed:
+        return Fail(output, "cannot read input file '" + commandLine.input + "': " + error);
+    case Read_TooLarge:
+        return Fail(output, "0:1: source is too large: the limit is " + std::to_string(limits.uiMaxBytes) + " bytes");
+    case Read_Ok:
+        break;
+    }
+
+    const ETxeStage eStage = commandLine.bVertex     ? Stage_Vertex
+                             : commandLine.bFragment ? Stage_Fragment
+                                                     : GuessStage(commandLine.input, source);
+    SCompilation compilation;
+    {
+        CFrontEndProcess process;
+        SCompileJob job{&source, eStage, &core, &compilation};
+        if (!RunWithLargeStack(&CompileJob, &job))
+            return Fail(output, "cannot start the compiler thread");
+    }
+
+    for (const SDiagnostic& diagnostic : compilation.aDiagnostics)
+    {
+        if (commandLine.bNoWarn && diagnostic.eSeverity == Severity_Warning)
+            continue;
+        output += FormatDiagnostic(diagnostic) + "\n";
+    }
+    if (!compilation.bSucceeded)
+    {
+        output += "Compile failed.\n";
+        return 1;
+    }
+
+    if (!WriteFile(commandLine.outputBase, EncodeProgram(compilation, core), error))
+        return Fail(output, "cannot write '" + commandLine.outputBase + "': " + error);
+    if (commandLine.bProfile && !WriteFile(commandLine.outputBase + ".prof", FormatProfile(compilation), error))
+        return Fail(output, "cannot write '" + commandLine.outputBase + ".prof': " + error);
+    if (commandLine.bDisasm &&
+        !WriteFile(commandLine.outputBase + ".disasm", FormatDisassembly(compilation, core), error))
+        return Fail(output, "cannot write '" + commandLine.outputBase + ".disasm': " + error);
+
+    if (commandLine.bPerfSim)
+        output += FormatEstimate(compilation);
+    output += "Success.\n";
+    return 0;
+}
+
+} // namespace ZamCompiler

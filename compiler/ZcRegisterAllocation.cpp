@@ -1,0 +1,179 @@
+#include "ZcRegisterAllocation.h"
+
+#include <algorithm>
+#include <functional>
+#include <queue>
+#include <vector>
+
+namespace ZamCompiler
+{
+
+namespace
+{
+
+struct SInterval
+{
+    int iStart = -1;
+    int iEnd = -1;
+    bool bFirstIsRead = false;
+    int iPhysical = -1;
+};
+
+struct SLoopRange
+{
+    int iBegin;
+    int iEnd;
+};
+
+void Touch(std::vector<SInterval>& aIntervals, int iRegister, int iPosition, bool bRead)
+{
+    if (iRegister < 0)
+        return;
+    if (iRegister >= static_cast<int>(aIntervals.size()))
+        aIntervals.resize(iRegister + 1);
+    SInterval& interval = aIntervals[iRegister];
+    if (interval.iStart < 0)
+    {
+        interval.iStart = iPosition;
+        interval.bFirstIsRead = bRead;
+    }
+    interval.iEnd = std::max(interval.iEnd, iPosition);
+}
+
+std::vector<SInterval> BuildIntervals(const STxeProgram& program)
+{
+    std::vector<SInterval> aIntervals(static_cast<std::size_t>(std::max(0, program.iTemps)));
+    for (std::size_t i = 0; i < program.aInstructions.size(); ++i)
+    {
+        const STxeInstruction& instr = program.aInstructions[i];
+        const int iPosition = static_cast<int>(i);
+        for (const STxeOperand& src : instr.aSrc)
+        {
+            if (src.eFile == File_Temp)
+                Touch(aIntervals, src.iIndex, iPosition, true);
+            if (src.iRelative >= 0)
+                Touch(aIntervals, src.iRelative, iPosition, true);
+        }
+        if (instr.dst.iRelative >= 0)
+            Touch(aIntervals, instr.dst.iRelative, iPosition, true);
+        if (instr.dst.eFile == File_Temp)
+            Touch(aIntervals, instr.dst.iIndex, iPosition, false);
+    }
+    return aIntervals;
+}
+
+std::vector<SLoopRange> FindLoops(const STxeProgram& program)
+{
+    std::vector<SLoopRange> aLoops;
+    std::vector<int> aOpen;
+    for (std::size_t i = 0; i < program.aInstructions.size(); ++i)
+    {
+        if (program.aInstructions[i].eOp == Op_Loop)
+        {
+            aOpen.push_back(static_cast<int>(i));
+        }
+        else if (program.aInstructions[i].eOp == Op_Endloop && !aOpen.empty())
+        {
+            aLoops.push_back({aOpen.back(), static_cast<int>(i)});
+            aOpen.pop_back();
+        }
+    }
+    return aLoops;
+}
+
+// A value that lives into a loop, or is read before it is written inside one,
+// must survive the loop's back edge.
+void ExtendOverLoops(std::vector<SInterval>& aIntervals, const std::vector<SLoopRange>& aLoops)
+{
+    for (SInterval& interval : aIntervals)
+    {
+        if (interval.iStart < 0)
+            continue;
+        if (interval.bFirstIsRead)
+        {
+            for (const SLoopRange& loop : aLoops)
+            {
+                if (loop.iBegin < interval.iStart && interval.iStart < loop.iEnd)
+                {
+                    interval.iStart = std::min(interval.iStart, loop.iBegin);
+                    interval.iEnd = std::max(interval.iEnd, loop.iEnd);
+                }
+            }
+        }
+        bool bChanged = true;
+        while (bChanged)
+        {
+            bChanged = false;
+            for (const SLoopRange& loop : aLoops)
+            {
+                if (interval.iStart < loop.iBegin && interval.iEnd > loop.iBegin && interval.iEnd < loop.iEnd)
+                {
+                    interval.iEnd = loop.iEnd;
+                    bChanged = true;
+                }
+            }
+        }
+    }
+}
+
+void Rewrite(STxeOperand& op, const std::vector<SInterval>& aIntervals)
+{
+    if (op.eFile == File_Temp && op.iIndex >= 0 && op.iIndex < static_cast<int>(aIntervals.size()))
+        op.iIndex = aIntervals[op.iIndex].iPhysical;
+    if (op.iRelative >= 0 && op.iRelative < static_cast<int>(aIntervals.size()))
+        op.iRelative = aIntervals[op.iRelative].iPhysical;
+}
+
+} // namespace
+
+int AllocateRegisters(STxeProgram& program)
+{
+    std::vector<SInterval> aIntervals = BuildIntervals(program);
+    ExtendOverLoops(aIntervals, FindLoops(program));
+
+    std::vector<int> aOrder;
+    for (std::size_t i = 0; i < aIntervals.size(); ++i)
+    {
+        if (aIntervals[i].iStart >= 0)
+            aOrder.push_back(static_cast<int>(i));
+    }
+    std::stable_sort(aOrder.begin(), aOrder.end(),
+                     [&aIntervals](int a, int b) { return aIntervals[a].iStart < aIntervals[b].iStart; });
+
+    // Active intervals by end; free registers lowest first.
+    using SActive = std::pair<int, int>; // (end, register)
+    std::priority_queue<SActive, std::vector<SActive>, std::greater<SActive>> active;
+    std::priority_queue<int, std::vector<int>, std::greater<int>> free;
+    int iPeak = 0;
+    for (int iRegister : aOrder)
+    {
+        SInterval& interval = aIntervals[iRegister];
+        // A register read for the last time can be the destination of the same instruction.
+        while (!active.empty() && active.top().first <= interval.iStart)
+        {
+            free.push(aIntervals[active.top().second].iPhysical);
+            active.pop();
+        }
+        if (free.empty())
+        {
+            interval.iPhysical = iPeak++;
+        }
+        else
+        {
+            interval.iPhysical = free.top();
+            free.pop();
+        }
+        active.emplace(interval.iEnd, iRegister);
+    }
+
+    for (STxeInstruction& instr : program.aInstructions)
+    {
+        Rewrite(instr.dst, aIntervals);
+        for (STxeOperand& src : instr.aSrc)
+            Rewrite(src, aIntervals);
+    }
+    program.iTemps = iPeak;
+    return iPeak;
+}
+
+} // namespace ZamCompiler

@@ -1,0 +1,190 @@
+#include "ZcWriters.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+
+namespace ZamCompiler
+{
+
+namespace
+{
+
+const char* const s_apFileNames[] = {"-", "temp", "input", "uniform", "output", "sampler", "immediate", "scratch"};
+const char s_acFileLetters[] = "-racos#m";
+
+void PutU8(std::string& out, unsigned uiValue)
+{
+    out.push_back(static_cast<char>(uiValue & 0xFF));
+}
+
+void PutU16(std::string& out, unsigned uiValue)
+{
+    PutU8(out, uiValue);
+    PutU8(out, uiValue >> 8);
+}
+
+void PutU32(std::string& out, std::uint32_t uiValue)
+{
+    PutU16(out, uiValue & 0xFFFF);
+    PutU16(out, uiValue >> 16);
+}
+
+void PutOperand(std::string& out, const STxeOperand& op)
+{
+    PutU8(out, op.eFile);
+    PutU8(out, (op.bNegate ? 1u : 0u) | (op.bAbs ? 2u : 0u) | ((op.iRelativeLane & 3u) << 2));
+    PutU8(out, op.uiCount);
+    unsigned uiSwizzle = 0;
+    for (int i = 0; i < 4; ++i)
+        uiSwizzle |= (op.auiSwizzle[i] & 3u) << (2 * i);
+    PutU8(out, uiSwizzle);
+    PutU32(out, static_cast<std::uint32_t>(op.iIndex));
+    PutU32(out, static_cast<std::uint32_t>(op.iRelative));
+}
+
+std::string Pad(std::string text, std::size_t uiWidth)
+{
+    if (text.size() < uiWidth)
+        text.append(uiWidth - text.size(), ' ');
+    return text;
+}
+
+} // namespace
+
+std::string GlslBanner(const SCoreModel& core)
+{
+    std::string text;
+    text += std::string("Zam GLSL ES reference compiler for ") + core.pName + " rev " + std::to_string(core.iRevision) +
+            ". zcddk " + k_pCompilerVersion + "@" + std::to_string(k_iCompilerBuild) + "\n";
+    text += std::string("Usage: ") + core.pExecutable + " <input> <unit name> <output base> [options]\n";
+    text += "OPTIONS are:\n";
+    text += " -v        compile a vertex shader\n";
+    text += " -f        compile a fragment shader\n";
+    text += " -nowarn   leave warnings out of the log\n";
+    text += " -profile  write per-line cycle counts to <output base>.prof\n";
+    text += " -perfsim  print the performance estimate\n";
+    text += " -disasm   write the TXE assembly to <output base>.disasm\n";
+    return text;
+}
+
+std::string FormatProfile(const SCompilation& compilation)
+{
+    std::string text;
+    long long llTotal = 0;
+    for (const auto& [iLine, llCycles] : compilation.mapLineCycles)
+    {
+        text += "line: " + std::to_string(iLine) + ", count: " + std::to_string(llCycles) + "\n";
+        llTotal += llCycles;
+    }
+    text += "Total consumed cycles = " + std::to_string(llTotal) + "\n";
+    text += "TXC generated instructions = " + std::to_string(compilation.program.aInstructions.size()) + "\n";
+    return text;
+}
+
+std::string FormatEstimate(const SCompilation& compilation)
+{
+    std::string text = "Performance estimate\n";
+    text += "Cycle count:                " + std::to_string(ClampCycles(compilation.paths.dBest)) + "\n";
+    text += "Average cycle count:        " + std::to_string(ClampCycles(compilation.paths.dAverage)) + "\n";
+    text += "Worst   cycle count:        " + std::to_string(ClampCycles(compilation.paths.dWorst)) + "\n";
+    text += "Temporary registers used:   " + std::to_string(compilation.iTemporaries) + "\n";
+    text += "Primary attributes used:    " + std::to_string(compilation.program.iInputSlotsRead) + "\n";
+    text += "Non-dependent texture reads:" + std::to_string(compilation.program.iNonDependentReads) + "\n";
+    return text;
+}
+
+std::string FormatDisassembly(const SCompilation& compilation, const SCoreModel& core)
+{
+    const STxeProgram& program = compilation.program;
+    std::string text;
+    text += std::string("; TXE ") + core.pName + (program.eStage == Stage_Vertex ? " vertex" : " fragment") +
+            " program: " + std::to_string(program.aInstructions.size()) + " instructions, " +
+            std::to_string(compilation.iTemporaries) + " temporaries\n";
+    for (const STxeBinding& binding : program.aBindings)
+    {
+        const char cLetter = s_acFileLetters[binding.eFile < sizeof(s_acFileLetters) - 1 ? binding.eFile : 0];
+        std::string range = cLetter + std::to_string(binding.iBase);
+        if (binding.iSlots > 1)
+            range += "-" + std::string(1, cLetter) + std::to_string(binding.iBase + binding.iSlots - 1);
+        text += "; " + Pad(range, 9) + " " + Pad(s_apFileNames[binding.eFile], 8) + " " + binding.name + "\n";
+    }
+    text += "; index  line  cycles  instruction\n";
+
+    int iDepth = 0;
+    for (std::size_t i = 0; i < program.aInstructions.size(); ++i)
+    {
+        const STxeInstruction& instr = program.aInstructions[i];
+        if (instr.eOp == Op_Else || instr.eOp == Op_Endif || instr.eOp == Op_Endloop)
+            iDepth = iDepth > 0 ? iDepth - 1 : 0;
+        char acPrefix[48];
+        std::snprintf(acPrefix, sizeof(acPrefix), "%6zu %5d %7d  ", i, instr.iLine,
+                      i < compilation.aCosts.size() ? compilation.aCosts[i] : 0);
+        text += acPrefix + std::string(static_cast<std::size_t>(iDepth) * 2, ' ') + FormatInstruction(program, instr);
+        if (instr.eOp == Op_Loop && !instr.trips.bKnown)
+            text += "  ; trips " + std::to_string(instr.trips.iBest) + "/" + std::to_string(instr.trips.iAverage) + "/" +
+                    std::to_string(instr.trips.iWorst);
+        if (instr.bNonDependent)
+            text += "  ; non-dependent";
+        text += "\n";
+        if (instr.eOp == Op_If || instr.eOp == Op_Else || instr.eOp == Op_Loop)
+            ++iDepth;
+    }
+    return text;
+}
+
+std::string EncodeProgram(const SCompilation& compilation, const SCoreModel& core)
+{
+    const STxeProgram& program = compilation.program;
+    std::string out;
+    out += "ZTXE";
+    PutU16(out, 1);
+    PutU8(out, core.eCore);
+    PutU8(out, program.eStage);
+    PutU32(out, static_cast<std::uint32_t>(program.aInstructions.size()));
+    PutU32(out, static_cast<std::uint32_t>(program.aPool.size() / 4));
+    PutU32(out, static_cast<std::uint32_t>(program.aBindings.size()));
+    PutU32(out, static_cast<std::uint32_t>(compilation.iTemporaries));
+    PutU32(out, static_cast<std::uint32_t>(program.iScratchSlots));
+    PutU32(out, 0);
+
+    for (const STxeInstruction& instr : program.aInstructions)
+    {
+        PutU8(out, instr.eOp);
+        PutU8(out, instr.bNonDependent ? 1u : 0u);
+        PutU16(out, instr.trips.bKnown ? 1u : 0u);
+        PutU32(out, static_cast<std::uint32_t>(instr.iLine));
+        PutOperand(out, instr.dst);
+        for (const STxeOperand& src : instr.aSrc)
+            PutOperand(out, src);
+        PutU32(out, static_cast<std::uint32_t>(instr.trips.iBest));
+        PutU32(out, static_cast<std::uint32_t>(instr.trips.iAverage));
+        PutU32(out, static_cast<std::uint32_t>(instr.trips.iWorst));
+    }
+    for (float fValue : program.aPool)
+    {
+        std::uint32_t uiBits = 0;
+        std::memcpy(&uiBits, &fValue, sizeof(uiBits));
+        PutU32(out, uiBits);
+    }
+    for (const STxeBinding& binding : program.aBindings)
+    {
+        PutU8(out, binding.eFile);
+        PutU8(out, 0);
+        PutU16(out, 0);
+        PutU32(out, static_cast<std::uint32_t>(binding.iBase));
+        PutU32(out, static_cast<std::uint32_t>(binding.iSlots));
+        PutU32(out, static_cast<std::uint32_t>(binding.name.size()));
+        out += binding.name;
+        PutU32(out, static_cast<std::uint32_t>(binding.aValues.size()));
+        for (float fValue : binding.aValues)
+        {
+            std::uint32_t uiBits = 0;
+            std::memcpy(&uiBits, &fValue, sizeof(uiBits));
+            PutU32(out, uiBits);
+        }
+    }
+    return out;
+}
+
+} // namespace ZamCompiler

@@ -1,0 +1,29 @@
+#pragma once
+
+// Text and binary forms of a compilation: the banner, the profile, the
+// performance estimate, the disassembly and the program file.
+
+#include "ZcCompilation.h"
+
+#include <string>
+
+namespace ZamCompiler
+{
+
+constexpr const char* k_pCompilerVersion = "1.0.0";
+constexpr int k_iCompilerBuild = 100;
+
+std::string GlslBanner(const SCoreModel& core);
+
+// "line: L, count: K" per line (ascending, each once), then the two totals.
+std::string FormatProfile(const SCompilation& compilation);
+
+// "Performance estimate" and its six figures.
+std::string FormatEstimate(const SCompilation& compilation);
+
+std::string FormatDisassembly(const SCompilation& compilation, const SCoreModel& core);
+
+// The "ZTXE" program file (layout in docs/compiler.md).
+std::string EncodeProgram(const SCompilation& compilation, const SCoreModel& core);
+
+} // namespace ZamCompiler

@@ -1,0 +1,33 @@
+#pragma once
+
+// The OpenCL kernel compiler: clang checks the kernel and emits LLVM IR with
+// debug locations; its diagnostics become ERROR/WARNING lines and the IR's
+// locations give the per-line instruction counts.
+
+#include "ZcDiagnostics.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace ZamCompiler
+{
+
+// "file.cl:12:5: error: text" lines; notes and summaries are dropped.
+CDiagnosticList ParseClangDiagnostics(const std::string& text);
+
+struct SIrProfile
+{
+    std::map<int, long long> mapLineCounts; // instructions per source line
+    long long llInstructions = 0;           // instructions in defined functions
+};
+
+// Counts IR instructions by the line of their !dbg location.
+SIrProfile ProfileIr(const std::string& ir, int iLastLine);
+
+std::string ClBanner(const std::string& coreName);
+
+// Exit status: 0 success, 1 compile failed (also: clang missing), 2 unusable command line.
+int RunClCompiler(const std::string& programPath, const std::vector<std::string>& aArgs, std::string& output);
+
+} // namespace ZamCompiler
