@@ -42,3 +42,15 @@ bench-compiler: configure
 bench-pipeline: configure
 	cmake --build $(BUILD_DIR) -j $(JOBS) --target bench_pipeline bench_zfxparser glslcompiler_zc1
 	./$(BUILD_DIR)/bench/bench_pipeline $(BUILD_DIR)/bin ./$(BUILD_DIR)/bench/bench_zfxparser
+
+# KSyntaxHighlighting (Qt 5) is only the timing baseline of this benchmark, so its package is
+# installed here and its small program is built on its own, not by the bootstrap script.
+.PHONY: bench-highlight
+bench-highlight: configure
+	@dpkg-query -W -f='$${Status}' libkf5syntaxhighlighting-dev 2>/dev/null | grep -q 'install ok installed' || { \
+	  sudo=""; [ "$$(id -u)" -eq 0 ] || sudo=sudo; \
+	  $$sudo apt-get update -qq && DEBIAN_FRONTEND=noninteractive $$sudo apt-get install -y -qq --no-install-recommends libkf5syntaxhighlighting-dev; }
+	cmake --build $(BUILD_DIR) -j $(JOBS) --target bench_highlight
+	cmake -S bench/highlight/ksyntax -B $(BUILD_DIR)/bench-ksyntax -G Ninja -DCMAKE_BUILD_TYPE=Release
+	cmake --build $(BUILD_DIR)/bench-ksyntax -j $(JOBS)
+	QT_QPA_PLATFORM=offscreen ./$(BUILD_DIR)/bench/bench_highlight --ksyntax ./$(BUILD_DIR)/bench-ksyntax/ksyntax_bench

@@ -1,0 +1,460 @@
+#include "CShaderEditPanel.h"
+
+#include "CLineNumberArea.h"
+#include "ShaderHighlightController.h"
+#include "ShaderHighlighter.h"
+#include "TextCommands.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <QTextBlock>
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+// One indentation string per command for the whole program; see CIndentString.
+CIndentString& AddIndentString()
+{
+    static CIndentString s_Indent;
+    return s_Indent;
+}
+
+CIndentString& RemoveIndentString()
+{
+    static CIndentString s_Indent;
+    return s_Indent;
+}
+
+QString ToQString(const CZamTString& String)
+{
+    return QString::fromUtf8(String.GetString(), static_cast<qsizetype>(String.GetLength()));
+}
+
+// Pixel width of iChars characters as wide as a "9", rounded up the way the gutters always
+// have been: the product in single precision, then the ceiling.
+int GutterWidth(const QFontMetrics& Metrics, float fChars)
+{
+    const float fWidth = static_cast<float>(Metrics.horizontalAdvance(QLatin1Char('9'))) * fChars;
+    return static_cast<int>(std::ceil(static_cast<double>(fWidth)));
+}
+
+bool IsEffectType(EShaderDocType eType)
+{
+    return (eType & (DocType_ZFXGLSLES | DocType_ZFXGLSL)) != 0;
+}
+} // namespace
+
+CShaderEditPanel::CShaderEditPanel(QWidget* pParent, const CZamTString& FileName, const QString* pText,
+                                   EShaderDocType eType, const CShaderHighlightController* pHighlight)
+    : QPlainTextEdit(pParent)
+    , m_pLineNumberArea(new CLineNumberArea(this, CLineNumberArea::Kind_LineNumbers))
+    , m_pCycleCountArea(new CLineNumberArea(this, CLineNumberArea::Kind_CycleCounts))
+    , m_FileName(FileName)
+    , m_PanelID(ToQString(FileName).toUtf8().constData())
+{
+    connect(this, &QPlainTextEdit::updateRequest, this, &CShaderEditPanel::UpdateLineNumberArea);
+    connect(document(), &QTextDocument::contentsChange, this, &CShaderEditPanel::OnTextChanged);
+    OnFontChanged(pHighlight->GetFont());
+
+    setLineWrapMode(QPlainTextEdit::NoWrap);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    setViewportMargins(LineNumberAreaWidth() + CycleCountAreaWidth(), 0, 0, 0);
+
+    const QString Name = ToQString(FileName);
+    const qsizetype iDot = Name.lastIndexOf(QLatin1Char('.'));
+    const QString Extension = iDot < 0 ? QString() : Name.mid(iDot + 1);
+    m_eDocType = (pText && eType == DocType_Detect) ? DetectDocumentType(*pText, Extension) : eType;
+
+    m_pHighlighter = new CShaderHighlighter(document(), m_eDocType, pHighlight);
+    connect(m_pHighlighter, &CShaderHighlighter::RequestDocumentType, this, &CShaderEditPanel::OnRequestDocumentType);
+    connect(pHighlight, &CShaderHighlightController::SyntaxColoursChanged, m_pHighlighter,
+            &QSyntaxHighlighter::rehighlight);
+    connect(pHighlight, &CShaderHighlightController::FontChanged, this, &CShaderEditPanel::OnFontChanged);
+}
+
+CShaderEditPanel::~CShaderEditPanel()
+{
+    // The base class destroys the document after this part of the object is gone; none of
+    // its signals may reach these slots then.
+    disconnect(document(), nullptr, this, nullptr);
+}
+
+void CShaderEditPanel::SetContents(const QString& Text, bool bDetect)
+{
+    if (bDetect)
+        m_eDocType = DetectDocumentType(Text, QString());
+    setPlainText(Text);
+    document()->setModified(false);
+}
+
+void CShaderEditPanel::SetDocumentType(EShaderDocType eType)
+{
+    if (eType == m_eDocType)
+        return;
+    m_eDocType = eType;
+    m_pHighlighter->rehighlight();
+    viewport()->update();
+    RequestRecompile();
+}
+
+void CShaderEditPanel::SetFilename(const CZamTString& FileName)
+{
+    m_FileName = FileName;
+    emit FilenameChanged(ToQString(FileName));
+}
+
+bool CShaderEditPanel::IsModified() const
+{
+    return document()->isModified();
+}
+
+void CShaderEditPanel::MarkSaved()
+{
+    document()->setModified(false);
+}
+
+void CShaderEditPanel::MoveCursorToStart()
+{
+    moveCursor(QTextCursor::Start);
+}
+
+void CShaderEditPanel::SetHighlightSelections(int iKind, const QList<QTextEdit::ExtraSelection>& Selections)
+{
+    if (iKind == Highlight_CursorMatches)
+        m_CursorMatchHighlights = Selections;
+    else if (iKind == Highlight_FindResults)
+        m_FindHighlights = Selections;
+    setExtraSelections(m_FindHighlights + m_CursorMatchHighlights);
+}
+
+void CShaderEditPanel::CommentSelection()
+{
+    TextCommands::CommentSelection(textCursor());
+}
+
+void CShaderEditPanel::UncommentSelection()
+{
+    TextCommands::UncommentSelection(textCursor());
+}
+
+void CShaderEditPanel::AddIndentToSelection()
+{
+    if (!textCursor().hasSelection())
+        return;
+    const QString Indent = m_EditorSettings.bTreatTabAsSpace ? AddIndentString().Get(m_EditorSettings.iTabSpaceSize)
+                                                             : QStringLiteral("\t");
+    TextCommands::AddIndent(textCursor(), Indent);
+}
+
+void CShaderEditPanel::RemoveIndentFromSelection()
+{
+    if (!textCursor().hasSelection())
+        return;
+    const bool bSpaces = m_EditorSettings.bTreatTabAsSpace;
+    const QString Indent = bSpaces ? RemoveIndentString().Get(m_EditorSettings.iTabSpaceSize) : QString();
+    TextCommands::RemoveIndent(textCursor(), bSpaces, Indent, m_EditorSettings.iTabSpaceSize);
+}
+
+void CShaderEditPanel::Undo()
+{
+    ReplayHistory(false);
+}
+
+void CShaderEditPanel::Redo()
+{
+    ReplayHistory(true);
+}
+
+void CShaderEditPanel::ReplayHistory(bool bRedo)
+{
+    m_bReplayingHistory = true;
+    if (bRedo)
+        redo();
+    else
+        undo();
+    m_bReplayingHistory = false;
+}
+
+int CShaderEditPanel::LineNumberAreaWidth() const
+{
+    int iDigits = 2; // one more than the largest line number needs
+    for (int iLines = std::max(1, blockCount()); iLines >= 10; iLines /= 10)
+        ++iDigits;
+    return GutterWidth(fontMetrics(), static_cast<float>(iDigits) + 0.3f);
+}
+
+int CShaderEditPanel::CycleCountAreaWidth() const
+{
+    int iDigits = 1;
+    const QRect Area = rect();
+    const QPointF Offset = contentOffset();
+    for (QTextBlock Block = firstVisibleBlock(); Block.isValid(); Block = Block.next())
+    {
+        const QRectF Geometry = blockBoundingGeometry(Block).translated(Offset);
+        if (Geometry.top() > Area.bottom())
+            break;
+        const int iBlock = Block.blockNumber();
+        if (Block.isVisible() && Geometry.bottom() >= Area.top() && iBlock > 0
+            && static_cast<uint32_t>(iBlock) < m_CycleCounts.GetSize() && m_CycleCounts[iBlock] >= 0)
+        {
+            iDigits = std::max(iDigits, static_cast<int>(QString::number(m_CycleCounts[iBlock]).size()));
+        }
+    }
+    return GutterWidth(fontMetrics(), static_cast<float>(iDigits) + 1.0f + 0.5f);
+}
+
+void CShaderEditPanel::PaintGutter(QPaintEvent* pEvent, int iKind)
+{
+    UpdateGutterGeometry();
+    CLineNumberArea* pArea = iKind == CLineNumberArea::Kind_LineNumbers ? m_pLineNumberArea : m_pCycleCountArea;
+    QPainter Painter(pArea);
+    const QRect Dirty = pEvent->rect();
+    Painter.fillRect(Dirty, iKind == CLineNumberArea::Kind_LineNumbers ? QColor(Qt::lightGray)
+                                                                      : QColor(191, 215, 215, 255));
+    Painter.setPen(Qt::black);
+    Painter.setFont(font());
+    const int iWidth = pArea->width();
+    const int iTextHeight = fontMetrics().height();
+
+    QTextBlock Block = firstVisibleBlock();
+    int iTop = static_cast<int>(blockBoundingGeometry(Block).translated(contentOffset()).top());
+    while (Block.isValid() && iTop <= Dirty.bottom())
+    {
+        const int iBottom = iTop + static_cast<int>(blockBoundingRect(Block).height());
+        const int iBlock = Block.blockNumber();
+        if (Block.isVisible() && iBottom >= Dirty.top())
+        {
+            QString Text;
+            if (iKind == CLineNumberArea::Kind_LineNumbers)
+                Text = QString::number(iBlock + 1);
+            else if (iBlock > 0 && static_cast<uint32_t>(iBlock) < m_CycleCounts.GetSize() && m_CycleCounts[iBlock] >= 0)
+                Text = QString::number(m_CycleCounts[iBlock]);
+            if (!Text.isEmpty())
+                Painter.drawText(QRect(-4, iTop, iWidth, iTextHeight), Qt::AlignRight, Text);
+        }
+        Block = Block.next();
+        iTop = iBottom;
+    }
+}
+
+void CShaderEditPanel::OnCompileCycleCountChanged(const CZamTHash& PanelID, const CZamTArray<int>& CycleCounts)
+{
+    if (PanelID != m_PanelID)
+        return;
+    m_CycleCounts = CycleCounts;
+    UpdateGutterGeometry();
+    m_pCycleCountArea->repaint();
+}
+
+void CShaderEditPanel::OnFontChanged(const QFont& Font)
+{
+    setFont(Font);
+    // Four spaces whatever the tab size setting: the setting only governs inserted spaces.
+    setTabStopDistance(QFontMetricsF(Font).horizontalAdvance(QStringLiteral("    ")));
+    UpdateGutterGeometry();
+}
+
+void CShaderEditPanel::OnCompilerSettingsChanged(const Settings::SCompiler& Settings, unsigned int uiChangedMask)
+{
+    m_bAutoCompile = Settings.bAutoCompile;
+    if (uiChangedMask & Settings::CompilerSetting_CustomCompilerPath)
+        RequestRecompile();
+}
+
+void CShaderEditPanel::OnEditorSettingsChanged(const Settings::SEditor& Settings)
+{
+    m_EditorSettings = Settings;
+}
+
+bool CShaderEditPanel::event(QEvent* pEvent)
+{
+    // Tab belongs to the text even when a window action uses it as its shortcut: the key
+    // handler itself indents a selection of several lines.
+    if (pEvent->type() == QEvent::ShortcutOverride)
+    {
+        const auto* pKey = static_cast<QKeyEvent*>(pEvent);
+        if (pKey->key() == Qt::Key_Tab && pKey->modifiers() == Qt::NoModifier)
+        {
+            pEvent->accept();
+            return true;
+        }
+    }
+    return QPlainTextEdit::event(pEvent);
+}
+
+void CShaderEditPanel::keyPressEvent(QKeyEvent* pEvent)
+{
+    if (pEvent->key() == Qt::Key_Tab && pEvent->modifiers() == Qt::NoModifier && HandleTab())
+    {
+        pEvent->accept();
+        return;
+    }
+    if (pEvent->key() == Qt::Key_Home)
+    {
+        HandleHome(pEvent);
+        return;
+    }
+    if (pEvent->matches(QKeySequence::Undo) || pEvent->matches(QKeySequence::Redo))
+    {
+        ReplayHistory(pEvent->matches(QKeySequence::Redo));
+        pEvent->accept();
+        return;
+    }
+    QPlainTextEdit::keyPressEvent(pEvent);
+}
+
+bool CShaderEditPanel::HandleTab()
+{
+    QTextCursor Cursor = textCursor();
+    if (Cursor.hasSelection() && document()->findBlock(Cursor.anchor()) != document()->findBlock(Cursor.position()))
+    {
+        emit OutdentSelection();
+        return true;
+    }
+    if (!m_EditorSettings.bTreatTabAsSpace)
+        return false;
+    Cursor.beginEditBlock();
+    for (int i = 0; i < m_EditorSettings.iTabSpaceSize; ++i)
+        Cursor.insertText(QStringLiteral(" "));
+    Cursor.endEditBlock();
+    setTextCursor(Cursor);
+    return true;
+}
+
+void CShaderEditPanel::HandleHome(QKeyEvent* pEvent)
+{
+    QTextCursor Cursor = textCursor();
+    const int iTarget = TextCommands::SmartHomePosition(Cursor);
+    if (iTarget < 0)
+    {
+        QPlainTextEdit::keyPressEvent(pEvent);
+        return;
+    }
+    const bool bShift = (pEvent->modifiers() & Qt::ShiftModifier) != 0;
+    Cursor.setPosition(iTarget, bShift ? QTextCursor::KeepAnchor : QTextCursor::MoveAnchor);
+    setTextCursor(Cursor);
+    pEvent->accept();
+}
+
+void CShaderEditPanel::resizeEvent(QResizeEvent* pEvent)
+{
+    QPlainTextEdit::resizeEvent(pEvent);
+    UpdateGutterGeometry();
+}
+
+void CShaderEditPanel::paintEvent(QPaintEvent* pEvent)
+{
+    if (IsEffectType(m_eDocType))
+        PaintEffectBackgrounds();
+    QPlainTextEdit::paintEvent(pEvent);
+}
+
+void CShaderEditPanel::PaintEffectBackgrounds()
+{
+    QPainter Painter(viewport());
+    const QPointF Offset = contentOffset();
+    const qreal dViewportBottom = viewport()->height();
+    for (QTextBlock Block = firstVisibleBlock(); Block.isValid(); Block = Block.next())
+    {
+        const QRectF Geometry = blockBoundingGeometry(Block).translated(Offset);
+        // Blocks below the viewport would be clipped anyway; laying them out only costs time.
+        if (Geometry.top() > dViewportBottom)
+            break;
+        const auto* pData = dynamic_cast<const CTextBlockZFXData*>(Block.userData());
+        if (Block.isVisible() && pData)
+            Painter.fillRect(Geometry, pData->GetFormat().background());
+    }
+}
+
+void CShaderEditPanel::UpdateLineNumberArea(const QRect& Rect, int iDy)
+{
+    if (iDy != 0)
+    {
+        m_pLineNumberArea->scroll(0, iDy);
+        m_pCycleCountArea->scroll(0, iDy);
+    }
+    else if (m_iDirtyGutterBottom < m_iDirtyGutterTop)
+    {
+        m_iDirtyGutterTop = Rect.top();
+        m_iDirtyGutterBottom = Rect.bottom();
+    }
+    else
+    {
+        m_iDirtyGutterTop = std::min(m_iDirtyGutterTop, Rect.top());
+        m_iDirtyGutterBottom = std::max(m_iDirtyGutterBottom, Rect.bottom());
+    }
+    // Thousands of highlights arrive as thousands of requests in one go; the gutters and
+    // margins are brought up to date once, before the next paint.
+    if (!m_bGutterUpdatePending)
+    {
+        m_bGutterUpdatePending = true;
+        QMetaObject::invokeMethod(this, &CShaderEditPanel::FlushGutterUpdates, Qt::QueuedConnection);
+    }
+}
+
+void CShaderEditPanel::FlushGutterUpdates()
+{
+    m_bGutterUpdatePending = false;
+    if (m_iDirtyGutterTop <= m_iDirtyGutterBottom)
+    {
+        const int iHeight = m_iDirtyGutterBottom - m_iDirtyGutterTop + 1;
+        m_pLineNumberArea->update(0, m_iDirtyGutterTop, m_pLineNumberArea->width(), iHeight);
+        m_pCycleCountArea->update(0, m_iDirtyGutterTop, m_pCycleCountArea->width(), iHeight);
+    }
+    m_iDirtyGutterTop = 0;
+    m_iDirtyGutterBottom = -1;
+    UpdateGutterGeometry();
+}
+
+void CShaderEditPanel::UpdateGutterGeometry()
+{
+    const int iLineWidth = LineNumberAreaWidth();
+    const int iCycleWidth = CycleCountAreaWidth();
+    // Setting equal margins would still re-layout the viewport on every keystroke.
+    if (viewportMargins().left() != iLineWidth + iCycleWidth)
+        setViewportMargins(iLineWidth + iCycleWidth, 0, 0, 0);
+    const QRect Contents = contentsRect();
+    m_pLineNumberArea->setGeometry(Contents.left(), Contents.top(), iLineWidth, Contents.height());
+    m_pCycleCountArea->setGeometry(Contents.left() + iLineWidth, Contents.top(), iCycleWidth, Contents.height());
+}
+
+void CShaderEditPanel::OnTextChanged(int iPosition, int iCharsRemoved, int iCharsAdded)
+{
+    Q_UNUSED(iCharsRemoved);
+    RequestRecompile();
+    // Replaying history must not add text: that would cut off the redo steps.
+    if (!m_bReplayingHistory)
+        AutoIndent(iPosition, iCharsAdded);
+}
+
+void CShaderEditPanel::AutoIndent(int iPosition, int iCharsAdded)
+{
+    QTextCursor Probe(document());
+    Probe.setPosition(std::min(iPosition, document()->characterCount() - 1));
+    if (!Probe.atBlockEnd() || iCharsAdded < 1)
+        return;
+    const QString Blanks = TextCommands::LeadingBlanks(Probe.block());
+    if (Blanks.isEmpty())
+        return;
+    QTextCursor Cursor = textCursor();
+    Cursor.beginEditBlock();
+    for (const QChar Blank : Blanks)
+        Cursor.insertText(QString(Blank));
+    Cursor.endEditBlock();
+    setTextCursor(Cursor);
+}
+
+void CShaderEditPanel::OnRequestDocumentType(CShaderHighlighter* pHighlighter)
+{
+    pHighlighter->SetDocumentType(m_eDocType);
+}
+
+void CShaderEditPanel::RequestRecompile()
+{
+    if (!m_bAutoCompile || !IsAutoCompiledType(m_eDocType))
+        return;
+    emit CancelCompile(m_PanelID);
+    emit RecompileContents(m_PanelID, toPlainText(), m_eDocType, CompileInvocation_Background);
+}

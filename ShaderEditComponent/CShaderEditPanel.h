@@ -1,0 +1,119 @@
+#pragma once
+
+#include "CompileOptions.h"
+#include "DocumentFile.h"
+#include "Settings.h"
+#include "ShaderDocType.h"
+#include "ZamTArray.h"
+#include "ZamTHash.h"
+#include "ZamTString.h"
+
+#include <QList>
+#include <QPlainTextEdit>
+#include <QTextEdit>
+
+class CLineNumberArea;
+class CShaderHighlightController;
+class CShaderHighlighter;
+
+// One open document: a plain-text editor with a line-number gutter and a cycle-count gutter,
+// automatic indentation, a smart Home key, a configurable Tab key, the comment and indent
+// commands, and a background-compile request after every change. The settings it follows
+// are pushed in through the two settings slots.
+class CShaderEditPanel : public QPlainTextEdit
+{
+    Q_OBJECT
+
+public:
+    enum EHighlightKind : int
+    {
+        Highlight_CursorMatches = 0,
+        Highlight_FindResults = 1,
+    };
+
+    // pText is used only to detect the type when eType is DocType_Detect; the caller puts
+    // the text in with SetContents. pHighlight must outlive the panel.
+    CShaderEditPanel(QWidget* pParent, const CZamTString& FileName, const QString* pText, EShaderDocType eType,
+                     const CShaderHighlightController* pHighlight);
+    ~CShaderEditPanel() override;
+
+    void SetContents(const QString& Text, bool bDetect);
+    void SetDocumentType(EShaderDocType eType);
+    EShaderDocType GetDocumentType() const { return m_eDocType; }
+    const CZamTString& GetFilename() const { return m_FileName; }
+    const CZamTHash& GetPanelID() const { return m_PanelID; }
+    void SetFilename(const CZamTString& FileName);
+    // How the file's bytes were laid out, kept for saving.
+    const SDocumentFormat& GetFileFormat() const { return m_FileFormat; }
+    void SetFileFormat(const SDocumentFormat& Format) { m_FileFormat = Format; }
+
+    bool IsModified() const;
+    void MarkSaved();
+    void MoveCursorToStart();
+    void SetHighlightSelections(int iKind, const QList<QTextEdit::ExtraSelection>& Selections);
+
+    void CommentSelection();
+    void UncommentSelection();
+    void AddIndentToSelection();
+    void RemoveIndentFromSelection();
+    // Undo and redo that never trigger automatic indentation while history is replayed.
+    void Undo();
+    void Redo();
+
+    int LineNumberAreaWidth() const;
+    int CycleCountAreaWidth() const;
+    void PaintGutter(QPaintEvent* pEvent, int iKind);
+    const CZamTArray<int>& GetCycleCounts() const { return m_CycleCounts; }
+
+signals:
+    void RequestClose();
+    void OutdentSelection();
+    void RecompileContents(const CZamTHash& PanelID, const QString& Contents, EShaderDocType eType,
+                           ECompileInvocationType eInvocation);
+    void CancelCompile(const CZamTHash& PanelID);
+    void FilenameChanged(const QString& FileName);
+
+public slots:
+    void OnCompileCycleCountChanged(const CZamTHash& PanelID, const CZamTArray<int>& CycleCounts);
+    void OnFontChanged(const QFont& Font);
+    void OnCompilerSettingsChanged(const Settings::SCompiler& Settings, unsigned int uiChangedMask);
+    void OnEditorSettingsChanged(const Settings::SEditor& Settings);
+
+protected:
+    bool event(QEvent* pEvent) override;
+    void keyPressEvent(QKeyEvent* pEvent) override;
+    void resizeEvent(QResizeEvent* pEvent) override;
+    void paintEvent(QPaintEvent* pEvent) override;
+
+private slots:
+    void UpdateLineNumberArea(const QRect& Rect, int iDy);
+    void OnTextChanged(int iPosition, int iCharsRemoved, int iCharsAdded);
+    void OnRequestDocumentType(CShaderHighlighter* pHighlighter);
+
+private:
+    void RequestRecompile();
+    void AutoIndent(int iPosition, int iCharsAdded);
+    bool HandleTab();
+    void HandleHome(QKeyEvent* pEvent);
+    void UpdateGutterGeometry();
+    void FlushGutterUpdates();
+    void PaintEffectBackgrounds();
+    void ReplayHistory(bool bRedo);
+
+    CLineNumberArea* m_pLineNumberArea;
+    CLineNumberArea* m_pCycleCountArea;
+    CShaderHighlighter* m_pHighlighter = nullptr;
+    CZamTString m_FileName;
+    CZamTHash m_PanelID;
+    EShaderDocType m_eDocType = DocType_PlainText;
+    QList<QTextEdit::ExtraSelection> m_FindHighlights;
+    QList<QTextEdit::ExtraSelection> m_CursorMatchHighlights;
+    CZamTArray<int> m_CycleCounts{16};
+    Settings::SEditor m_EditorSettings;
+    bool m_bAutoCompile = true;
+    SDocumentFormat m_FileFormat;
+    bool m_bReplayingHistory = false;
+    bool m_bGutterUpdatePending = false;
+    int m_iDirtyGutterTop = 0; // gutter strip to repaint; empty while bottom < top
+    int m_iDirtyGutterBottom = -1;
+};

@@ -1,0 +1,552 @@
+#include "CShaderEditor.h"
+
+#include "CShaderEditController.h"
+#include "CShaderEditPanel.h"
+#include "DocumentFile.h"
+#include "IShaderEditorDelegate.h"
+#include "NewFileName.h"
+
+#include <QDialog>
+#include <QDir>
+#include <QFileInfo>
+#include <QMouseEvent>
+#include <QPrinter>
+#include <QRegExp>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QVBoxLayout>
+
+namespace
+{
+const char s_PanelObjectName[] = "EditPanel";
+const int s_iCursorMatchDelayMs = 100;
+
+QString ToQString(const CZamTString& String)
+{
+    return QString::fromUtf8(String.GetString(), static_cast<qsizetype>(String.GetLength()));
+}
+
+CZamTString ToZamString(const QString& String)
+{
+    const QByteArray Bytes = String.toUtf8();
+    return CZamTString(Bytes.constData(), static_cast<uint32_t>(Bytes.size()));
+}
+} // namespace
+
+CShaderEditor::CShaderEditor(const CShaderHighlightController* pHighlight, QWidget* pParent)
+    : QWidget(pParent)
+    , m_pTabWidget(new QTabWidget(this))
+    , m_pHighlight(pHighlight)
+{
+    auto* pLayout = new QVBoxLayout(this);
+    pLayout->setContentsMargins(0, 0, 0, 0);
+    pLayout->addWidget(m_pTabWidget);
+    m_pTabWidget->setTabsClosable(true);
+    m_pTabWidget->tabBar()->installEventFilter(this);
+
+    m_CursorMatchTimer.setSingleShot(true);
+    connect(m_pTabWidget, &QTabWidget::tabCloseRequested, this, &CShaderEditor::OnCloseTabRequest);
+    connect(m_pTabWidget, &QTabWidget::currentChanged, this, &CShaderEditor::OnPanelChanged);
+    connect(&m_CursorMatchTimer, &QTimer::timeout, this, &CShaderEditor::OnHighlightCursorMatches);
+}
+
+CShaderEditor::~CShaderEditor()
+{
+    m_pTabWidget->tabBar()->removeEventFilter(this);
+}
+
+void CShaderEditor::SetController(CShaderEditController* pController)
+{
+    connect(this, qOverload<const CZamTHash&>(&CShaderEditor::PanelChanged), pController,
+            &CShaderEditController::OnPanelChanged);
+    connect(this, &CShaderEditor::StateChanged, pController, &CShaderEditController::OnEditorStateChanged);
+    connect(this, &CShaderEditor::RecompileContents, pController,
+            [pController](const CZamTHash& PanelID, const QString& Contents, EShaderDocType eType,
+                          ECompileInvocationType eInvocation) {
+                pController->OnCompilePanel(PanelID, Contents, eType, eInvocation);
+            });
+    connect(this, &CShaderEditor::CancelCompile, pController, &CShaderEditController::OnCancelCompile);
+    connect(pController, &CShaderEditController::EditorSettingsChanged, this, &CShaderEditor::OnEditorSettingsChanged);
+    connect(pController, &CShaderEditController::CompilerSettingsChanged, this,
+            &CShaderEditor::OnCompilerSettingsChanged);
+    connect(pController, &CShaderEditController::CompileCycleCountChanged, this,
+            &CShaderEditor::OnCompileCycleCountChanged);
+    OnEditorSettingsChanged(pController->GetEditorSettings());
+    OnCompilerSettingsChanged(pController->GetCompilerSettings(), 0);
+}
+
+int CShaderEditor::GetTabCount() const
+{
+    return m_pTabWidget->count();
+}
+
+CShaderEditPanel* CShaderEditor::GetPanel(int iIndex) const
+{
+    QWidget* pPage = m_pTabWidget->widget(iIndex);
+    return pPage ? pPage->findChild<CShaderEditPanel*>(QLatin1String(s_PanelObjectName)) : nullptr;
+}
+
+CShaderEditPanel* CShaderEditor::GetCurrentPanel() const
+{
+    return GetPanel(m_pTabWidget->currentIndex());
+}
+
+const CZamTArray<CZamTString>& CShaderEditor::GetOpenFilenames()
+{
+    m_OpenFilenames.Clear();
+    for (int i = 0; i < GetTabCount(); ++i)
+        m_OpenFilenames.Append(GetPanel(i)->GetFilename());
+    return m_OpenFilenames;
+}
+
+int CShaderEditor::IndexOfPanel(const CShaderEditPanel* pPanel) const
+{
+    for (int i = 0; i < GetTabCount(); ++i)
+    {
+        if (GetPanel(i) == pPanel)
+            return i;
+    }
+    return -1;
+}
+
+QString CShaderEditor::DocumentName(int iIndex) const
+{
+    const CShaderEditPanel* pPanel = GetPanel(iIndex);
+    if (!pPanel->GetFilename().IsEmpty())
+        return QDir::toNativeSeparators(ToQString(pPanel->GetFilename()));
+    QString Title = m_pTabWidget->tabText(iIndex);
+    if (Title.endsWith(QLatin1Char('*')))
+        Title.chop(1);
+    return Title;
+}
+
+CShaderEditPanel* CShaderEditor::AddPanel(const QString& Title, const QString* pText, const QString& Path,
+                                          EShaderDocType eType)
+{
+    const bool bWasEmpty = GetTabCount() == 0;
+    auto* pPage = new QWidget;
+    auto* pLayout = new QVBoxLayout(pPage);
+    pLayout->setContentsMargins(0, 0, 0, 0);
+    pLayout->setSpacing(0);
+    auto* pPanel = new CShaderEditPanel(pPage, ToZamString(Path), pText, eType, m_pHighlight);
+    pPanel->setObjectName(QLatin1String(s_PanelObjectName));
+    pLayout->addWidget(pPanel);
+    pPanel->OnEditorSettingsChanged(m_EditorSettings);
+    pPanel->OnCompilerSettingsChanged(m_CompilerSettings, 0);
+    ConnectPanel(pPanel);
+
+    const int iIndex = m_pTabWidget->addTab(pPage, Title);
+    m_pTabWidget->setTabToolTip(iIndex, QDir::toNativeSeparators(Path));
+    m_pTabWidget->setCurrentIndex(iIndex);
+    if (pText)
+    {
+        pPanel->SetContents(*pText, false);
+        pPanel->MoveCursorToStart();
+    }
+    pPanel->setFocus();
+    if (bWasEmpty)
+        emit StateChanged(2);
+    return pPanel;
+}
+
+void CShaderEditor::ConnectPanel(CShaderEditPanel* pPanel)
+{
+    connect(pPanel, &QPlainTextEdit::modificationChanged, this, &CShaderEditor::OnPanelContentChanged);
+    connect(pPanel, &CShaderEditPanel::FilenameChanged, this, &CShaderEditor::OnPanelFilenameChanged);
+    connect(pPanel, &QPlainTextEdit::cursorPositionChanged, this,
+            qOverload<>(&CShaderEditor::OnPanelCursorPositionChanged));
+    connect(pPanel->document(), &QTextDocument::cursorPositionChanged, this,
+            qOverload<const QTextCursor&>(&CShaderEditor::OnPanelCursorPositionChanged));
+    connect(pPanel, &CShaderEditPanel::OutdentSelection, this, &CShaderEditor::OnOutdentSelection);
+    connect(pPanel, &CShaderEditPanel::RequestClose, this, &CShaderEditor::OnCloseCurrentTab);
+    connect(pPanel, &CShaderEditPanel::CancelCompile, this, &CShaderEditor::CancelCompile);
+    connect(pPanel, &CShaderEditPanel::RecompileContents, this, &CShaderEditor::RecompileContents);
+}
+
+void CShaderEditor::OnNewFile(EShaderDocType eType)
+{
+    QStringList Titles;
+    for (int i = 0; i < GetTabCount(); ++i)
+        Titles << m_pTabWidget->tabText(i);
+    AddPanel(NextNewFileName(Titles), nullptr, QString(), eType);
+}
+
+bool CShaderEditor::OnOpenFile()
+{
+    CZamTString Path;
+    if (!m_pDelegate || !m_pDelegate->GetOpenFileName(Path))
+        return true;
+    return OnOpenFile(ToQString(Path));
+}
+
+bool CShaderEditor::OnOpenFile(const QString& Path)
+{
+    // Absolute and clean, so one file reached through two spellings is one tab.
+    const QString FullPath = QDir::toNativeSeparators(QDir::cleanPath(QFileInfo(Path).absoluteFilePath()));
+    const CZamTString FileName = ToZamString(FullPath);
+    for (int i = 0; i < GetTabCount(); ++i)
+    {
+        if (GetPanel(i)->GetFilename() == FileName)
+        {
+            m_pTabWidget->setCurrentIndex(i);
+            return true;
+        }
+    }
+
+    const SFileReadResult Read = ReadDocumentFile(FullPath);
+    if (!Read.bOk)
+    {
+        if (m_pDelegate)
+            m_pDelegate->ReportIOError(FileName, ToZamString(Read.Error));
+        return false;
+    }
+    const SDocumentText Document = DecodeDocument(Read.Bytes);
+    CShaderEditPanel* pPanel = AddPanel(QFileInfo(FullPath).fileName(), &Document.Text, FullPath, DocType_Detect);
+    pPanel->SetFileFormat(Document.Format);
+    emit FileOpened(FullPath);
+    return true;
+}
+
+bool CShaderEditor::WritePanel(CShaderEditPanel* pPanel, const QString& Path)
+{
+    const SFileWriteResult Written = WriteDocumentFile(Path, EncodeDocument(pPanel->toPlainText(), pPanel->GetFileFormat()));
+    if (!Written.bOk)
+    {
+        if (m_pDelegate)
+            m_pDelegate->ReportIOError(ToZamString(Path), ToZamString(Written.Error));
+        return false;
+    }
+    pPanel->MarkSaved();
+    return true;
+}
+
+bool CShaderEditor::SaveTab(int iIndex)
+{
+    CShaderEditPanel* pPanel = GetPanel(iIndex);
+    if (!pPanel)
+        return false;
+    if (pPanel->GetFilename().IsEmpty())
+        return SaveTabAs(iIndex);
+    return WritePanel(pPanel, ToQString(pPanel->GetFilename()));
+}
+
+bool CShaderEditor::SaveTabAs(int iIndex)
+{
+    CShaderEditPanel* pPanel = GetPanel(iIndex);
+    CZamTString Path;
+    if (!pPanel || !m_pDelegate || !m_pDelegate->GetSaveFileName(Path, pPanel->GetDocumentType()))
+        return false;
+    const QString FullPath = QDir::toNativeSeparators(QDir::cleanPath(QFileInfo(ToQString(Path)).absoluteFilePath()));
+    if (!WritePanel(pPanel, FullPath))
+        return false;
+    pPanel->SetFilename(ToZamString(FullPath));
+    return true;
+}
+
+void CShaderEditor::OnSaveCurrentTab()
+{
+    SaveTab(m_pTabWidget->currentIndex());
+}
+
+void CShaderEditor::OnSaveCurrentTabAs()
+{
+    SaveTabAs(m_pTabWidget->currentIndex());
+}
+
+bool CShaderEditor::OnSaveAllTabs()
+{
+    bool bAllSaved = true;
+    for (int i = 0; i < GetTabCount(); ++i)
+        bAllSaved = SaveTab(i) && bAllSaved;
+    return bAllSaved;
+}
+
+bool CShaderEditor::CloseTab(int iIndex)
+{
+    CShaderEditPanel* pPanel = GetPanel(iIndex);
+    if (!pPanel)
+        return false;
+    if (pPanel->IsModified())
+    {
+        // Without anyone to ask, keeping the document is the only answer that loses nothing.
+        const QMessageBox::StandardButton eAnswer =
+            m_pDelegate ? m_pDelegate->AskSaveChanges(DocumentName(iIndex)) : QMessageBox::Cancel;
+        if (eAnswer == QMessageBox::Cancel)
+            return false;
+        // The tab being closed is the one saved; if that fails it stays open.
+        if (eAnswer == QMessageBox::Save && !SaveTab(iIndex))
+            return false;
+    }
+    QWidget* pPage = m_pTabWidget->widget(iIndex);
+    m_pTabWidget->removeTab(iIndex);
+    pPage->deleteLater();
+    if (GetTabCount() == 0)
+        emit StateChanged(1);
+    return true;
+}
+
+void CShaderEditor::OnCloseTabRequest(int iIndex)
+{
+    CloseTab(iIndex);
+}
+
+void CShaderEditor::OnCloseCurrentTab()
+{
+    CloseTab(m_pTabWidget->currentIndex());
+}
+
+bool CShaderEditor::OnCloseAllTabs()
+{
+    while (GetTabCount() > 0)
+    {
+        if (!CloseTab(0))
+            return false;
+    }
+    return true;
+}
+
+bool CShaderEditor::eventFilter(QObject* pWatched, QEvent* pEvent)
+{
+    if (pWatched == m_pTabWidget->tabBar() && pEvent->type() == QEvent::MouseButtonRelease)
+    {
+        const auto* pMouse = static_cast<QMouseEvent*>(pEvent);
+        const int iIndex = m_pTabWidget->tabBar()->tabAt(pMouse->position().toPoint());
+        if (pMouse->button() == Qt::MiddleButton && iIndex >= 0 && m_EditorSettings.bCloseTabsMiddleMouse)
+        {
+            // The same question as every other close: a middle click must not lose work.
+            CloseTab(iIndex);
+            return true;
+        }
+    }
+    return QWidget::eventFilter(pWatched, pEvent);
+}
+
+void CShaderEditor::OnPanelContentChanged(bool bModified)
+{
+    const int iIndex = IndexOfPanel(qobject_cast<CShaderEditPanel*>(sender()));
+    if (iIndex < 0)
+        return;
+    QString Title = m_pTabWidget->tabText(iIndex);
+    if (bModified && !Title.contains(QLatin1Char('*')))
+        m_pTabWidget->setTabText(iIndex, Title + QLatin1Char('*'));
+    else if (!bModified && Title.contains(QLatin1Char('*')))
+        m_pTabWidget->setTabText(iIndex, Title.chopped(1));
+}
+
+void CShaderEditor::OnPanelFilenameChanged(const QString& FileName)
+{
+    const int iIndex = IndexOfPanel(qobject_cast<CShaderEditPanel*>(sender()));
+    if (iIndex < 0)
+        return;
+    m_pTabWidget->setTabText(iIndex, QFileInfo(FileName).fileName());
+    m_pTabWidget->setTabToolTip(iIndex, QDir::toNativeSeparators(FileName));
+}
+
+void CShaderEditor::OnPanelChanged(int iIndex)
+{
+    CShaderEditPanel* pPanel = GetPanel(iIndex);
+    if (!pPanel)
+        return;
+    emit PanelChanged(pPanel->GetPanelID());
+    emit PanelChanged(static_cast<const CShaderEditPanel*>(pPanel));
+    OnPanelCursorPositionChanged();
+}
+
+void CShaderEditor::OnPanelCursorPositionChanged()
+{
+    CShaderEditPanel* pPanel = GetCurrentPanel();
+    if (!pPanel)
+        return;
+    const QTextCursor Cursor = pPanel->textCursor();
+    emit LineChanged(Cursor.blockNumber() + 1);
+    emit ColChanged(Cursor.positionInBlock() + 1);
+    m_CursorMatchTimer.stop();
+    if (m_EditorSettings.bPerformCursorMatch)
+        m_CursorMatchTimer.start(s_iCursorMatchDelayMs);
+}
+
+void CShaderEditor::OnPanelCursorPositionChanged(const QTextCursor& Cursor)
+{
+    CShaderEditPanel* pPanel = GetCurrentPanel();
+    if (pPanel && Cursor.document() == pPanel->document())
+        OnPanelCursorPositionChanged();
+}
+
+void CShaderEditor::OnHighlightCursorMatches()
+{
+    CShaderEditPanel* pPanel = GetCurrentPanel();
+    if (!pPanel || pPanel->textCursor().hasSelection())
+        return;
+
+    QTextCursor Word = pPanel->textCursor();
+    const int iStartedAt = Word.position();
+    Word.movePosition(QTextCursor::StartOfWord);
+    Word.movePosition(QTextCursor::EndOfWord, QTextCursor::KeepAnchor);
+    const QString Text = Word.selectedText();
+    if (Word.position() < iStartedAt || QRegExp(QStringLiteral("[a-zA-Z_]+")).indexIn(Text) < 0)
+    {
+        pPanel->SetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches, {});
+        return;
+    }
+
+    QList<QTextEdit::ExtraSelection> Matches;
+    QTextEdit::ExtraSelection Match;
+    Match.format.setBackground(m_EditorSettings.CursorMatchColour);
+    const QTextDocument::FindFlags eFlags = QTextDocument::FindCaseSensitively | QTextDocument::FindWholeWords;
+    QTextDocument* pDocument = pPanel->document();
+    for (QTextCursor Found = pDocument->find(Text, 0, eFlags); !Found.isNull(); Found = pDocument->find(Text, Found, eFlags))
+    {
+        Match.cursor = Found;
+        Matches.append(Match);
+    }
+    pPanel->SetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches, Matches);
+}
+
+void CShaderEditor::OnEditorSettingsChanged(const Settings::SEditor& Settings)
+{
+    m_EditorSettings = Settings;
+    for (int i = 0; i < GetTabCount(); ++i)
+        GetPanel(i)->OnEditorSettingsChanged(Settings);
+    CShaderEditPanel* pPanel = GetCurrentPanel();
+    if (!pPanel)
+        return;
+    if (!Settings.bPerformCursorMatch)
+        pPanel->SetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches, {});
+    if (!Settings.bHighlightFindResults)
+        pPanel->SetHighlightSelections(CShaderEditPanel::Highlight_FindResults, {});
+}
+
+void CShaderEditor::OnCompilerSettingsChanged(const Settings::SCompiler& Settings, unsigned int uiChangedMask)
+{
+    m_CompilerSettings = Settings;
+    for (int i = 0; i < GetTabCount(); ++i)
+        GetPanel(i)->OnCompilerSettingsChanged(Settings, uiChangedMask);
+}
+
+void CShaderEditor::OnCompileCycleCountChanged(const CZamTHash& PanelID, const CZamTArray<int>& CycleCounts)
+{
+    for (int i = 0; i < GetTabCount(); ++i)
+        GetPanel(i)->OnCompileCycleCountChanged(PanelID, CycleCounts);
+}
+
+void CShaderEditor::OnUndo()
+{
+    if (CShaderEditPanel* pPanel = GetCurrentPanel())
+        pPanel->Undo();
+}
+
+void CShaderEditor::OnRedo()
+{
+    if (CShaderEditPanel* pPanel = GetCurrentPanel())
+        pPanel->Redo();
+}
+
+void CShaderEditor::OnCut()
+{
+    if (CShaderEditPanel* pPanel = GetCurrentPanel())
+        pPanel->cut();
+}
+
+void CShaderEditor::OnCopy()
+{
+    if (CShaderEditPanel* pPanel = GetCurrentPanel())
+        pPanel->copy();
+}
+
+void CShaderEditor::OnPaste()
+{
+    if (CShaderEditPanel* pPanel = GetCurrentPanel())
+        pPanel->paste();
+}
+
+void CShaderEditor::OnDelete()
+{
+    CShaderEditPanel* pPanel = GetCurrentPanel();
+    if (!pPanel)
+        return;
+    QTextCursor Cursor = pPanel->textCursor();
+    if (Cursor.hasSelection())
+        Cursor.removeSelectedText();
+    else
+        Cursor.deleteChar();
+    pPanel->setTextCursor(Cursor);
+}
+
+void CShaderEditor::OnSelectAll()
+{
+    if (CShaderEditPanel* pPanel = GetCurrentPanel())
+        pPanel->selectAll();
+}
+
+void CShaderEditor::OnPrint()
+{
+    CShaderEditPanel* pPanel = GetCurrentPanel();
+    if (!pPanel || !m_pDelegate)
+        return;
+    QPrinter Printer;
+    if (m_pDelegate->ShowPrintDialog(&Printer, pPanel->textCursor().hasSelection()) == QDialog::Accepted)
+        pPanel->print(&Printer);
+}
+
+void CShaderEditor::OnCommentSelection()
+{
+    if (CShaderEditPanel* pPanel = GetCurrentPanel())
+        pPanel->CommentSelection();
+}
+
+void CShaderEditor::OnUncommentSelection()
+{
+    if (CShaderEditPanel* pPanel = GetCurrentPanel())
+        pPanel->UncommentSelection();
+}
+
+void CShaderEditor::OnIndentSelection()
+{
+    if (CShaderEditPanel* pPanel = GetCurrentPanel())
+        pPanel->RemoveIndentFromSelection();
+}
+
+void CShaderEditor::OnOutdentSelection()
+{
+    if (CShaderEditPanel* pPanel = GetCurrentPanel())
+        pPanel->AddIndentToSelection();
+}
+
+void CShaderEditor::OnFileTypeChanged(EShaderDocType eType)
+{
+    if (CShaderEditPanel* pPanel = GetCurrentPanel())
+        pPanel->SetDocumentType(eType);
+}
+
+void CShaderEditor::ShowFindResults(const QList<QTextEdit::ExtraSelection>& lSelections)
+{
+    CShaderEditPanel* pPanel = GetCurrentPanel();
+    if (pPanel && m_EditorSettings.bHighlightFindResults)
+        pPanel->SetHighlightSelections(CShaderEditPanel::Highlight_FindResults, lSelections);
+}
+
+void CShaderEditor::ClearFindResults()
+{
+    if (CShaderEditPanel* pPanel = GetCurrentPanel())
+        pPanel->SetHighlightSelections(CShaderEditPanel::Highlight_FindResults, {});
+}
+
+QPlainTextEdit* CShaderEditor::GetTextEdit()
+{
+    return GetCurrentPanel();
+}
+
+QTextCharFormat CShaderEditor::GetFindResultFormat() const
+{
+    QTextCharFormat Format;
+    Format.setBackground(m_EditorSettings.FindResultColour);
+    return Format;
+}
+
+QString CShaderEditor::GetSelectedText() const
+{
+    const CShaderEditPanel* pPanel = GetCurrentPanel();
+    return pPanel ? pPanel->textCursor().selectedText() : QString();
+}

@@ -1,0 +1,124 @@
+#pragma once
+
+#include "CompileOptions.h"
+#include "IFindReplaceDelagte.h"
+#include "Settings.h"
+#include "ShaderDocType.h"
+#include "ZamTArray.h"
+#include "ZamTHash.h"
+#include "ZamTString.h"
+
+#include <QTimer>
+#include <QWidget>
+
+class CShaderEditController;
+class CShaderEditPanel;
+class CShaderHighlightController;
+class IShaderEditorDelegate;
+class QTabWidget;
+class QTextCursor;
+
+// The editing area: one tab per open document, each holding a CShaderEditPanel. Creates,
+// opens, saves and closes documents, tracks line and column, marks modified tabs,
+// highlights the other occurrences of the word under the cursor, and forwards the window's
+// edit commands to the current panel. Questions to the user go through the delegate.
+class CShaderEditor : public QWidget, public IFindReplaceDelagte
+{
+    Q_OBJECT
+
+public:
+    // pHighlight must outlive the editor.
+    explicit CShaderEditor(const CShaderHighlightController* pHighlight, QWidget* pParent = nullptr);
+    ~CShaderEditor() override;
+
+    // Not owned; null makes every question answer "cancel".
+    void SetDelegate(IShaderEditorDelegate* pDelegate) { m_pDelegate = pDelegate; }
+    // Takes the controller's settings and wires the compile requests, results and state
+    // changes of the editor and all its panels to it. Without one the default settings apply.
+    void SetController(CShaderEditController* pController);
+    int GetTabCount() const;
+    CShaderEditPanel* GetPanel(int iIndex) const;
+    CShaderEditPanel* GetCurrentPanel() const;
+    // The file names of all open tabs, in tab order (empty for never-saved documents).
+    const CZamTArray<CZamTString>& GetOpenFilenames();
+
+    // IFindReplaceDelagte
+    void ShowFindResults(const QList<QTextEdit::ExtraSelection>& lSelections) override;
+    void ClearFindResults() override;
+    QPlainTextEdit* GetTextEdit() override;
+    QTextCharFormat GetFindResultFormat() const override;
+    QString GetSelectedText() const override;
+
+signals:
+    void LineChanged(int iLine);
+    void ColChanged(int iColumn);
+    void StateChanged(int iState);
+    void FileOpened(const QString& Path);
+    void PanelChanged(const CZamTHash& PanelID);
+    void PanelChanged(const CShaderEditPanel* pPanel);
+    // Every panel's background-compile requests, relayed for the compile controller.
+    void RecompileContents(const CZamTHash& PanelID, const QString& Contents, EShaderDocType eType,
+                           ECompileInvocationType eInvocation);
+    void CancelCompile(const CZamTHash& PanelID);
+
+public slots:
+    void OnNewFile(EShaderDocType eType);
+    bool OnOpenFile();
+    bool OnOpenFile(const QString& Path);
+    void OnSaveCurrentTab();
+    void OnSaveCurrentTabAs();
+    bool OnSaveAllTabs();
+    void OnCloseCurrentTab();
+    bool OnCloseAllTabs();
+    void OnUndo();
+    void OnRedo();
+    void OnCut();
+    void OnCopy();
+    void OnPaste();
+    void OnDelete();
+    void OnSelectAll();
+    void OnPrint();
+    void OnCommentSelection();
+    void OnUncommentSelection();
+    // Removes one indentation level from the selected lines.
+    void OnIndentSelection();
+    // Adds one indentation level to the selected lines. The name reads the other way round;
+    // the window's actions and the panel's Tab key are wired by these names.
+    void OnOutdentSelection();
+    void OnFileTypeChanged(EShaderDocType eType);
+    // Settings and compile results from the compile controller; each panel takes only the
+    // cycle counts of its own PanelID.
+    void OnEditorSettingsChanged(const Settings::SEditor& Settings);
+    void OnCompilerSettingsChanged(const Settings::SCompiler& Settings, unsigned int uiChangedMask);
+    void OnCompileCycleCountChanged(const CZamTHash& PanelID, const CZamTArray<int>& CycleCounts);
+
+protected:
+    bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
+
+private slots:
+    void OnCloseTabRequest(int iIndex);
+    void OnPanelContentChanged(bool bModified);
+    void OnPanelCursorPositionChanged();
+    void OnPanelCursorPositionChanged(const QTextCursor& Cursor);
+    void OnPanelChanged(int iIndex);
+    void OnPanelFilenameChanged(const QString& FileName);
+    void OnHighlightCursorMatches();
+
+private:
+    CShaderEditPanel* AddPanel(const QString& Title, const QString* pText, const QString& Path, EShaderDocType eType);
+    void ConnectPanel(CShaderEditPanel* pPanel);
+    bool SaveTab(int iIndex);
+    bool SaveTabAs(int iIndex);
+    bool WritePanel(CShaderEditPanel* pPanel, const QString& Path);
+    bool CloseTab(int iIndex);
+    int IndexOfPanel(const CShaderEditPanel* pPanel) const;
+    QString DocumentName(int iIndex) const;
+
+    IShaderEditorDelegate* m_pDelegate = nullptr;
+    QTimer m_CursorMatchTimer;
+    QTabWidget* m_pTabWidget;
+    CZamTArray<CZamTString> m_OpenFilenames;
+    const CShaderHighlightController* m_pHighlight;
+    Settings::SEditor m_EditorSettings;
+    Settings::SCompiler m_CompilerSettings;
+};

@@ -1,0 +1,130 @@
+#pragma once
+
+#include "CompileOptions.h"
+#include "CompileResult.h"
+#include "CompilerDetection.h"
+#include "FileFormats.h"
+#include "Settings.h"
+#include "ShaderDocType.h"
+#include "ZamTArray.h"
+#include "ZamTHash.h"
+#include "ZamTString.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QStringList>
+#include <QVector>
+
+#include <map>
+#include <memory>
+
+class CCompiler;
+class CZamPreferences;
+class QThread;
+
+// How a controller is set up; the defaults are the editor's.
+struct SShaderEditControllerOptions
+{
+    // Folders searched for the bundled compilers; empty: DefaultCompilerSearchPaths().
+    QStringList CompilerSearchPaths;
+    // Read the user's preference file but never write it (the command-line compile).
+    bool bReadOnlySettings = false;
+    // Replaces the stored compiler selection for this controller only; -1 keeps it.
+    qint64 iCompilerSelection = -1;
+    int iDetectionTimeoutMs = DefaultDetectionTimeoutMs;
+    qint64 iOutputCap = -1; // -1: the runner's default cap
+};
+
+// The hub of the shader edit component: owns the editor and compiler settings, the worker
+// thread on which every compile runs, the compiles in flight and the last result of every
+// panel. Lives on the GUI thread and never waits for the worker.
+class CShaderEditController : public QObject
+{
+    Q_OBJECT
+
+public:
+    // Switches written by background compiles when the compiler lists them.
+    static constexpr unsigned int BackgroundOptions = CompileOption_Profile | CompileOption_PerfSim | CompileOption_Disassembly;
+    // Added to the flags of every background compile; no switch stands for it.
+    static constexpr unsigned int BackgroundCompileFlag = 64;
+
+    explicit CShaderEditController(QObject* pParent = nullptr);
+    explicit CShaderEditController(const SShaderEditControllerOptions& Options, QObject* pParent = nullptr);
+    // Cancels the compiles in flight (their compilers and everything those started are
+    // killed), stops the worker thread and deletes every compiler object.
+    ~CShaderEditController() override;
+
+    const Settings::SEditor& GetEditorSettings() const { return m_Editor; }
+    const Settings::SCompiler& GetCompilerSettings() const { return m_Compiler; }
+    // The background flags, as last announced by CompilerFlagsChanged.
+    unsigned int GetCompilerFlags() const { return m_uiCompilerFlags; }
+    // The GLSL ES compiler the selection resolves to, and what it said about itself.
+    const QString& GetCompilerPath() const { return m_CompilerPath; }
+    const SCompilerDetection& GetCompilerDetection() const { return m_Detection; }
+    const CZamTArray<SFileFormatSpecifier>& GetFileFormats() const { return m_FileFormats; }
+    const QString& GetFileDialogFilter() const { return m_FileDialogFilter; }
+    // Compiles not yet finished or cancelled.
+    int GetCompilesInFlight() const;
+
+    // The built-in compiler's compile-to-file command template for the compile dialog, with
+    // the option switches of uiFlags and the stage switch of eType:
+    // "<compiler>" "%i%/%f%" "%b%" "<OutputDirectory>/%b%" -switches. For effect files the
+    // unit and the output name carry "<ZFXShaders>", which becomes each shader's name.
+    QString GetCompileCommandLine(unsigned int uiFlags, EShaderDocType eType, const QString& OutputDirectory) const;
+
+signals:
+    void CompileOutputChanged(const QString& Log);
+    void CompileProfileChanged(const SCompileResult& Result);
+    void CompileCycleCountChanged(const CZamTHash& PanelID, const CZamTArray<int>& CycleCounts);
+    void CompilerSettingsChanged(const Settings::SCompiler& settings, unsigned int uiSettingMask);
+    void EditorSettingsChanged(const Settings::SEditor& settings);
+    void ClearCompileOutput();
+    void CompilerFlagsChanged(unsigned int uiFlags);
+    void BeginCompiling();
+    void EndCompiling();
+
+public slots:
+    void SetCompilerSettings(const Settings::SCompiler& settings, unsigned int uiSettingMask);
+    void SetEditorSettings(const Settings::SEditor& settings, unsigned int uiSettingMask);
+    void OnCompileFile(const CZamTHash& PanelID, const CZamTString& Filename, const CZamTString& CommandLine,
+                       EShaderDocType eType);
+    void OnCompilePanel(const CZamTHash& PanelID, const QString& Contents, EShaderDocType eType,
+                        ECompileInvocationType eInvocation, unsigned int uiFlags = 0);
+    void OnPanelCompiled(const CZamTHash& PanelID, unsigned int CompileKey, const SCompileResult& Results);
+    void OnPanelCompileFinished(const CZamTHash& PanelID, unsigned int CompileKey);
+    void OnCancelCompile(const CZamTHash& PanelID);
+    void OnPanelChanged(const CZamTHash& PanelID);
+    void OnEditorStateChanged(int iState);
+
+private:
+    void LoadSettings(qint64 iCompilerSelection);
+    void DetectCompilers();
+    void RunCompilerDetection();
+    // Creates a compiler on the worker thread and enters it in the in-flight table.
+    CCompiler* StartCompiler(const CZamTHash& PanelID, unsigned int& uiKey);
+    // Cancels a compile in flight and hands the compiler over to its own deletion.
+    void Abandon(CCompiler* pCompiler);
+
+    const SShaderEditControllerOptions m_Options;
+    QStringList m_SearchPaths;
+    std::unique_ptr<CZamPreferences> m_pPrefs;
+    Settings::SEditor m_Editor;
+    Settings::SCompiler m_Compiler;
+    CZamTArray<SFileFormatSpecifier> m_FileFormats;
+    QString m_FileDialogFilter;
+
+    QString m_CompilerPath;
+    SCompilerDetection m_Detection;
+    QString m_OpenCLPath;
+    SCompilerDetection m_OpenCLDetection;
+    unsigned int m_uiCompilerFlags = 0;
+
+    QThread* m_pThread = nullptr;
+    unsigned int m_uiNextKey = 0;
+    std::map<CZamTHash, std::map<unsigned int, CCompiler*>> m_InFlight;
+    // Cancelled compilers delete themselves on the worker thread; kept to be deleted at
+    // tear-down if they never got that far.
+    QVector<QPointer<CCompiler>> m_Abandoned;
+    std::map<CZamTHash, SCompileResult> m_Results;
+    CZamTHash m_CurrentPanel;
+};

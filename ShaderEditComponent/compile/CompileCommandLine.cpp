@@ -1,0 +1,160 @@
+#include "CompileCommandLine.h"
+
+#include "CompileOptions.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace
+{
+const QLatin1String s_ShaderMarker("<ZFXShaders>");
+
+void AppendQuoted(QString& Line, const QString& Part)
+{
+    Line += QLatin1Char('"');
+    Line += Part;
+    Line += QLatin1String("\" ");
+}
+
+bool IsSwitch(const QString& Argument)
+{
+    return Argument.size() > 1 && Argument.at(0) == QLatin1Char('-');
+}
+} // namespace
+
+SCompileCommand BuildCompilerCommand(const QString& Executable, const QString& Input, const QString& Unit,
+                                     const QString& OutputBase, unsigned int uiFlags)
+{
+    SCompileCommand Command;
+    Command.Program = Executable;
+    for (const QString* pPart : {&Input, &Unit, &OutputBase})
+    {
+        if (!pPart->isEmpty())
+            Command.Arguments.append(*pPart);
+    }
+    for (int i = 0; i < GetCompileOptionCount(); ++i)
+    {
+        const SCompileOptionName Option = GetCompileOption(i);
+        if (uiFlags & Option.eFlag)
+            Command.Arguments.append(QLatin1Char('-') + QLatin1String(Option.pName));
+    }
+    return Command;
+}
+
+QString FormatCommandLine(const SCompileCommand& Command)
+{
+    QString Line;
+    AppendQuoted(Line, Command.Program);
+    for (const QString& Argument : Command.Arguments)
+    {
+        if (IsSwitch(Argument))
+            Line += QLatin1Char(' ') + Argument;
+        else
+            AppendQuoted(Line, Argument);
+    }
+    return Line;
+}
+
+QStringList SplitCommandLine(const QString& Line)
+{
+    QStringList Words;
+    QString Word;
+    bool bInWord = false;
+    bool bQuoted = false;
+    for (const QChar Char : Line)
+    {
+        if (Char == QLatin1Char('"'))
+        {
+            bQuoted = !bQuoted;
+            bInWord = true;
+        }
+        else if (!bQuoted && Char.isSpace())
+        {
+            if (bInWord)
+                Words.append(Word);
+            Word.clear();
+            bInWord = false;
+        }
+        else
+        {
+            Word += Char;
+            bInWord = true;
+        }
+    }
+    if (bInWord)
+        Words.append(Word);
+    return Words;
+}
+
+SSourcePlaceholders PlaceholdersForFile(const QString& FilePath)
+{
+    const QFileInfo Info(FilePath);
+    SSourcePlaceholders Values;
+    Values.Directory = QDir::toNativeSeparators(Info.absolutePath());
+    Values.FileName = Info.fileName();
+    Values.BaseName = Info.fileName().section(QLatin1Char('.'), 0, 0);
+    return Values;
+}
+
+QString ExpandPlaceholders(const QString& Word, const SSourcePlaceholders& Values, const QString& ShaderName)
+{
+    const struct
+    {
+        QLatin1String Token;
+        const QString* pValue;
+    } Table[] = {
+        {QLatin1String("%i%"), &Values.Directory},
+        {QLatin1String("%f%"), &Values.FileName},
+        {QLatin1String("%b%"), &Values.BaseName},
+        {s_ShaderMarker, ShaderName.isNull() ? nullptr : &ShaderName},
+    };
+    QString Expanded;
+    int iPos = 0;
+    while (iPos < Word.size())
+    {
+        bool bReplaced = false;
+        for (const auto& Entry : Table)
+        {
+            if (Entry.pValue && QStringView(Word).mid(iPos).startsWith(Entry.Token))
+            {
+                Expanded += *Entry.pValue;
+                iPos += Entry.Token.size();
+                bReplaced = true;
+                break;
+            }
+        }
+        if (!bReplaced)
+            Expanded += Word.at(iPos++);
+    }
+    return Expanded;
+}
+
+SCompileCommand CommandFromTemplate(const QString& Template, const SSourcePlaceholders& Values,
+                                    const QString& ShaderName)
+{
+    SCompileCommand Command;
+    const QStringList Words = SplitCommandLine(Template);
+    for (int i = 0; i < Words.size(); ++i)
+    {
+        const QString Word = ExpandPlaceholders(Words.at(i), Values, ShaderName);
+        if (i == 0)
+            Command.Program = Word;
+        else
+            Command.Arguments.append(Word);
+    }
+    return Command;
+}
+
+SCompileCommand ShaderCommandFromTemplate(const QString& Template, const QString& EffectPath, const QString& ShaderName,
+                                          const QString& ShaderSourcePath)
+{
+    const SSourcePlaceholders Values = PlaceholdersForFile(EffectPath);
+    const QString AbsolutePath = QFileInfo(EffectPath).absoluteFilePath();
+    SCompileCommand Command = CommandFromTemplate(Template, Values, ShaderName);
+    for (QString& Argument : Command.Arguments)
+    {
+        if (Argument == Values.FileName || QFileInfo(Argument).absoluteFilePath() == AbsolutePath)
+            Argument = ShaderSourcePath;
+    }
+    return Command;
+}

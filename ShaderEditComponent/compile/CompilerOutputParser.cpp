@@ -1,0 +1,111 @@
+#include "CompilerOutputParser.h"
+
+#include <limits>
+
+namespace
+{
+bool IsWordChar(char c)
+{
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+}
+
+bool IsDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+// Position of the first keyword that stands as a whole word, or -1.
+qsizetype FindKeyword(const QByteArray& Line, SCompileMessage::ESeverity& eSeverity, qsizetype& iLength)
+{
+    for (qsizetype i = 0; i < Line.size(); ++i)
+    {
+        if (i > 0 && IsWordChar(Line.at(i - 1)))
+            continue;
+        const QByteArray Rest = QByteArray::fromRawData(Line.constData() + i, Line.size() - i);
+        for (const auto& [pWord, eKind] : {std::pair{"ERROR", SCompileMessage::Severity_Error},
+                                           std::pair{"WARNING", SCompileMessage::Severity_Warning}})
+        {
+            const qsizetype iWord = static_cast<qsizetype>(qstrlen(pWord));
+            if (Rest.startsWith(pWord) && (Rest.size() == iWord || !IsWordChar(Rest.at(iWord))))
+            {
+                eSeverity = eKind;
+                iLength = iWord;
+                return i;
+            }
+        }
+    }
+    return -1;
+}
+
+// Reads the digits at iPos; false when there are none or they overflow an int.
+bool ReadNumber(const QByteArray& Line, qsizetype& iPos, qint64& iValue)
+{
+    const qsizetype iStart = iPos;
+    iValue = 0;
+    while (iPos < Line.size() && IsDigit(Line.at(iPos)))
+    {
+        iValue = iValue * 10 + (Line.at(iPos) - '0');
+        if (iValue > std::numeric_limits<int>::max())
+            return false;
+        ++iPos;
+    }
+    return iPos > iStart;
+}
+
+// Moves the line number of "KEYWORD: <string>:<line>" starting at iAfterWord by the offset.
+SCompileMessage MakeMessage(const QByteArray& Line, qsizetype iAfterWord, SCompileMessage::ESeverity eSeverity,
+                            int iLineOffset, QByteArray& Text)
+{
+    SCompileMessage Message;
+    Message.eSeverity = eSeverity;
+    Text = Line;
+    qsizetype iPos = iAfterWord;
+    qint64 iString = 0;
+    qint64 iLine = 0;
+    if (Line.mid(iPos, 2) == ": ")
+    {
+        iPos += 2;
+        if (ReadNumber(Line, iPos, iString) && iPos < Line.size() && Line.at(iPos) == ':')
+        {
+            const qsizetype iLineStart = ++iPos;
+            const qint64 iMoved = ReadNumber(Line, iPos, iLine) ? iLine + iLineOffset : -1;
+            if (iMoved >= 0 && iMoved <= std::numeric_limits<int>::max())
+            {
+                Message.iLine = static_cast<int>(iMoved);
+                Text = Line.left(iLineStart) + QByteArray::number(iMoved) + Line.mid(iPos);
+            }
+        }
+    }
+    Message.Text = QString::fromUtf8(Text);
+    return Message;
+}
+} // namespace
+
+SCompilerOutput ParseCompilerOutput(const QByteArray& Output, int iLineOffset)
+{
+    SCompilerOutput Parsed;
+    Parsed.bSucceeded = Output.contains("Success.\n");
+    Parsed.bFailed = Output.contains("Compile failed.");
+    Parsed.bHasEstimate = Output.contains("Performance estimate");
+
+    qsizetype iStart = 0;
+    while (iStart < Output.size())
+    {
+        qsizetype iEnd = Output.indexOf('\n', iStart);
+        if (iEnd < 0)
+            iEnd = Output.size();
+        const QByteArray Line = Output.mid(iStart, iEnd - iStart);
+        iStart = iEnd + 1;
+
+        SCompileMessage::ESeverity eSeverity = SCompileMessage::Severity_Error;
+        qsizetype iWordLength = 0;
+        const qsizetype iWord = FindKeyword(Line, eSeverity, iWordLength);
+        if (iWord < 0)
+            continue;
+        QByteArray Text;
+        SCompileMessage Message = MakeMessage(Line, iWord + iWordLength, eSeverity, iLineOffset, Text);
+        Parsed.LogText += Text + '\n';
+        Parsed.Messages.append(Message);
+    }
+    return Parsed;
+}

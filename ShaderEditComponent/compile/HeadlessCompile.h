@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QStringList>
+
+class QIODevice;
+
+// The command-line compile for build scripts and CI:
+//   zamshadereditor --compile [--core zc1|zc2|zc3|zd1] FILE...
+// Each file goes through the editor's own controller and worker, its type detected as when it
+// is opened (effect files shader by shader), and its log is written to Out exactly as the log
+// view shows it. Problems with the command line or a file go to Err. The user's preference
+// file is read but never written. Needs a QCoreApplication; no display is used.
+
+// True when the arguments (program name first) ask for the command-line compile, so the
+// caller can choose a QCoreApplication before any GUI is made.
+bool IsHeadlessCompileRequest(int argc, const char* const* argv);
+
+// Returns the exit status: 0 when every file compiled, 1 otherwise (a bad command line too).
+int RunHeadlessCompile(const QStringList& Arguments, QIODevice& Out, QIODevice& Err);
+
+// The whole command-line run for main(): makes the QCoreApplication, writes to the standard
+// output and error, returns the exit status.
+int RunHeadlessCompileMain(int argc, char** argv);

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "ShaderHighlightElements.h"
+#include "ZamTString.h"
+
+#include <QFont>
+#include <QObject>
+#include <QTextCharFormat>
+
+#include <array>
+#include <memory>
+
+class CZamPreferences;
+
+// Owns the colour scheme (one format per syntax element) and the editor font, loaded from
+// and saved to the preference store. Elements without a customised entry use the built-in
+// default format.
+class CShaderHighlightController : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr unsigned int ElementCount = HighlightElement_Count;
+
+    // Uses the application's store "ZamShaderEditor".
+    explicit CShaderHighlightController(QObject* pParent = nullptr);
+    // Uses a store the caller has loaded and keeps alive; it is not loaded again.
+    explicit CShaderHighlightController(CZamPreferences* pStore, QObject* pParent = nullptr);
+    ~CShaderHighlightController() override;
+
+    // The format the highlighter uses: the customised one if set, else the default.
+    const QTextCharFormat& GetFormat(unsigned int uiElement) const;
+    const QTextCharFormat& GetCurrentFormat(unsigned int uiElement) const;
+    const QTextCharFormat& GetDefaultFormat(unsigned int uiElement) const;
+    bool IsCustomised(unsigned int uiElement) const;
+    CZamTString GetElementName(unsigned int uiElement) const;
+    const QFont& GetFont() const { return m_Font; }
+
+    // Writes the customised entries and the font, then the preference file.
+    bool Save();
+
+signals:
+    void SyntaxColoursChanged();
+    void FontChanged(const QFont& Font);
+
+public slots:
+    // Both save at once, like every other setting.
+    void OnSyntaxColourChanged(uint uiElement, QTextCharFormat Format);
+    void OnSetFont(QFont Font);
+
+private:
+    struct SSchemeEntry
+    {
+        CZamTString Name;
+        QTextCharFormat Format;
+        bool bSet = false;
+    };
+
+    void Load();
+    void LoadFont();
+
+    std::unique_ptr<CZamPreferences> m_pOwnedStore;
+    CZamPreferences* m_pStore;
+    std::array<SSchemeEntry, ElementCount> m_Current;
+    std::array<SSchemeEntry, ElementCount> m_Defaults;
+    QFont m_Font;
+};

@@ -1,0 +1,120 @@
+#include "ShaderHighlighter.h"
+
+#include "ShaderHighlightController.h"
+#include "ShaderHighlightRules.h"
+
+#include <algorithm>
+
+CShaderHighlighter::CShaderHighlighter(QTextDocument* pDocument, EShaderDocType eType,
+                                       const CShaderHighlightController* pController)
+    : QSyntaxHighlighter(pDocument), m_pController(pController), m_eType(eType)
+{
+    Q_ASSERT(m_pController);
+}
+
+int CShaderHighlighter::PreviousState() const
+{
+    const int iState = previousBlockState();
+    return iState == -1 ? 0 : iState;
+}
+
+void CShaderHighlighter::highlightBlock(const QString& Text)
+{
+    emit RequestDocumentType(this);
+    const unsigned int uiType = m_eType;
+    if (uiType == DocType_PlainText)
+        return;
+    if (uiType & HighlightMask_Code)
+    {
+        HighlightCode(Text, uiType);
+        return;
+    }
+    if (!(uiType & HighlightMask_Effect))
+        return;
+
+    setCurrentBlockState(0);
+    const bool bInSection = (PreviousState() & HighlightState_CodeSection) != 0;
+    qsizetype iStart = 0;
+    if (!bInSection)
+    {
+        iStart = Text.indexOf(QLatin1String("[GLSL_CODE]"));
+        if (iStart < 0)
+        {
+            HighlightEffect(Text);
+            return;
+        }
+    }
+    if (Text.indexOf(QLatin1String("[/GLSL_CODE]"), iStart) >= 0)
+    {
+        // The closing line is effect syntax; the block state stays 0.
+        HighlightEffect(Text);
+        return;
+    }
+    // Inline shader code is GLSL:ES whatever the effect file's own type.
+    if (bInSection)
+        HighlightCode(Text, HighlightMask_GLSLES);
+    else
+        HighlightEffect(Text);
+    setCurrentBlockState(currentBlockState() | HighlightState_CodeSection);
+}
+
+void CShaderHighlighter::HighlightCode(const QString& Text, unsigned int uiMask)
+{
+    m_Engine.Apply(Text, uiMask, m_Elements);
+    PaintMultiLineComments(Text, uiMask);
+    ApplyElements(GetCodeElement(uiMask));
+}
+
+void CShaderHighlighter::HighlightEffect(const QString& Text)
+{
+    setCurrentBlockUserData(nullptr);
+    const int iFirstElement = m_Engine.Apply(Text, HighlightMask_Effect, m_Elements);
+    if (iFirstElement >= 0)
+        setCurrentBlockUserData(new CTextBlockZFXData(m_pController->GetFormat(unsigned(iFirstElement))));
+    ApplyElements(GetCodeElement(HighlightMask_Effect));
+}
+
+void CShaderHighlighter::PaintMultiLineComments(const QString& Text, unsigned int uiMask)
+{
+    int iState = currentBlockState();
+    if (iState == -1)
+        iState = 0;
+    iState &= ~HighlightState_OpenComment;
+    setCurrentBlockState(iState);
+
+    const int iPrevious = previousBlockState();
+    qsizetype iStart = 0;
+    if (iPrevious == -1 || !(iPrevious & HighlightState_OpenComment))
+        iStart = CShaderRuleEngine::FindPair(Text, 0, u'/', u'*');
+    const quint8 uiValue = quint8(GetCommentElement(uiMask) + 1);
+    while (iStart >= 0)
+    {
+        // The end is searched from the comment's start, so "/*/" closes itself.
+        const qsizetype iEnd = CShaderRuleEngine::FindPair(Text, iStart, u'*', u'/');
+        qsizetype iStop = Text.size();
+        if (iEnd < 0)
+            setCurrentBlockState(currentBlockState() | HighlightState_OpenComment);
+        else
+            iStop = iEnd + 2;
+        std::fill(m_Elements.begin() + iStart, m_Elements.begin() + iStop, uiValue);
+        if (iEnd < 0)
+            break;
+        iStart = CShaderRuleEngine::FindPair(Text, iStop, u'/', u'*');
+    }
+}
+
+void CShaderHighlighter::ApplyElements(unsigned int uiCodeElement)
+{
+    // One setFormat per run of equal elements keeps the per-block cost near the floor.
+    const int iSize = int(m_Elements.size());
+    int iStart = 0;
+    while (iStart < iSize)
+    {
+        const quint8 uiValue = m_Elements[size_t(iStart)];
+        int iEnd = iStart + 1;
+        while (iEnd < iSize && m_Elements[size_t(iEnd)] == uiValue)
+            ++iEnd;
+        setFormat(iStart, iEnd - iStart, m_pController->GetFormat(uiValue ? uiValue - 1u : uiCodeElement));
+        iStart = iEnd;
+    }
+}

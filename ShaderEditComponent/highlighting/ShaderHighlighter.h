@@ -1,0 +1,58 @@
+#pragma once
+
+#include "ShaderDocType.h"
+#include "ShaderRuleEngine.h"
+
+#include <QSyntaxHighlighter>
+#include <QTextBlockUserData>
+#include <QTextCharFormat>
+
+#include <vector>
+
+class CShaderHighlightController;
+
+// Attached to a block of an effect file that carries effect syntax; the panel paints the
+// block's background with the format's background.
+class CTextBlockZFXData : public QTextBlockUserData
+{
+public:
+    explicit CTextBlockZFXData(const QTextCharFormat& Format) : m_Format(Format) {}
+
+    const QTextCharFormat& GetFormat() const { return m_Format; }
+
+private:
+    QTextCharFormat m_Format;
+};
+
+// Colours one panel's document with the rule tables and the controller's colour scheme.
+// The panel answers RequestDocumentType (emitted at the start of every block) with
+// SetDocumentType, so a change of type shows on the next re-highlight.
+class CShaderHighlighter : public QSyntaxHighlighter
+{
+    Q_OBJECT
+
+public:
+    // pController must outlive the highlighter.
+    CShaderHighlighter(QTextDocument* pDocument, EShaderDocType eType, const CShaderHighlightController* pController);
+
+    void SetDocumentType(EShaderDocType eType) { m_eType = eType; }
+    EShaderDocType GetDocumentType() const { return m_eType; }
+
+signals:
+    void RequestDocumentType(CShaderHighlighter* pHighlighter);
+
+protected:
+    void highlightBlock(const QString& Text) override;
+
+private:
+    void HighlightCode(const QString& Text, unsigned int uiMask);
+    void HighlightEffect(const QString& Text);
+    void PaintMultiLineComments(const QString& Text, unsigned int uiMask);
+    void ApplyElements(unsigned int uiCodeElement);
+    int PreviousState() const;
+
+    const CShaderHighlightController* m_pController;
+    EShaderDocType m_eType;
+    CShaderRuleEngine m_Engine;
+    std::vector<quint8> m_Elements; // per character: 0 code format, else element + 1
+};

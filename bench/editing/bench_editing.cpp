@@ -1,0 +1,276 @@
+// Editing speed on large documents: opening until the first highlighted paint, typing, cursor
+// matching and quick find. Prints one summary line last.
+//
+// With a scenario argument only that part runs after the opening, so an instruction counter
+// can measure it alone:
+//   bench_editing typing <keys>   <keys> keystrokes at the end, then as many in the middle
+//   bench_editing match           one cursor match on a word that occurs 5,000 times
+//   bench_editing find            one quick find of a text with 10,000 matches
+// e.g. valgrind --tool=callgrind --collect-atstart=no --toggle-collect='*Scenario*'
+//      bench/bench_editing typing 20
+
+#include "CFindReplace.h"
+#include "CShaderEditPanel.h"
+#include "CShaderEditor.h"
+#include "IShaderEditorDelegate.h"
+#include "MetaTypes.h"
+#include "ShaderHighlightController.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTextBlock>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <vector>
+
+namespace
+{
+class CSilentDelegate : public IShaderEditorDelegate
+{
+public:
+    QMessageBox::StandardButton AskSaveChanges(const QString&) override { return QMessageBox::Discard; }
+    bool GetSaveFileName(CZamTString&, EShaderDocType) override { return false; }
+    int ShowPrintDialog(QPrinter*, bool) override { return 0; }
+    bool GetOpenFileName(CZamTString&) override { return false; }
+    void ReportIOError(const CZamTString&, const CZamTString& Error) override
+    {
+        std::fprintf(stderr, "error: %s\n", Error.GetString());
+    }
+};
+
+// A GLSL ES fragment shader of iLines lines in which "shade" occurs 5,000 times and
+// "vec3" 10,000 times.
+QByteArray GenerateShader(int iLines)
+{
+    QByteArray Text = "precision mediump float;\nuniform sampler2D uTexture;\nvarying vec2 vCoord;\n";
+    for (int i = 3; i < iLines - 1; ++i)
+    {
+        if (i % 4 == 0)
+            Text += "    vec3 shade" + QByteArray::number(i) + " = shade * vec3(0.5, 0.25, 1.0); // tint\n";
+        else if (i % 4 == 2)
+            Text += "    vec4 c" + QByteArray::number(i) + " = texture2D(uTexture, vCoord) * vec4(0.5);\n";
+        else
+            Text += "    float f" + QByteArray::number(i) + " = clamp(dot(vCoord, vCoord), 0.0, 1.0);\n";
+    }
+    Text += "void main() { gl_FragColor = vec4(1.0); }\n";
+    return Text;
+}
+
+double Milliseconds(const QElapsedTimer& Timer)
+{
+    return static_cast<double>(Timer.nsecsElapsed()) / 1.0e6;
+}
+
+double Percentile(std::vector<double> Samples, double dFraction)
+{
+    std::sort(Samples.begin(), Samples.end());
+    const size_t uiIndex = std::min(Samples.size() - 1, static_cast<size_t>(dFraction * static_cast<double>(Samples.size())));
+    return Samples[uiIndex];
+}
+
+// One key press and release, then everything it queued, including the repaint.
+double TimeKeystroke(QWidget* pTarget, char cKey)
+{
+    QElapsedTimer Timer;
+    Timer.start();
+    QTest::keyClick(pTarget, cKey);
+    QApplication::processEvents();
+    return Milliseconds(Timer);
+}
+
+void MoveTo(CShaderEditPanel* pPanel, int iBlock)
+{
+    QTextCursor Cursor(pPanel->document()->findBlockByNumber(iBlock));
+    Cursor.movePosition(QTextCursor::EndOfBlock);
+    pPanel->setTextCursor(Cursor);
+    pPanel->centerCursor();
+    QApplication::processEvents();
+}
+
+struct SFixture
+{
+    QTemporaryDir Dir;
+    CShaderHighlightController Highlight;
+    CSilentDelegate Delegate;
+    CShaderEditor Editor{&Highlight};
+    CShaderEditPanel* pPanel = nullptr;
+    double dOpenMs = 0.0;
+
+    bool Open()
+    {
+        const QString Path = Dir.filePath(QStringLiteral("large.fsh"));
+        QFile File(Path);
+        if (!File.open(QIODevice::WriteOnly) || File.write(GenerateShader(20000)) < 0)
+            return false;
+        File.close();
+
+        Editor.SetDelegate(&Delegate);
+        Editor.resize(1200, 900);
+        Editor.show();
+        QApplication::processEvents();
+
+        QElapsedTimer Timer;
+        Timer.start();
+        if (!Editor.OnOpenFile(Path))
+            return false;
+        pPanel = Editor.GetCurrentPanel();
+        pPanel->viewport()->repaint();
+        QApplication::processEvents();
+        dOpenMs = Milliseconds(Timer);
+        std::printf("open: %d lines, first highlighted paint after %.1f ms\n", pPanel->blockCount(), dOpenMs);
+        return true;
+    }
+};
+
+// Keystrokes at the end of the document, then in the middle; every keystroke's time.
+std::vector<double> ScenarioTyping(CShaderEditPanel* pPanel, int iKeys)
+{
+    std::vector<double> Keystrokes;
+    const char* const pTyped = "abcdefghijklmnopqrstuvwxyz";
+    for (int iBlock : {pPanel->blockCount() - 1, pPanel->blockCount() / 2})
+    {
+        MoveTo(pPanel, iBlock);
+        std::vector<double> Here;
+        for (int i = 0; i < iKeys; ++i)
+            Here.push_back(TimeKeystroke(pPanel, pTyped[i % 26]));
+        std::printf("typing at line %d: median %.2f ms, p99 %.2f ms\n", iBlock + 1, Percentile(Here, 0.5),
+                    Percentile(Here, 0.99));
+        Keystrokes.insert(Keystrokes.end(), Here.begin(), Here.end());
+    }
+    return Keystrokes;
+}
+
+void PlaceCursorOnWord(CShaderEditPanel* pPanel)
+{
+    QTextCursor OnWord = pPanel->document()->find(QStringLiteral("shade"), 0,
+                                                   QTextDocument::FindCaseSensitively | QTextDocument::FindWholeWords);
+    OnWord.clearSelection();
+    pPanel->setTextCursor(OnWord);
+    QApplication::processEvents();
+}
+
+// From the match request to the repaint.
+double ScenarioCursorMatch(CShaderEditor* pEditor, CShaderEditPanel* pPanel)
+{
+    QElapsedTimer Timer;
+    Timer.start();
+    QMetaObject::invokeMethod(pEditor, "OnHighlightCursorMatches");
+    pPanel->viewport()->repaint();
+    QApplication::processEvents();
+    return Milliseconds(Timer);
+}
+
+// The whole text typed into the find bar at once, up to the repaint.
+double ScenarioQuickFind(QLineEdit* pFindText, CShaderEditPanel* pPanel)
+{
+    QElapsedTimer Timer;
+    Timer.start();
+    pFindText->setText(QStringLiteral("vec3"));
+    pPanel->viewport()->repaint();
+    QApplication::processEvents();
+    return Milliseconds(Timer);
+}
+
+// Scrolling one page down with thousands of highlights in the document.
+double ScenarioScroll(CShaderEditPanel* pPanel)
+{
+    QElapsedTimer Timer;
+    Timer.start();
+    QTest::keyClick(pPanel, Qt::Key_PageDown);
+    QApplication::processEvents();
+    return Milliseconds(Timer);
+}
+
+void DisableCursorMatching(CShaderEditor* pEditor)
+{
+    // The match timer would fire between keystrokes whenever one takes longer than its
+    // delay, which makes instruction counts depend on the machine's speed.
+    Settings::SEditor Settings;
+    Settings.bPerformCursorMatch = false;
+    pEditor->OnEditorSettingsChanged(Settings);
+}
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication App(argc, argv);
+    RegisterCompileMetaTypes();
+    const char* pScenario = argc > 1 ? argv[1] : "";
+
+    SFixture Fixture;
+    if (!Fixture.Open())
+        return 1;
+    CShaderEditPanel* pPanel = Fixture.pPanel;
+
+    if (std::strcmp(pScenario, "typing") == 0)
+    {
+        DisableCursorMatching(&Fixture.Editor);
+        ScenarioTyping(pPanel, argc > 2 ? std::atoi(argv[2]) : 20);
+        return 0;
+    }
+
+    CFindReplace FindBar;
+    FindBar.SetDelegate(&Fixture.Editor);
+    FindBar.show();
+    auto* pFindText = FindBar.findChild<QLineEdit*>(QStringLiteral("FindTextbox"));
+    auto* pMatches = FindBar.findChild<QLabel*>(QStringLiteral("NumMatchesLabel"));
+    if (!pFindText || !pMatches)
+        return 1;
+
+    if (std::strcmp(pScenario, "match") == 0)
+    {
+        PlaceCursorOnWord(pPanel);
+        std::printf("cursor match: %.1f ms\n", ScenarioCursorMatch(&Fixture.Editor, pPanel));
+        return 0;
+    }
+    if (std::strcmp(pScenario, "find") == 0)
+    {
+        std::printf("quick find: %.1f ms\n", ScenarioQuickFind(pFindText, pPanel));
+        return 0;
+    }
+    if (std::strcmp(pScenario, "scroll") == 0)
+    {
+        ScenarioQuickFind(pFindText, pPanel);
+        PlaceCursorOnWord(pPanel);
+        ScenarioCursorMatch(&Fixture.Editor, pPanel);
+        for (int i = 0; i < 10; ++i)
+            ScenarioScroll(pPanel);
+        return 0;
+    }
+
+    const std::vector<double> Keystrokes = ScenarioTyping(pPanel, 200);
+    const double dKeystrokeP99 = Percentile(Keystrokes, 0.99);
+
+    PlaceCursorOnWord(pPanel);
+    const double dCursorMatchMs = ScenarioCursorMatch(&Fixture.Editor, pPanel);
+    std::printf("cursor match: %lld highlights in %.1f ms\n",
+                static_cast<long long>(pPanel->extraSelections().size()),
+                dCursorMatchMs);
+
+    const double dQuickFindMs = ScenarioQuickFind(pFindText, pPanel);
+    std::printf("quick find: \"%s\" in %.1f ms\n", qPrintable(pMatches->text()), dQuickFindMs);
+
+    // Not part of the summary: what thousands of highlights cost while working on.
+    std::vector<double> Scrolls;
+    for (int i = 0; i < 20; ++i)
+        Scrolls.push_back(ScenarioScroll(pPanel));
+    std::printf("page down with %lld highlights: median %.2f ms, max %.2f ms\n",
+                static_cast<long long>(pPanel->extraSelections().size()),
+                Percentile(Scrolls, 0.5), Percentile(Scrolls, 1.0));
+    std::vector<double> Highlighted;
+    for (int i = 0; i < 50; ++i)
+        Highlighted.push_back(TimeKeystroke(pPanel, 'x'));
+    std::printf("typing among the highlights: median %.2f ms, p99 %.2f ms\n", Percentile(Highlighted, 0.5),
+                Percentile(Highlighted, 0.99));
+
+    std::printf("open_ms=%.1f keystroke_p99_ms=%.2f cursor_match_ms=%.1f quick_find_ms=%.1f\n", Fixture.dOpenMs,
+                dKeystrokeP99, dCursorMatchMs, dQuickFindMs);
+    return 0;
+}

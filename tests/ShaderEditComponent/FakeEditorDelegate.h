@@ -1,0 +1,49 @@
+#pragma once
+
+#include "IShaderEditorDelegate.h"
+
+#include <QStringList>
+
+// Answers the editor's questions from scripted values and records what it was asked.
+class CFakeEditorDelegate : public IShaderEditorDelegate
+{
+public:
+    QMessageBox::StandardButton AskSaveChanges(const QString& FileName) override
+    {
+        Asked << FileName;
+        return eAnswer;
+    }
+
+    bool GetSaveFileName(CZamTString& FileName, EShaderDocType) override
+    {
+        ++iSaveNameRequests;
+        if (SavePath.isEmpty())
+            return false;
+        FileName = CZamTString(SavePath.toUtf8().constData());
+        return true;
+    }
+
+    int ShowPrintDialog(QPrinter*, bool) override { return 0; }
+
+    bool GetOpenFileName(CZamTString& FileName) override
+    {
+        if (OpenPath.isEmpty())
+            return false;
+        FileName = CZamTString(OpenPath.toUtf8().constData());
+        return true;
+    }
+
+    void ReportIOError(const CZamTString& Path, const CZamTString& Error) override
+    {
+        ErrorPaths << QString::fromUtf8(Path.GetString());
+        Errors << QString::fromUtf8(Error.GetString());
+    }
+
+    QMessageBox::StandardButton eAnswer = QMessageBox::Cancel;
+    QString SavePath;
+    QString OpenPath;
+    int iSaveNameRequests = 0;
+    QStringList Asked;
+    QStringList ErrorPaths;
+    QStringList Errors;
+};

@@ -1,0 +1,108 @@
+#pragma once
+
+// Shared by the compile tests: where the built programs are, and what this test process has
+// left behind (children, zombies, open files, peak memory).
+
+#include <QDir>
+#include <QFile>
+#include <QString>
+#include <QStringList>
+
+#include <unistd.h>
+
+namespace CompileTest
+{
+inline QString BinDir()
+{
+    return qEnvironmentVariable("ZAM_BIN_DIR");
+}
+
+inline QString Program(const QString& Name)
+{
+    return QDir(BinDir()).filePath(Name);
+}
+
+// A fake compiler of the given mode (see fakes/FakeCompiler.cpp).
+inline QString Fake(const char* pMode)
+{
+    return Program(QStringLiteral("fakecc_") + QLatin1String(pMode));
+}
+
+inline QByteArray ReadAll(const QString& Path)
+{
+    QFile File(Path);
+    return File.open(QIODevice::ReadOnly) ? File.readAll() : QByteArray();
+}
+
+inline QStringList ReadLines(const QString& Path)
+{
+    return QString::fromUtf8(ReadAll(Path)).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+inline qint64 ReadPid(const QString& Path)
+{
+    return ReadAll(Path).trimmed().toLongLong();
+}
+
+// The fields of /proc/<pid>/stat after the command name: state, parent, ...
+inline QList<QByteArray> StatFields(const QString& Pid)
+{
+    const QByteArray Line = ReadAll(QStringLiteral("/proc/%1/stat").arg(Pid));
+    return Line.mid(Line.lastIndexOf(')') + 2).split(' ');
+}
+
+// Running, as opposed to gone or a zombie left to a parent that may never reap it.
+inline bool IsRunning(qint64 iPid)
+{
+    const QByteArray State = StatFields(QString::number(iPid)).value(0);
+    return !State.isEmpty() && State != "Z" && State != "X";
+}
+
+struct SChildren
+{
+    int iLiving = 0;
+    int iZombies = 0;
+};
+
+inline SChildren Children()
+{
+    SChildren Found;
+    const QByteArray Own = QByteArray::number(::getpid());
+    for (const QString& Entry : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs))
+    {
+        const QList<QByteArray> Fields = StatFields(Entry);
+        if (Fields.size() > 1 && Fields.at(1) == Own)
+            ++(Fields.at(0) == "Z" ? Found.iZombies : Found.iLiving);
+    }
+    return Found;
+}
+
+inline int OpenFileCount()
+{
+    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System).size();
+}
+
+// Peak resident memory of this process, in KiB.
+inline qint64 PeakMemoryKiB()
+{
+    for (const QByteArray& Line : ReadAll(QStringLiteral("/proc/self/status")).split('\n'))
+    {
+        if (Line.startsWith("VmHWM:"))
+            return Line.mid(6).trimmed().split(' ').value(0).toLongLong();
+    }
+    return -1;
+}
+
+// Sets an environment variable for the fakes a test starts, and removes it afterwards.
+class CScopedEnv
+{
+public:
+    CScopedEnv(const char* pName, const QByteArray& Value) : m_pName(pName) { qputenv(pName, Value); }
+    ~CScopedEnv() { qunsetenv(m_pName); }
+    CScopedEnv(const CScopedEnv&) = delete;
+    CScopedEnv& operator=(const CScopedEnv&) = delete;
+
+private:
+    const char* m_pName;
+};
+} // namespace CompileTest

@@ -1,0 +1,59 @@
+// Reference output: each corpus file, highlighted as the type its extension stands for,
+// must leave exactly the committed per-block dump in expected/. After a deliberate change,
+// regenerate.sh rewrites the dumps; review their diff before committing.
+#include "HighlightTestSupport.h"
+#include "ShaderHighlighter.h"
+
+#include <QFile>
+#include <QTest>
+#include <QTextDocument>
+
+class CShaderHighlightDumpsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void corpusMatchesDumps_data();
+    void corpusMatchesDumps();
+
+private:
+    CDistinctScheme m_Scheme;
+};
+
+void CShaderHighlightDumpsTest::corpusMatchesDumps_data()
+{
+    QTest::addColumn<QString>("FileName");
+    for (const QString& File : CorpusFiles())
+        QTest::newRow(qPrintable(File)) << File;
+}
+
+void CShaderHighlightDumpsTest::corpusMatchesDumps()
+{
+    QFETCH(QString, FileName);
+    const unsigned int uiType = DocumentTypeOfFile(FileName);
+    QTextDocument Document(ReadCorpusFile(FileName));
+    CShaderHighlighter Highlighter(&Document, EShaderDocType(uiType), m_Scheme.GetController());
+    Highlighter.rehighlight();
+    const QString Dump = QStringLiteral("# %1 as type %2\n").arg(FileName).arg(uiType) +
+                         DumpBlocks(CaptureBlocks(Document, m_Scheme));
+
+    QFile Expected(QStringLiteral(ZAM_HIGHLIGHT_TEST_DIR "/expected/") + FileName + QStringLiteral(".dump"));
+    if (qEnvironmentVariableIsSet("ZAM_REGENERATE_HIGHLIGHT_DUMPS"))
+    {
+        QVERIFY(Expected.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        Expected.write(Dump.toUtf8());
+        return;
+    }
+    QVERIFY2(Expected.open(QIODevice::ReadOnly), qPrintable(Expected.fileName()));
+    const QStringList ExpectedLines = QString::fromUtf8(Expected.readAll()).split(QLatin1Char('\n'));
+    const QStringList ActualLines = Dump.split(QLatin1Char('\n'));
+    for (int i = 0; i < qMin(ExpectedLines.size(), ActualLines.size()); ++i)
+    {
+        if (ExpectedLines[i] != ActualLines[i])
+            QFAIL(qPrintable(QStringLiteral("line %1\nexpected: %2\nactual:   %3").arg(i + 1).arg(ExpectedLines[i], ActualLines[i])));
+    }
+    QCOMPARE(ActualLines.size(), ExpectedLines.size());
+}
+
+QTEST_MAIN(CShaderHighlightDumpsTest)
+#include "tst_shaderhighlightdumps.moc"

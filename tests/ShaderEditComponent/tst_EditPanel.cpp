@@ -1,0 +1,331 @@
+#include "CLineNumberArea.h"
+#include "CShaderEditPanel.h"
+#include "EditTestSupport.h"
+#include "MetaTypes.h"
+#include "ShaderHighlightController.h"
+#include "ShaderHighlighter.h"
+
+#include <QSignalSpy>
+#include <QTextBlock>
+#include <QtTest>
+
+#include <cmath>
+#include <memory>
+
+using namespace EditTestSupport;
+
+class CEditPanelTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void LineGutterGrowsWithTheDigits_data();
+    void LineGutterGrowsWithTheDigits();
+    void CycleGutterTakesOnlyItsOwnCounts();
+    void CycleGutterNeverShowsTheFirstLine();
+
+    void Keys_data();
+    void Keys();
+    void TabOverSeveralLinesAsksForIndentation();
+    void PasteAddsNoIndentation();
+    void UndoAndRedoKeepTheirHistory();
+
+    void BackgroundCompileRequests();
+    void DocumentTypeDetectionAndChange();
+    void EffectBlocksGetTheirBackground();
+
+private:
+    std::unique_ptr<CShaderEditPanel> MakePanel(EShaderDocType eType, const QString& FileName = QString(),
+                                                const QString* pText = nullptr);
+    static void ApplyEditorSettings(CShaderEditPanel* pPanel, bool bTabAsSpace, int iTabSize);
+
+    std::unique_ptr<CShaderHighlightController> m_pHighlight;
+};
+
+std::unique_ptr<CShaderEditPanel> CEditPanelTest::MakePanel(EShaderDocType eType, const QString& FileName,
+                                                            const QString* pText)
+{
+    const QByteArray Name = FileName.toUtf8();
+    auto pPanel = std::make_unique<CShaderEditPanel>(nullptr, CZamTString(Name.constData()), pText, eType,
+                                                     m_pHighlight.get());
+    pPanel->resize(600, 400);
+    pPanel->show();
+    return pPanel;
+}
+
+void CEditPanelTest::ApplyEditorSettings(CShaderEditPanel* pPanel, bool bTabAsSpace, int iTabSize)
+{
+    Settings::SEditor Editor;
+    Editor.bTreatTabAsSpace = bTabAsSpace;
+    Editor.iTabSpaceSize = iTabSize;
+    pPanel->OnEditorSettingsChanged(Editor);
+}
+
+void CEditPanelTest::initTestCase()
+{
+    RegisterCompileMetaTypes();
+    m_pHighlight = std::make_unique<CShaderHighlightController>();
+}
+
+void CEditPanelTest::LineGutterGrowsWithTheDigits_data()
+{
+    QTest::addColumn<int>("Lines");
+    QTest::addColumn<int>("Digits");
+    // Always one digit more than the largest line number needs.
+    QTest::newRow("empty document") << 1 << 2;
+    QTest::newRow("9 lines") << 9 << 2;
+    QTest::newRow("10 lines") << 10 << 3;
+    QTest::newRow("99 lines") << 99 << 3;
+    QTest::newRow("100 lines") << 100 << 4;
+}
+
+void CEditPanelTest::LineGutterGrowsWithTheDigits()
+{
+    QFETCH(int, Lines);
+    QFETCH(int, Digits);
+    auto pPanel = MakePanel(DocType_PlainText);
+    QStringList Text;
+    for (int i = 0; i < Lines; ++i)
+        Text << QStringLiteral("line");
+    pPanel->setPlainText(Text.join(QLatin1Char('\n')));
+
+    const float fNine = static_cast<float>(pPanel->fontMetrics().horizontalAdvance(QLatin1Char('9')));
+    const int iExpected = static_cast<int>(std::ceil(fNine * (static_cast<float>(Digits) + 0.3f)));
+    QCOMPARE(pPanel->LineNumberAreaWidth(), iExpected);
+
+    // The gutters and the text must not overlap: the text starts right of both.
+    const auto Gutters = pPanel->findChildren<CLineNumberArea*>();
+    QCOMPARE(Gutters.size(), 2);
+    QTRY_COMPARE(pPanel->viewport()->x(), pPanel->contentsRect().left() + iExpected + pPanel->CycleCountAreaWidth());
+    QCOMPARE(Gutters.at(0)->width(), iExpected);
+}
+
+void CEditPanelTest::CycleGutterTakesOnlyItsOwnCounts()
+{
+    auto pPanel = MakePanel(DocType_GLSLESVertex, QStringLiteral("/tmp/a.vsh"));
+    pPanel->setPlainText(QStringLiteral("a\nb\nc"));
+    const float fNine = static_cast<float>(pPanel->fontMetrics().horizontalAdvance(QLatin1Char('9')));
+    auto Width = [fNine](int iDigits) {
+        return static_cast<int>(std::ceil(fNine * (static_cast<float>(iDigits) + 1.5f)));
+    };
+    QCOMPARE(pPanel->CycleCountAreaWidth(), Width(1));
+
+    CZamTArray<int> Counts;
+    Counts.Append(99999); // line 1: never shown, so it does not widen the gutter
+    Counts.Append(-1);
+    Counts.Append(1234);
+    Counts.Append(7777777); // beyond the last line
+    pPanel->OnCompileCycleCountChanged(CZamTHash("/tmp/other.vsh"), Counts);
+    QCOMPARE(pPanel->GetCycleCounts().GetSize(), 0u);
+
+    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), Counts);
+    QCOMPARE(pPanel->GetCycleCounts().GetSize(), 4u);
+    QCOMPARE(pPanel->CycleCountAreaWidth(), Width(4));
+    QCOMPARE(pPanel->findChildren<CLineNumberArea*>().at(1)->width(), Width(4));
+}
+
+void CEditPanelTest::CycleGutterNeverShowsTheFirstLine()
+{
+    auto pPanel = MakePanel(DocType_GLSLESVertex);
+    pPanel->setPlainText(QStringLiteral("a\nb"));
+    CLineNumberArea* pGutter = pPanel->findChildren<CLineNumberArea*>().at(1);
+    auto HasInk = [pGutter]() {
+        const QImage Image = pGutter->grab().toImage();
+        for (int y = 0; y < Image.height(); ++y)
+            for (int x = 0; x < Image.width(); ++x)
+                if (qGray(Image.pixel(x, y)) < 64)
+                    return true;
+        return false;
+    };
+    QCOMPARE(pGutter->grab().toImage().pixelColor(1, 1), QColor(191, 215, 215));
+
+    CZamTArray<int> Counts;
+    Counts.Append(88);
+    Counts.Append(-1);
+    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), Counts);
+    QVERIFY(!HasInk());
+
+    Counts[1] = 88;
+    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), Counts);
+    QVERIFY(HasInk());
+}
+
+void CEditPanelTest::Keys_data()
+{
+    QTest::addColumn<QString>("Before");
+    QTest::addColumn<int>("Key");
+    QTest::addColumn<int>("Modifiers");
+    QTest::addColumn<bool>("TabAsSpace");
+    QTest::addColumn<int>("TabSize");
+    QTest::addColumn<QString>("After");
+
+    const int None = Qt::NoModifier;
+    const int Shift = Qt::ShiftModifier;
+    const int Ctrl = Qt::ControlModifier;
+
+    QTest::newRow("return copies tab and spaces") << "\t  foo|" << int(Qt::Key_Return) << None << false << 4 << "\t  foo\n\t  |";
+    QTest::newRow("return inside a line") << "  foo|bar" << int(Qt::Key_Return) << None << false << 4 << "  foo\n  |bar";
+    QTest::newRow("return without blanks") << "foo|" << int(Qt::Key_Return) << None << false << 4 << "foo\n|";
+    QTest::newRow("return on a blank line") << "\t|" << int(Qt::Key_Return) << None << false << 4 << "\t\n\t|";
+
+    QTest::newRow("tab inserts a tab") << "ab|" << int(Qt::Key_Tab) << None << false << 4 << "ab\t|";
+    QTest::newRow("tab as spaces") << "ab|" << int(Qt::Key_Tab) << None << true << 3 << "ab   |";
+    QTest::newRow("tab as spaces does not pad to a stop") << "abc|" << int(Qt::Key_Tab) << None << true << 4 << "abc    |";
+    QTest::newRow("tab replaces a one-line selection") << "a<bc|d" << int(Qt::Key_Tab) << None << true << 4 << "a    |d";
+    QTest::newRow("tab size 0 inserts nothing") << "ab|" << int(Qt::Key_Tab) << None << true << 0 << "ab|";
+
+    QTest::newRow("home from the text") << "  foo b|ar" << int(Qt::Key_Home) << None << false << 4 << "  |foo bar";
+    QTest::newRow("home from column 0") << "|\t foo" << int(Qt::Key_Home) << None << false << 4 << "\t |foo";
+    QTest::newRow("home inside the blanks") << " | foo" << int(Qt::Key_Home) << None << false << 4 << "|  foo";
+    QTest::newRow("home after the blanks") << "  |foo" << int(Qt::Key_Home) << None << false << 4 << "|  foo";
+    QTest::newRow("home on a blank line") << "|   " << int(Qt::Key_Home) << None << false << 4 << "   |";
+    QTest::newRow("home without blanks") << "foo bar|" << int(Qt::Key_Home) << None << false << 4 << "|foo bar";
+    QTest::newRow("shift+home selects") << "  foo b|ar" << int(Qt::Key_Home) << Shift << false << 4 << "  |foo b<ar";
+    QTest::newRow("ctrl+home stays in the line") << "x\n\n\n\n\n\n  int a|;" << int(Qt::Key_Home) << Ctrl << false << 4
+                                                 << "x\n\n\n\n\n\n  |int a;";
+    QTest::newRow("ctrl+home from the blanks") << "x\n\n\n\n\n\n | int a;" << int(Qt::Key_Home) << Ctrl << false << 4
+                                               << "|x\n\n\n\n\n\n  int a;";
+}
+
+void CEditPanelTest::Keys()
+{
+    QFETCH(QString, Before);
+    QFETCH(int, Key);
+    QFETCH(int, Modifiers);
+    QFETCH(bool, TabAsSpace);
+    QFETCH(int, TabSize);
+    QFETCH(QString, After);
+
+    auto pPanel = MakePanel(DocType_PlainText);
+    ApplyEditorSettings(pPanel.get(), TabAsSpace, TabSize);
+    SetMarkedText(pPanel.get(), Before);
+    QTest::keyClick(pPanel.get(), static_cast<Qt::Key>(Key), static_cast<Qt::KeyboardModifiers>(Modifiers));
+    QCOMPARE(MarkedText(pPanel.get()), After);
+}
+
+void CEditPanelTest::TabOverSeveralLinesAsksForIndentation()
+{
+    auto pPanel = MakePanel(DocType_PlainText);
+    ApplyEditorSettings(pPanel.get(), true, 4);
+    QSignalSpy Outdent(pPanel.get(), &CShaderEditPanel::OutdentSelection);
+
+    SetMarkedText(pPanel.get(), QStringLiteral("a<b\nc|d"));
+    QTest::keyClick(pPanel.get(), Qt::Key_Tab);
+    QCOMPARE(Outdent.count(), 1);
+    QCOMPARE(pPanel->toPlainText(), QStringLiteral("ab\ncd")); // the tabs widget does the indenting
+
+    SetMarkedText(pPanel.get(), QStringLiteral("a<b|\ncd"));
+    QTest::keyClick(pPanel.get(), Qt::Key_Tab);
+    QCOMPARE(Outdent.count(), 1);
+}
+
+void CEditPanelTest::PasteAddsNoIndentation()
+{
+    auto pPanel = MakePanel(DocType_PlainText);
+    SetMarkedText(pPanel.get(), QStringLiteral("\tfoo|"));
+    pPanel->insertPlainText(QStringLiteral("x\ny"));
+    QCOMPARE(MarkedText(pPanel.get()), QStringLiteral("\tfoox\ny|"));
+}
+
+void CEditPanelTest::UndoAndRedoKeepTheirHistory()
+{
+    // Undoing the join of two indented lines brings the line break back; that must not be
+    // taken for a typed Return, or the blanks would be doubled and redo lost.
+    auto pPanel = MakePanel(DocType_PlainText);
+    SetMarkedText(pPanel.get(), QStringLiteral("\tfoo|\n\tbar"));
+    QTest::keyClick(pPanel.get(), Qt::Key_Delete);
+    QCOMPARE(pPanel->toPlainText(), QStringLiteral("\tfoo\tbar"));
+
+    QTest::keyClick(pPanel.get(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(pPanel->toPlainText(), QStringLiteral("\tfoo\n\tbar"));
+    QVERIFY(pPanel->document()->isRedoAvailable());
+    pPanel->Redo();
+    QCOMPARE(pPanel->toPlainText(), QStringLiteral("\tfoo\tbar"));
+    pPanel->Undo();
+    QCOMPARE(pPanel->toPlainText(), QStringLiteral("\tfoo\n\tbar"));
+}
+
+void CEditPanelTest::BackgroundCompileRequests()
+{
+    auto pPanel = MakePanel(DocType_GLSLESFragment, QStringLiteral("/tmp/x.fsh"));
+    pPanel->setPlainText(QStringLiteral("void main() {}"));
+    QSignalSpy Cancel(pPanel.get(), &CShaderEditPanel::CancelCompile);
+    QSignalSpy Recompile(pPanel.get(), &CShaderEditPanel::RecompileContents);
+    // Cancel must come first, so the controller never drops the new request.
+    QList<int> Order;
+    connect(pPanel.get(), &CShaderEditPanel::CancelCompile, this, [&Order]() { Order << 0; });
+    connect(pPanel.get(), &CShaderEditPanel::RecompileContents, this, [&Order]() { Order << 1; });
+
+    pPanel->moveCursor(QTextCursor::End);
+    QTest::keyClick(pPanel.get(), Qt::Key_X);
+    QCOMPARE(Order, QList<int>({0, 1}));
+    QCOMPARE(Cancel.at(0).at(0).value<CZamTHash>(), CZamTHash("/tmp/x.fsh"));
+    const QList<QVariant> Request = Recompile.takeFirst();
+    QCOMPARE(Request.at(0).value<CZamTHash>(), CZamTHash("/tmp/x.fsh"));
+    QCOMPARE(Request.at(1).toString(), QStringLiteral("void main() {}x"));
+    QCOMPARE(Request.at(2).value<EShaderDocType>(), DocType_GLSLESFragment);
+    QCOMPARE(Request.at(3).value<ECompileInvocationType>(), CompileInvocation_Background);
+
+    Settings::SCompiler Compiler;
+    pPanel->OnCompilerSettingsChanged(Compiler, Settings::CompilerSetting_CustomCompilerPath);
+    QCOMPARE(Recompile.count(), 1);
+    pPanel->OnCompilerSettingsChanged(Compiler, Settings::CompilerSetting_TempDirectory);
+    QCOMPARE(Recompile.count(), 1);
+
+    Compiler.bAutoCompile = false;
+    pPanel->OnCompilerSettingsChanged(Compiler, Settings::CompilerSetting_AutoCompile);
+    QTest::keyClick(pPanel.get(), Qt::Key_Y);
+    QCOMPARE(Recompile.count(), 1);
+
+    Compiler.bAutoCompile = true;
+    pPanel->OnCompilerSettingsChanged(Compiler, Settings::CompilerSetting_AutoCompile);
+    pPanel->SetDocumentType(DocType_HLSLVertex); // not compiled in the background
+    QTest::keyClick(pPanel.get(), Qt::Key_Z);
+    QCOMPARE(Recompile.count(), 1);
+    pPanel->SetDocumentType(DocType_OpenCLKernel);
+    QCOMPARE(Recompile.count(), 2);
+    pPanel->SetDocumentType(DocType_OpenCLKernel);
+    QCOMPARE(Recompile.count(), 2);
+}
+
+void CEditPanelTest::DocumentTypeDetectionAndChange()
+{
+    const QString Vertex = QStringLiteral("precision highp float;\nvoid main() { gl_Position = vec4(0.0); }\n");
+    // The HLSL extensions win over the text.
+    QCOMPARE(MakePanel(DocType_Detect, QStringLiteral("/tmp/a.vs"), &Vertex)->GetDocumentType(), DocType_HLSLVertex);
+    QCOMPARE(MakePanel(DocType_Detect, QStringLiteral("/tmp/a.txt"), &Vertex)->GetDocumentType(), DocType_GLSLESVertex);
+    // An explicit type is kept whatever the text says.
+    QCOMPARE(MakePanel(DocType_GLSLFragment, QStringLiteral("/tmp/a.txt"), &Vertex)->GetDocumentType(),
+             DocType_GLSLFragment);
+
+    auto pPanel = MakePanel(DocType_PlainText, QStringLiteral("/tmp/b.vs"));
+    pPanel->SetContents(Vertex, true); // detected without the extension
+    QCOMPARE(pPanel->GetDocumentType(), DocType_GLSLESVertex);
+    QVERIFY(!pPanel->IsModified());
+    pPanel->SetContents(QStringLiteral("plain"), false);
+    QCOMPARE(pPanel->GetDocumentType(), DocType_GLSLESVertex);
+}
+
+void CEditPanelTest::EffectBlocksGetTheirBackground()
+{
+    const QString Effect = QStringLiteral("[HEADER]\n  VERSION 1\n[/HEADER]\n\n\n");
+    auto BackgroundAt = [](CShaderEditPanel* pPanel, int iBlock) {
+        const QTextBlock Block = pPanel->document()->findBlockByNumber(iBlock);
+        const QRect Line = pPanel->cursorRect(QTextCursor(Block));
+        return pPanel->viewport()->grab().toImage().pixelColor(pPanel->viewport()->width() - 20, Line.center().y());
+    };
+    auto pEffect = MakePanel(DocType_ZFXGLSLES);
+    pEffect->setPlainText(Effect);
+    const auto* pData = dynamic_cast<const CTextBlockZFXData*>(pEffect->document()->firstBlock().userData());
+    QVERIFY(pData);
+    QCOMPARE(BackgroundAt(pEffect.get(), 0), pData->GetFormat().background().color());
+    QVERIFY(pData->GetFormat().background().color() != pEffect->palette().base().color());
+
+    pEffect->SetDocumentType(DocType_PlainText);
+    QTRY_COMPARE(BackgroundAt(pEffect.get(), 0), pEffect->palette().base().color());
+}
+
+QTEST_MAIN(CEditPanelTest)
+#include "tst_EditPanel.moc"

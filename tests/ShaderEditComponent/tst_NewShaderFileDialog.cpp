@@ -1,0 +1,148 @@
+#include "CNewShaderFileDialog.h"
+#include "MetaTypes.h"
+
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTreeWidget>
+#include <QtTest>
+
+class CNewShaderFileDialogTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void TreeGroupsTypesUnderTheirLanguages();
+    void SelectionShowsTheType();
+    void OkEmitsTheCurrentType();
+    void DoubleClickChoosesAndCloses_data();
+    void DoubleClickChoosesAndCloses();
+
+private:
+    QTreeWidgetItem* Item(const QString& Title) const
+    {
+        return m_pTree->findItems(Title, Qt::MatchExactly | Qt::MatchRecursive).value(0);
+    }
+    QString Label(const char* pName) const { return m_pDialog->findChild<QLabel*>(QLatin1String(pName))->text(); }
+    QPushButton* Button(QDialogButtonBox::StandardButton eButton) const
+    {
+        return m_pDialog->findChild<QDialogButtonBox*>(QStringLiteral("buttonBox"))->button(eButton);
+    }
+
+    CNewShaderFileDialog* m_pDialog = nullptr;
+    QTreeWidget* m_pTree = nullptr;
+    QSignalSpy* m_pNewFile = nullptr;
+};
+
+void CNewShaderFileDialogTest::init()
+{
+    RegisterCompileMetaTypes();
+    m_pDialog = new CNewShaderFileDialog;
+    m_pTree = m_pDialog->findChild<QTreeWidget*>(QStringLiteral("FileTypeTree"));
+    m_pNewFile = new QSignalSpy(m_pDialog, &CNewShaderFileDialog::NewFile);
+    m_pDialog->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_pDialog));
+}
+
+void CNewShaderFileDialogTest::cleanup()
+{
+    delete m_pNewFile;
+    delete m_pDialog;
+}
+
+void CNewShaderFileDialogTest::TreeGroupsTypesUnderTheirLanguages()
+{
+    QStringList Tree;
+    for (int i = 0; i < m_pTree->topLevelItemCount(); ++i)
+    {
+        const QTreeWidgetItem* pTop = m_pTree->topLevelItem(i);
+        QStringList Children;
+        for (int j = 0; j < pTop->childCount(); ++j)
+            Children << pTop->child(j)->text(0);
+        Tree << pTop->text(0) + (Children.isEmpty() ? QString() : QStringLiteral(": ") + Children.join(", "));
+        QVERIFY(pTop->isExpanded() || Children.isEmpty());
+    }
+    QCOMPARE(Tree, QStringList({
+                       "Plain Text",
+                       "GLSL:ES: GLSL:ES Vertex Shader, GLSL:ES Fragment Shader, Zamrix Effect File (GLSL:ES)",
+                       "GLSL: GLSL Vertex Shader, GLSL Fragment Shader, Zamrix Effect File (GLSL)",
+                       "HLSL: HLSL Vertex Shader, HLSL Fragment Shader, HLSL Geometry Shader, HLSL FX File",
+                       "OpenCL: OpenCL Kernel",
+                   }));
+    QVERIFY(!Item(QStringLiteral("HLSL Geometry Shader"))->icon(0).pixmap(16, 16).isNull());
+    QVERIFY(Item(QStringLiteral("OpenCL Kernel"))->icon(0).isNull());
+}
+
+void CNewShaderFileDialogTest::SelectionShowsTheType()
+{
+    m_pTree->setCurrentItem(Item(QStringLiteral("Zamrix Effect File (GLSL:ES)")));
+    QCOMPARE(Label("FileTypeTitle"), QStringLiteral("Zamrix Effect File (GLSL:ES)"));
+    QVERIFY(Label("FileTypeDesc").endsWith(QStringLiteral("\n\nBackground compiling is enabled for this type.")));
+    const QImage Shown = m_pDialog->findChild<QLabel*>(QStringLiteral("FileTypeIcon"))->pixmap().toImage();
+    QCOMPARE(Shown.convertToFormat(QImage::Format_ARGB32),
+             QImage(QStringLiteral(":/ShaderEditComponent/Icons/newfile_gles_fx_48.png")).convertToFormat(QImage::Format_ARGB32));
+
+    // A language heading is no type: nothing to describe, nothing to accept.
+    m_pTree->setCurrentItem(Item(QStringLiteral("HLSL")));
+    QCOMPARE(Label("FileTypeTitle"), QString());
+    QVERIFY(!Button(QDialogButtonBox::Ok)->isEnabled());
+    m_pDialog->accept();
+    QCOMPARE(m_pNewFile->count(), 0);
+}
+
+void CNewShaderFileDialogTest::OkEmitsTheCurrentType()
+{
+    // Opens on the first type that compiles in the background.
+    QCOMPARE(m_pTree->currentItem()->text(0), QStringLiteral("GLSL:ES Vertex Shader"));
+    Button(QDialogButtonBox::Cancel)->click();
+    QCOMPARE(m_pNewFile->count(), 0);
+
+    m_pDialog->show();
+    m_pTree->setCurrentItem(Item(QStringLiteral("HLSL FX File")));
+    Button(QDialogButtonBox::Ok)->click();
+    QCOMPARE(m_pNewFile->count(), 1);
+    QCOMPARE(m_pNewFile->first().first().value<EShaderDocType>(), DocType_HLSLFX);
+    QCOMPARE(m_pDialog->result(), int(QDialog::Accepted));
+}
+
+void CNewShaderFileDialogTest::DoubleClickChoosesAndCloses_data()
+{
+    QTest::addColumn<QString>("Title");
+    QTest::addColumn<uint>("Type");
+
+    QTest::newRow("plain text") << "Plain Text" << uint(DocType_PlainText);
+    QTest::newRow("GLSL effect") << "Zamrix Effect File (GLSL)" << uint(DocType_ZFXGLSL);
+    QTest::newRow("OpenCL") << "OpenCL Kernel" << uint(DocType_OpenCLKernel);
+}
+
+void CNewShaderFileDialogTest::DoubleClickChoosesAndCloses()
+{
+    QFETCH(QString, Title);
+    QFETCH(uint, Type);
+
+    // As a person's double click arrives: an item view acts on the second press only when
+    // the first one landed on the same item.
+    const auto DoubleClick = [this](QTreeWidgetItem* pItem) {
+        const QPoint Centre = m_pTree->visualItemRect(pItem).center();
+        QTest::mouseClick(m_pTree->viewport(), Qt::LeftButton, {}, Centre);
+        QTest::mouseDClick(m_pTree->viewport(), Qt::LeftButton, {}, Centre);
+        QTest::mouseRelease(m_pTree->viewport(), Qt::LeftButton, {}, Centre);
+    };
+
+    // On a heading a double click only folds.
+    DoubleClick(Item(QStringLiteral("HLSL")));
+    QVERIFY(!Item(QStringLiteral("HLSL"))->isExpanded());
+    QVERIFY(m_pDialog->isVisible());
+
+    DoubleClick(Item(Title));
+    QCOMPARE(m_pNewFile->count(), 1);
+    QCOMPARE(uint(m_pNewFile->first().first().value<EShaderDocType>()), Type);
+    QVERIFY(!m_pDialog->isVisible());
+}
+
+QTEST_MAIN(CNewShaderFileDialogTest)
+#include "tst_NewShaderFileDialog.moc"

@@ -1,0 +1,396 @@
+#include "CShaderEditController.h"
+#include "CShaderEditPanel.h"
+#include "CShaderEditor.h"
+#include "EditTestSupport.h"
+#include "FakeEditorDelegate.h"
+#include "MetaTypes.h"
+#include "NewFileName.h"
+#include "ShaderHighlightController.h"
+
+#include <QSignalSpy>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+
+using namespace EditTestSupport;
+
+class CShaderEditorTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void NewFileNames_data();
+    void NewFileNames();
+    void NewFilesThroughTheTabs();
+
+    void CloseQuestion_data();
+    void CloseQuestion();
+    void CloseAllStopsAtCancel();
+    void MiddleClickAsksToo();
+
+    void OpenSwitchesToAnOpenFile();
+    void ModifiedMarkerAndSaveAs();
+    void LineColumnAndCursorMatches();
+    void FindResultsAndSelection();
+    void CompileTrafficReachesTheRightPanel();
+    void FollowsTheControllersSettings();
+
+private:
+    QString WriteFile(const QString& Name, const QByteArray& Bytes);
+    static QByteArray ReadFile(const QString& Path);
+    QStringList TabTitles() const;
+    void Type(const QString& Text);
+
+    std::unique_ptr<CShaderHighlightController> m_pHighlight;
+    std::unique_ptr<CShaderEditor> m_pEditor;
+    std::unique_ptr<QTemporaryDir> m_pDir;
+    CFakeEditorDelegate m_Delegate;
+};
+
+void CShaderEditorTest::initTestCase()
+{
+    RegisterCompileMetaTypes();
+    m_pHighlight = std::make_unique<CShaderHighlightController>();
+}
+
+void CShaderEditorTest::init()
+{
+    m_Delegate = CFakeEditorDelegate();
+    m_pDir = std::make_unique<QTemporaryDir>();
+    m_pEditor = std::make_unique<CShaderEditor>(m_pHighlight.get());
+    m_pEditor->SetDelegate(&m_Delegate);
+    m_pEditor->resize(700, 500);
+    m_pEditor->show();
+}
+
+void CShaderEditorTest::cleanup()
+{
+    m_pEditor.reset();
+}
+
+QString CShaderEditorTest::WriteFile(const QString& Name, const QByteArray& Bytes)
+{
+    const QString Path = m_pDir->filePath(Name);
+    QFile File(Path);
+    if (!File.open(QIODevice::WriteOnly) || File.write(Bytes) != Bytes.size())
+        qFatal("cannot write the test file %s", qPrintable(Path));
+    return Path;
+}
+
+QByteArray CShaderEditorTest::ReadFile(const QString& Path)
+{
+    QFile File(Path);
+    return File.open(QIODevice::ReadOnly) ? File.readAll() : QByteArray("<missing>");
+}
+
+QStringList CShaderEditorTest::TabTitles() const
+{
+    QStringList Titles;
+    const auto* pTabs = m_pEditor->findChild<QTabWidget*>();
+    for (int i = 0; i < pTabs->count(); ++i)
+        Titles << pTabs->tabText(i);
+    return Titles;
+}
+
+void CShaderEditorTest::Type(const QString& Text)
+{
+    QTest::keyClicks(m_pEditor->GetCurrentPanel(), Text);
+}
+
+void CShaderEditorTest::NewFileNames_data()
+{
+    QTest::addColumn<QStringList>("Tabs");
+    QTest::addColumn<QString>("Next");
+    QTest::newRow("no tabs") << QStringList() << "New File";
+    QTest::newRow("one new file") << QStringList{"New File"} << "New File (1)";
+    QTest::newRow("the last one decides") << QStringList{"New File", "New File (4)", "New File"} << "New File (1)";
+    QTest::newRow("not the largest") << QStringList{"New File (4)", "New File (2)"} << "New File (3)";
+    QTest::newRow("modified marker") << QStringList{"New File (2)*"} << "New File (3)";
+    QTest::newRow("other files do not count") << QStringList{"New File (4)", "a.vsh"} << "New File (5)";
+    QTest::newRow("only other files") << QStringList{"a.vsh", "b.fsh"} << "New File";
+    QTest::newRow("case matters") << QStringList{"new file (7)"} << "New File";
+}
+
+void CShaderEditorTest::NewFileNames()
+{
+    QFETCH(QStringList, Tabs);
+    QFETCH(QString, Next);
+    QCOMPARE(NextNewFileName(Tabs), Next);
+}
+
+void CShaderEditorTest::NewFilesThroughTheTabs()
+{
+    QSignalSpy State(m_pEditor.get(), &CShaderEditor::StateChanged);
+    m_pEditor->OnNewFile(DocType_GLSLESVertex);
+    m_pEditor->OnNewFile(DocType_PlainText);
+    Type(QStringLiteral("x"));
+    m_pEditor->OnNewFile(DocType_OpenCLKernel);
+    QCOMPARE(TabTitles(), QStringList({"New File", "New File (1)*", "New File (2)"}));
+    QCOMPARE(State.count(), 1);
+    QCOMPARE(State.at(0).at(0).toInt(), 2);
+    QCOMPARE(m_pEditor->GetCurrentPanel()->GetDocumentType(), DocType_OpenCLKernel);
+    // Never-saved documents share the PanelID of the empty path.
+    QCOMPARE(m_pEditor->GetPanel(0)->GetPanelID(), m_pEditor->GetPanel(2)->GetPanelID());
+    QCOMPARE(m_pEditor->GetPanel(0)->GetPanelID(), CZamTHash(""));
+}
+
+void CShaderEditorTest::CloseQuestion_data()
+{
+    QTest::addColumn<bool>("Modify");
+    QTest::addColumn<int>("Answer");
+    QTest::addColumn<bool>("FolderVanishes");
+    QTest::addColumn<bool>("Closed");
+    QTest::addColumn<QByteArray>("OnDisk");
+
+    QTest::newRow("unchanged closes without asking") << false << int(QMessageBox::Cancel) << false << true << QByteArray("old");
+    QTest::newRow("cancel keeps the tab") << true << int(QMessageBox::Cancel) << false << false << QByteArray("old");
+    QTest::newRow("discard closes") << true << int(QMessageBox::Discard) << false << true << QByteArray("old");
+    QTest::newRow("save writes the closed tab") << true << int(QMessageBox::Save) << false << true << QByteArray("newold");
+    QTest::newRow("failed save keeps the tab") << true << int(QMessageBox::Save) << true << false << QByteArray("<missing>");
+}
+
+void CShaderEditorTest::CloseQuestion()
+{
+    QFETCH(bool, Modify);
+    QFETCH(int, Answer);
+    QFETCH(bool, FolderVanishes);
+    QFETCH(bool, Closed);
+    QFETCH(QByteArray, OnDisk);
+
+    QVERIFY(QDir(m_pDir->path()).mkdir(QStringLiteral("sub")));
+    const QString Closing = WriteFile(QStringLiteral("sub/closing.vsh"), "old");
+    const QString Current = WriteFile(QStringLiteral("current.fsh"), "keep");
+    QVERIFY(m_pEditor->OnOpenFile(Closing));
+    if (Modify)
+        Type(QStringLiteral("new"));
+    QVERIFY(m_pEditor->OnOpenFile(Current));
+    Type(QStringLiteral("unsaved"));
+    if (FolderVanishes)
+        QVERIFY(QDir(m_pDir->filePath(QStringLiteral("sub"))).removeRecursively());
+
+    // The background tab is closed while another one is current.
+    m_Delegate.eAnswer = static_cast<QMessageBox::StandardButton>(Answer);
+    auto* pTabs = m_pEditor->findChild<QTabWidget*>();
+    emit pTabs->tabCloseRequested(0);
+
+    QCOMPARE(m_Delegate.Asked, Modify ? QStringList{QDir::toNativeSeparators(Closing)} : QStringList());
+    QCOMPARE(m_pEditor->GetTabCount(), Closed ? 1 : 2);
+    QCOMPARE(ReadFile(Closing), OnDisk);
+    QCOMPARE(ReadFile(Current), QByteArray("keep"));
+    if (!Closed)
+        QVERIFY(m_pEditor->GetPanel(0)->IsModified());
+    QCOMPARE(m_Delegate.Errors.size(), FolderVanishes ? 1 : 0);
+}
+
+void CShaderEditorTest::CloseAllStopsAtCancel()
+{
+    QSignalSpy State(m_pEditor.get(), &CShaderEditor::StateChanged);
+    m_pEditor->OnNewFile(DocType_PlainText);
+    m_pEditor->OnNewFile(DocType_PlainText);
+    Type(QStringLiteral("typed"));
+    m_pEditor->OnNewFile(DocType_PlainText);
+
+    m_Delegate.eAnswer = QMessageBox::Cancel;
+    QVERIFY(!m_pEditor->OnCloseAllTabs());
+    QCOMPARE(TabTitles(), QStringList({"New File (1)*", "New File (2)"}));
+    QCOMPARE(m_Delegate.Asked, QStringList{"New File (1)"});
+
+    // Save of a never-saved document asks for a name; cancelling that keeps the tab too.
+    m_Delegate.eAnswer = QMessageBox::Save;
+    QVERIFY(!m_pEditor->OnCloseAllTabs());
+    QCOMPARE(m_Delegate.iSaveNameRequests, 1);
+    QCOMPARE(m_pEditor->GetTabCount(), 2);
+
+    m_Delegate.eAnswer = QMessageBox::Discard;
+    QVERIFY(m_pEditor->OnCloseAllTabs());
+    QCOMPARE(m_pEditor->GetTabCount(), 0);
+    QCOMPARE(State.count(), 2);
+    QCOMPARE(State.at(1).at(0).toInt(), 1);
+}
+
+void CShaderEditorTest::MiddleClickAsksToo()
+{
+    m_pEditor->OnNewFile(DocType_PlainText);
+    Type(QStringLiteral("typed"));
+    m_pEditor->OnNewFile(DocType_PlainText);
+    QTabBar* pBar = m_pEditor->findChild<QTabWidget*>()->tabBar();
+    const QPoint FirstTab = pBar->tabRect(0).center();
+
+    QTest::mouseClick(pBar, Qt::MiddleButton, Qt::NoModifier, FirstTab);
+    QCOMPARE(m_pEditor->GetTabCount(), 2); // the setting is off by default
+    QVERIFY(m_Delegate.Asked.isEmpty());
+
+    Settings::SEditor Editor;
+    Editor.bCloseTabsMiddleMouse = true;
+    m_pEditor->OnEditorSettingsChanged(Editor);
+    m_Delegate.eAnswer = QMessageBox::Cancel;
+    QTest::mouseClick(pBar, Qt::MiddleButton, Qt::NoModifier, FirstTab);
+    QCOMPARE(m_Delegate.Asked.size(), 1);
+    QCOMPARE(m_pEditor->GetTabCount(), 2);
+
+    m_Delegate.eAnswer = QMessageBox::Discard;
+    QTest::mouseClick(pBar, Qt::MiddleButton, Qt::NoModifier, FirstTab);
+    QCOMPARE(TabTitles(), QStringList{"New File (1)"});
+}
+
+void CShaderEditorTest::OpenSwitchesToAnOpenFile()
+{
+    QSignalSpy Opened(m_pEditor.get(), &CShaderEditor::FileOpened);
+    const QString First = WriteFile(QStringLiteral("a.vsh"), "void main() { gl_Position = vec4(1.0); }");
+    const QString Second = WriteFile(QStringLiteral("b.fsh"), "void main() {}");
+    QVERIFY(m_pEditor->OnOpenFile(First));
+    QVERIFY(m_pEditor->OnOpenFile(Second));
+    QCOMPARE(m_pEditor->GetPanel(0)->GetDocumentType(), DocType_GLSLESVertex);
+    QCOMPARE(m_pEditor->GetPanel(1)->GetDocumentType(), DocType_GLSLESFragment);
+
+    QVERIFY(m_pEditor->OnOpenFile(m_pDir->path() + QStringLiteral("/./a.vsh")));
+    QCOMPARE(m_pEditor->GetTabCount(), 2);
+    QCOMPARE(m_pEditor->GetCurrentPanel(), m_pEditor->GetPanel(0));
+    QCOMPARE(Opened.count(), 2);
+    QCOMPARE(Opened.at(0).at(0).toString(), QDir::toNativeSeparators(First));
+
+    m_Delegate.OpenPath = Second;
+    QVERIFY(m_pEditor->OnOpenFile());
+    QCOMPARE(m_pEditor->GetCurrentPanel(), m_pEditor->GetPanel(1));
+    m_Delegate.OpenPath.clear();
+    QVERIFY(m_pEditor->OnOpenFile()); // cancelled: nothing to report
+    QCOMPARE(m_pEditor->GetTabCount(), 2);
+    QVERIFY(!m_pEditor->GetPanel(0)->IsModified());
+}
+
+void CShaderEditorTest::ModifiedMarkerAndSaveAs()
+{
+    const QString Path = WriteFile(QStringLiteral("shader.vsh"), "abc");
+    QVERIFY(m_pEditor->OnOpenFile(Path));
+    const CZamTHash PanelID = m_pEditor->GetCurrentPanel()->GetPanelID();
+    Type(QStringLiteral("x*"));
+    QCOMPARE(TabTitles(), QStringList{"shader.vsh*"});
+    m_pEditor->OnSaveCurrentTab();
+    QCOMPARE(TabTitles(), QStringList{"shader.vsh"});
+    QCOMPARE(ReadFile(Path), QByteArray("x*abc"));
+
+    m_Delegate.SavePath = m_pDir->filePath(QStringLiteral("renamed.vsh"));
+    Type(QStringLiteral("y"));
+    m_pEditor->OnSaveCurrentTabAs();
+    QCOMPARE(TabTitles(), QStringList{"renamed.vsh"});
+    QCOMPARE(m_pEditor->findChild<QTabWidget*>()->tabToolTip(0), QDir::toNativeSeparators(m_Delegate.SavePath));
+    QCOMPARE(ReadFile(m_Delegate.SavePath), QByteArray("x*yabc"));
+    QCOMPARE(m_pEditor->GetCurrentPanel()->GetPanelID(), PanelID);
+    QCOMPARE(m_pEditor->GetOpenFilenames().GetSize(), 1u);
+    QCOMPARE(QString::fromUtf8(m_pEditor->GetOpenFilenames()[0].GetString()), m_Delegate.SavePath);
+}
+
+void CShaderEditorTest::LineColumnAndCursorMatches()
+{
+    m_pEditor->OnNewFile(DocType_GLSLESVertex);
+    CShaderEditPanel* pPanel = m_pEditor->GetCurrentPanel();
+    QSignalSpy Line(m_pEditor.get(), &CShaderEditor::LineChanged);
+    QSignalSpy Column(m_pEditor.get(), &CShaderEditor::ColChanged);
+    SetMarkedText(pPanel, QStringLiteral("gl_Position = 1234;\n x = gl_Position + gl_Position2 + gl_|Position;\n1234"));
+    QCOMPARE(Line.last().at(0).toInt(), 2);
+    QCOMPARE(Column.last().at(0).toInt(), 38);
+
+    auto Highlighted = [pPanel]() {
+        QStringList Words;
+        for (const QTextEdit::ExtraSelection& Selection : pPanel->extraSelections())
+            Words << Selection.cursor.selectedText();
+        return Words;
+    };
+    QTRY_COMPARE(Highlighted(), QStringList({"gl_Position", "gl_Position", "gl_Position"}));
+    QCOMPARE(pPanel->extraSelections().at(0).format.background().color(), Settings::SEditor().CursorMatchColour);
+
+    QTextCursor Cursor = pPanel->textCursor();
+    Cursor.setPosition(static_cast<int>(pPanel->toPlainText().lastIndexOf(QLatin1String("234"))));
+    pPanel->setTextCursor(Cursor);
+    QTRY_VERIFY(Highlighted().isEmpty()); // numbers are never matched
+
+    Cursor.setPosition(2);
+    pPanel->setTextCursor(Cursor);
+    QTRY_COMPARE(Highlighted().size(), 3);
+    Settings::SEditor Editor;
+    Editor.bPerformCursorMatch = false;
+    m_pEditor->OnEditorSettingsChanged(Editor);
+    QVERIFY(Highlighted().isEmpty());
+}
+
+void CShaderEditorTest::FindResultsAndSelection()
+{
+    QVERIFY(!m_pEditor->GetTextEdit());
+    QVERIFY(m_pEditor->GetSelectedText().isEmpty());
+    m_pEditor->OnNewFile(DocType_PlainText);
+    CShaderEditPanel* pPanel = m_pEditor->GetCurrentPanel();
+    SetMarkedText(pPanel, QStringLiteral("one <two| three"));
+    QCOMPARE(m_pEditor->GetTextEdit(), pPanel);
+    QCOMPARE(m_pEditor->GetSelectedText(), QStringLiteral("two"));
+    QCOMPARE(m_pEditor->GetFindResultFormat().background().color(), Settings::SEditor().FindResultColour);
+
+    QTextEdit::ExtraSelection Found;
+    Found.cursor = pPanel->document()->find(QStringLiteral("three"));
+    m_pEditor->ShowFindResults({Found});
+    QCOMPARE(pPanel->extraSelections().size(), 1);
+    m_pEditor->ClearFindResults();
+    QCOMPARE(pPanel->extraSelections().size(), 0);
+
+    Settings::SEditor Editor;
+    Editor.bHighlightFindResults = false;
+    m_pEditor->OnEditorSettingsChanged(Editor);
+    m_pEditor->ShowFindResults({Found});
+    QCOMPARE(pPanel->extraSelections().size(), 0);
+}
+
+void CShaderEditorTest::CompileTrafficReachesTheRightPanel()
+{
+    const QString Path = WriteFile(QStringLiteral("c.vsh"), "void main() { gl_Position = vec4(1.0); }\n\n");
+    QVERIFY(m_pEditor->OnOpenFile(Path));
+    m_pEditor->OnNewFile(DocType_GLSLESFragment);
+    QSignalSpy Requests(m_pEditor.get(), &CShaderEditor::RecompileContents);
+    QSignalSpy Cancels(m_pEditor.get(), &CShaderEditor::CancelCompile);
+    Type(QStringLiteral("v"));
+    QCOMPARE(Requests.count(), 1);
+    QCOMPARE(Cancels.count(), 1);
+    QCOMPARE(Requests.at(0).at(0).value<CZamTHash>(), CZamTHash(""));
+
+    CZamTArray<int> Counts;
+    Counts.Append(-1);
+    Counts.Append(12);
+    m_pEditor->OnCompileCycleCountChanged(CZamTHash(QDir::toNativeSeparators(Path).toUtf8().constData()), Counts);
+    QCOMPARE(m_pEditor->GetPanel(0)->GetCycleCounts().GetSize(), 2u);
+    QCOMPARE(m_pEditor->GetPanel(1)->GetCycleCounts().GetSize(), 0u);
+}
+
+void CShaderEditorTest::FollowsTheControllersSettings()
+{
+    CShaderEditController Controller;
+    m_pEditor->SetController(&Controller);
+    m_pEditor->OnNewFile(DocType_GLSLESVertex);
+    Settings::SEditor Editor = Controller.GetEditorSettings();
+    Editor.bTreatTabAsSpace = true;
+    Editor.iTabSpaceSize = 2;
+    Controller.SetEditorSettings(Editor, Settings::EditorSetting_TreatTabAsSpace | Settings::EditorSetting_TabSpaceSize);
+    QTest::keyClick(m_pEditor->GetCurrentPanel(), Qt::Key_Tab);
+    QCOMPARE(m_pEditor->GetCurrentPanel()->toPlainText(), QStringLiteral("  "));
+
+    Settings::SCompiler Compiler = Controller.GetCompilerSettings();
+    Compiler.bAutoCompile = false;
+    Controller.SetCompilerSettings(Compiler, Settings::CompilerSetting_AutoCompile);
+    QSignalSpy Requests(m_pEditor.get(), &CShaderEditor::RecompileContents);
+    Type(QStringLiteral("x"));
+    QCOMPARE(Requests.count(), 0);
+
+    CZamTArray<int> Counts;
+    Counts.Append(-1);
+    Counts.Append(5);
+    emit Controller.CompileCycleCountChanged(CZamTHash(""), Counts);
+    QCOMPARE(m_pEditor->GetCurrentPanel()->GetCycleCounts().GetSize(), 2u);
+    m_pEditor.reset(); // before the controller it is wired to
+}
+
+QTEST_MAIN(CShaderEditorTest)
+#include "tst_ShaderEditor.moc"
