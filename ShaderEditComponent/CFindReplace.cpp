@@ -1,5 +1,6 @@
 #include "CFindReplace.h"
 
+#include "HighlightSelections.h"
 #include "IFindReplaceDelagte.h"
 #include "IconResources.h"
 #include "TextSearch.h"
@@ -373,17 +374,7 @@ bool CFindReplace::HighlightAll(QPlainTextEdit* pEdit, const CTextSearch& Search
     if (Matches.isEmpty())
         return false;
 
-    QList<QTextEdit::ExtraSelection> Highlights;
-    Highlights.reserve(Matches.size());
-    const QTextCharFormat Format = m_pDelegate->GetFindResultFormat();
-    QTextCursor Cursor(pEdit->document());
-    for (const STextRange& Match : Matches)
-    {
-        Cursor.setPosition(Match.iStart);
-        Cursor.setPosition(Match.iStart + Match.iLength, QTextCursor::KeepAnchor);
-        Highlights.append({Cursor, Format});
-    }
-    m_pDelegate->ShowFindResults(Highlights);
+    m_pDelegate->ShowFindResults(MakeHighlights(pEdit->document(), Matches, m_pDelegate->GetFindResultFormat()));
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "CShaderEditPanel.h"
 
 #include "CLineNumberArea.h"
+#include "EditDocumentLayout.h"
 #include "ShaderHighlightController.h"
 #include "ShaderHighlighter.h"
 #include "TextCommands.h"
@@ -54,6 +55,12 @@ CShaderEditPanel::CShaderEditPanel(QWidget* pParent, const CZamTString& FileName
     , m_FileName(FileName)
     , m_PanelID(ToQString(FileName).toUtf8().constData())
 {
+    // A document of its own whose layout repaints only the lines a change touches.
+    auto* pDocument = new QTextDocument(this);
+    pDocument->setDocumentLayout(new CEditDocumentLayout(pDocument));
+    setDocument(pDocument);
+    m_TextMirror.Reset(pDocument);
+
     connect(this, &QPlainTextEdit::updateRequest, this, &CShaderEditPanel::UpdateLineNumberArea);
     connect(document(), &QTextDocument::contentsChange, this, &CShaderEditPanel::OnTextChanged);
     OnFontChanged(pHighlight->GetFont());
@@ -72,6 +79,12 @@ CShaderEditPanel::CShaderEditPanel(QWidget* pParent, const CZamTString& FileName
     connect(pHighlight, &CShaderHighlightController::SyntaxColoursChanged, m_pHighlighter,
             &QSyntaxHighlighter::rehighlight);
     connect(pHighlight, &CShaderHighlightController::FontChanged, this, &CShaderEditPanel::OnFontChanged);
+}
+
+CShaderEditPanel* CShaderEditPanel::OwnerOf(const QTextDocument* pDocument)
+{
+    // The panel creates its document as its child.
+    return pDocument ? qobject_cast<CShaderEditPanel*>(pDocument->parent()) : nullptr;
 }
 
 CShaderEditPanel::~CShaderEditPanel()
@@ -126,7 +139,74 @@ void CShaderEditPanel::SetHighlightSelections(int iKind, const QList<QTextEdit::
         m_CursorMatchHighlights = Selections;
     else if (iKind == Highlight_FindResults)
         m_FindHighlights = Selections;
-    setExtraSelections(m_FindHighlights + m_CursorMatchHighlights);
+    ShowHighlightsNearViewport();
+}
+
+const QList<QTextEdit::ExtraSelection>& CShaderEditPanel::GetHighlightSelections(int iKind) const
+{
+    return iKind == Highlight_CursorMatches ? m_CursorMatchHighlights : m_FindHighlights;
+}
+
+std::pair<QTextBlock, QTextBlock> CShaderEditPanel::VisibleBlocks() const
+{
+    const QTextBlock First = firstVisibleBlock();
+    QTextBlock Last = First;
+    const qreal dViewportBottom = viewport()->height();
+    qreal dTop = blockBoundingGeometry(First).translated(contentOffset()).top();
+    for (QTextBlock Block = First; Block.isValid() && dTop <= dViewportBottom; Block = Block.next())
+    {
+        Last = Block;
+        dTop += blockBoundingRect(Block).height();
+    }
+    return {First, Last};
+}
+
+void CShaderEditPanel::ShowHighlightsNearViewport()
+{
+    // A page above and a page below the visible lines, so that scrolling by less than a
+    // page needs no new extra selections.
+    const auto [First, Last] = VisibleBlocks();
+    const int iPage = Last.blockNumber() - First.blockNumber() + 1;
+    const QTextBlock Start = document()->findBlockByNumber(std::max(0, First.blockNumber() - iPage));
+    const QTextBlock End = document()->findBlockByNumber(Last.blockNumber() + iPage + 1);
+    m_HighlightWindowStart = QTextCursor(Start);
+    m_HighlightWindowStart.setKeepPositionOnInsert(true);
+    m_HighlightWindowEnd = End.isValid() ? QTextCursor(End) : QTextCursor();
+
+    const int iFrom = Start.position();
+    const int iTo = End.isValid() ? End.position() : document()->characterCount();
+    QList<QTextEdit::ExtraSelection> Shown;
+    for (const QList<QTextEdit::ExtraSelection>* pList : {&m_FindHighlights, &m_CursorMatchHighlights})
+    {
+        for (const QTextEdit::ExtraSelection& Highlight : *pList)
+        {
+            if (Highlight.cursor.selectionEnd() >= iFrom && Highlight.cursor.selectionStart() <= iTo)
+                Shown.append(Highlight);
+        }
+    }
+    setExtraSelections(Shown);
+}
+
+// Scrolling, resizing and edits move lines into view whose highlights the text edit may
+// not hold yet; each of them requests an update of the view, after which this runs.
+void CShaderEditPanel::KeepHighlightsNearViewport()
+{
+    const bool bHasHighlights = !m_FindHighlights.isEmpty() || !m_CursorMatchHighlights.isEmpty();
+    if (bHasHighlights && !HighlightWindowCoversViewport())
+        ShowHighlightsNearViewport();
+}
+
+// Whether every visible line lies inside the part of the document whose highlights the
+// text edit holds. The window's cursors follow edits, so typing keeps it valid; scrolling
+// past its margin or a large edit does not.
+bool CShaderEditPanel::HighlightWindowCoversViewport() const
+{
+    const auto [First, Last] = VisibleBlocks();
+    const int iWindowStart = m_HighlightWindowStart.position();
+    const bool bStartCovered = iWindowStart == 0 || iWindowStart < First.position();
+    const bool bEndCovered =
+        m_HighlightWindowEnd.isNull() || Last.position() + Last.length() - 1 < m_HighlightWindowEnd.position();
+    return !m_HighlightWindowStart.isNull() && bStartCovered && bEndCovered;
 }
 
 void CShaderEditPanel::CommentSelection()
@@ -189,18 +269,20 @@ int CShaderEditPanel::CycleCountAreaWidth() const
 {
     int iDigits = 1;
     const QRect Area = rect();
-    const QPointF Offset = contentOffset();
-    for (QTextBlock Block = firstVisibleBlock(); Block.isValid(); Block = Block.next())
+    // Entry 0 is never shown, so without a second entry there is nothing to measure; this
+    // runs after every keystroke.
+    QTextBlock Block = m_CycleCounts.GetSize() > 1 ? firstVisibleBlock() : QTextBlock();
+    qreal dTop = Block.isValid() ? blockBoundingGeometry(Block).translated(contentOffset()).top() : 0.0;
+    for (; Block.isValid() && dTop <= Area.bottom(); Block = Block.next())
     {
-        const QRectF Geometry = blockBoundingGeometry(Block).translated(Offset);
-        if (Geometry.top() > Area.bottom())
-            break;
+        const qreal dBottom = dTop + blockBoundingRect(Block).height();
         const int iBlock = Block.blockNumber();
-        if (Block.isVisible() && Geometry.bottom() >= Area.top() && iBlock > 0
+        if (Block.isVisible() && dBottom >= Area.top() && iBlock > 0
             && static_cast<uint32_t>(iBlock) < m_CycleCounts.GetSize() && m_CycleCounts[iBlock] >= 0)
         {
             iDigits = std::max(iDigits, static_cast<int>(QString::number(m_CycleCounts[iBlock]).size()));
         }
+        dTop = dBottom;
     }
     return GutterWidth(fontMetrics(), static_cast<float>(iDigits) + 1.0f + 0.5f);
 }
@@ -406,6 +488,7 @@ void CShaderEditPanel::FlushGutterUpdates()
     m_iDirtyGutterTop = 0;
     m_iDirtyGutterBottom = -1;
     UpdateGutterGeometry();
+    KeepHighlightsNearViewport();
 }
 
 void CShaderEditPanel::UpdateGutterGeometry()
@@ -422,7 +505,7 @@ void CShaderEditPanel::UpdateGutterGeometry()
 
 void CShaderEditPanel::OnTextChanged(int iPosition, int iCharsRemoved, int iCharsAdded)
 {
-    Q_UNUSED(iCharsRemoved);
+    m_TextMirror.Apply(iPosition, iCharsRemoved, iCharsAdded);
     RequestRecompile();
     // Replaying history must not add text: that would cut off the redo steps.
     if (!m_bReplayingHistory)
@@ -439,11 +522,14 @@ void CShaderEditPanel::AutoIndent(int iPosition, int iCharsAdded)
     if (Blanks.isEmpty())
         return;
     QTextCursor Cursor = textCursor();
+    const int iInsertedAt = Cursor.position();
     Cursor.beginEditBlock();
     for (const QChar Blank : Blanks)
         Cursor.insertText(QString(Blank));
     Cursor.endEditBlock();
     setTextCursor(Cursor);
+    // The document does not report an edit made while it reports another one.
+    m_TextMirror.Apply(iInsertedAt, 0, Cursor.position() - iInsertedAt);
 }
 
 void CShaderEditPanel::OnRequestDocumentType(CShaderHighlighter* pHighlighter)
@@ -456,5 +542,5 @@ void CShaderEditPanel::RequestRecompile()
     if (!m_bAutoCompile || !IsAutoCompiledType(m_eDocType))
         return;
     emit CancelCompile(m_PanelID);
-    emit RecompileContents(m_PanelID, toPlainText(), m_eDocType, CompileInvocation_Background);
+    emit RecompileContents(m_PanelID, m_TextMirror.GetText(), m_eDocType, CompileInvocation_Background);
 }

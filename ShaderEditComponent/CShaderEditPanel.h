@@ -2,6 +2,7 @@
 
 #include "CompileOptions.h"
 #include "DocumentFile.h"
+#include "DocumentTextMirror.h"
 #include "Settings.h"
 #include "ShaderDocType.h"
 #include "ZamTArray.h"
@@ -10,7 +11,11 @@
 
 #include <QList>
 #include <QPlainTextEdit>
+#include <QTextBlock>
+#include <QTextCursor>
 #include <QTextEdit>
+
+#include <utility>
 
 class CLineNumberArea;
 class CShaderHighlightController;
@@ -50,7 +55,16 @@ public:
     bool IsModified() const;
     void MarkSaved();
     void MoveCursorToStart();
+    // The text edit's extra selections are the find results followed by the cursor matches,
+    // but only those near the viewport: thousands of them would make every keystroke, scroll
+    // and repaint walk them all. Scrolling brings the others in.
     void SetHighlightSelections(int iKind, const QList<QTextEdit::ExtraSelection>& Selections);
+    // All highlights of one kind, wherever they are.
+    const QList<QTextEdit::ExtraSelection>& GetHighlightSelections(int iKind) const;
+    // The panel whose document pDocument is, or null.
+    static CShaderEditPanel* OwnerOf(const QTextDocument* pDocument);
+    // The document's plain text, as toPlainText() would build it.
+    const QString& GetPlainText() const { return m_TextMirror.GetText(); }
 
     void CommentSelection();
     void UncommentSelection();
@@ -97,6 +111,10 @@ private:
     void HandleHome(QKeyEvent* pEvent);
     void UpdateGutterGeometry();
     void FlushGutterUpdates();
+    void ShowHighlightsNearViewport();
+    void KeepHighlightsNearViewport();
+    bool HighlightWindowCoversViewport() const;
+    std::pair<QTextBlock, QTextBlock> VisibleBlocks() const;
     void PaintEffectBackgrounds();
     void ReplayHistory(bool bRedo);
 
@@ -116,4 +134,9 @@ private:
     bool m_bGutterUpdatePending = false;
     int m_iDirtyGutterTop = 0; // gutter strip to repaint; empty while bottom < top
     int m_iDirtyGutterBottom = -1;
+    CDocumentTextMirror m_TextMirror;
+    // The part of the document whose highlights the text edit holds; a null end cursor
+    // stands for the document end.
+    QTextCursor m_HighlightWindowStart;
+    QTextCursor m_HighlightWindowEnd;
 };

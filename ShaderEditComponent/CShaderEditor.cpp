@@ -3,8 +3,10 @@
 #include "CShaderEditController.h"
 #include "CShaderEditPanel.h"
 #include "DocumentFile.h"
+#include "HighlightSelections.h"
 #include "IShaderEditorDelegate.h"
 #include "NewFileName.h"
+#include "WordMatches.h"
 
 #include <QDialog>
 #include <QDir>
@@ -84,8 +86,9 @@ int CShaderEditor::GetTabCount() const
 
 CShaderEditPanel* CShaderEditor::GetPanel(int iIndex) const
 {
+    static const QString s_Name = QLatin1String(s_PanelObjectName);
     QWidget* pPage = m_pTabWidget->widget(iIndex);
-    return pPage ? pPage->findChild<CShaderEditPanel*>(QLatin1String(s_PanelObjectName)) : nullptr;
+    return pPage ? pPage->findChild<CShaderEditPanel*>(s_Name, Qt::FindDirectChildrenOnly) : nullptr;
 }
 
 CShaderEditPanel* CShaderEditor::GetCurrentPanel() const
@@ -369,8 +372,11 @@ void CShaderEditor::OnPanelCursorPositionChanged()
 
 void CShaderEditor::OnPanelCursorPositionChanged(const QTextCursor& Cursor)
 {
-    CShaderEditPanel* pPanel = GetCurrentPanel();
-    if (pPanel && Cursor.document() == pPanel->document())
+    // The document reports every cursor an edit moved, each highlight's among them:
+    // thousands per keystroke. Only the panel's own text cursor moving is a cursor move,
+    // which its owner tells at once; finding the current tab costs more.
+    const CShaderEditPanel* pOwner = CShaderEditPanel::OwnerOf(Cursor.document());
+    if (pOwner && Cursor.isCopyOf(pOwner->textCursor()) && pOwner == GetCurrentPanel())
         OnPanelCursorPositionChanged();
 }
 
@@ -391,17 +397,13 @@ void CShaderEditor::OnHighlightCursorMatches()
         return;
     }
 
-    QList<QTextEdit::ExtraSelection> Matches;
-    QTextEdit::ExtraSelection Match;
-    Match.format.setBackground(m_EditorSettings.CursorMatchColour);
-    const QTextDocument::FindFlags eFlags = QTextDocument::FindCaseSensitively | QTextDocument::FindWholeWords;
-    QTextDocument* pDocument = pPanel->document();
-    for (QTextCursor Found = pDocument->find(Text, 0, eFlags); !Found.isNull(); Found = pDocument->find(Text, Found, eFlags))
-    {
-        Match.cursor = Found;
-        Matches.append(Match);
-    }
-    pPanel->SetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches, Matches);
+    // One pass over the panel's plain text finds what repeated QTextDocument::find calls
+    // would, without taking each line out of the document.
+    QTextCharFormat Format;
+    Format.setBackground(m_EditorSettings.CursorMatchColour);
+    pPanel->SetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches,
+                                   MakeHighlights(pPanel->document(), FindWholeWordMatches(pPanel->GetPlainText(), Text),
+                                                  Format));
 }
 
 void CShaderEditor::OnEditorSettingsChanged(const Settings::SEditor& Settings)

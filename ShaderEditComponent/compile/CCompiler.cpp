@@ -11,20 +11,6 @@
 
 namespace
 {
-bool IsEffect(EShaderDocType eType)
-{
-    return eType == DocType_ZFXGLSLES || eType == DocType_ZFXGLSL;
-}
-
-unsigned int StageSwitch(EShaderDocType eType)
-{
-    if (eType == DocType_GLSLESVertex || eType == DocType_GLSLVertex)
-        return CompileOption_Verbose;
-    if (eType == DocType_GLSLESFragment || eType == DocType_GLSLFragment)
-        return CompileOption_F;
-    return 0;
-}
-
 CZamTString ToZamString(const QString& Text)
 {
     const QByteArray Utf8 = Text.toUtf8();
@@ -36,15 +22,14 @@ QString ToQString(const CZamTString& Text)
     return QString::fromUtf8(Text.GetString(), static_cast<int>(Text.GetLength()));
 }
 
-// Later failures weigh more: a run that could not start beats one that failed.
+// The worst unit decides: not run (3) over cancelled (2) over failed (1) over completed (0).
 void Combine(SCompileResult& Result, ECompileStatus eStatus)
 {
     Result.iStatus = qMax(Result.iStatus, static_cast<int>(eStatus));
 }
 
 // Calls Action for each vertex shader, then each fragment shader, with its stage switch.
-template <typename FAction>
-void ForEachShader(const CZamTZFXParser& Parser, FAction Action)
+template <typename FAction> void ForEachShader(const CZamTZFXParser& Parser, FAction Action)
 {
     const CZamTArray<SZamTZFXParserShader>& Vertex = Parser.GetVertexShaders();
     for (uint32_t i = 0; i < Vertex.GetSize(); ++i)
@@ -71,7 +56,9 @@ void AddParseError(const CZamTString& Error, SCompileResult& Result)
 
 std::atomic<int> CCompiler::s_iLiveCount{0};
 
-CCompiler::CCompiler(const SCompilerSetup& Setup, QObject* pParent) : QObject(pParent), m_Setup(Setup)
+CCompiler::CCompiler(const SCompilerSetup& Setup, QObject* pParent)
+    : QObject(pParent)
+    , m_Setup(Setup)
 {
     ++s_iLiveCount;
 }
@@ -91,12 +78,13 @@ bool CCompiler::Cancel()
     return m_Control.Cancel();
 }
 
-SCompileResult CCompiler::NewResult() const
+SCompileResult CCompiler::NewResult(EShaderDocType eType) const
 {
     SCompileResult Result;
     Result.iStatus = CompileStatus_Completed;
-    Result.CompilerString = m_Setup.CompilerString;
-    Result.VersionString = m_Setup.VersionString;
+    const bool bOpenCL = eType == DocType_OpenCLKernel;
+    Result.CompilerString = bOpenCL ? m_Setup.OpenCLCompilerString : m_Setup.CompilerString;
+    Result.VersionString = bOpenCL ? m_Setup.OpenCLVersionString : m_Setup.VersionString;
     return Result;
 }
 
@@ -112,18 +100,18 @@ SCompileTarget CCompiler::TargetFor(EShaderDocType eType, unsigned int uiFlags) 
         return Target;
     }
     Target.Executable = m_Setup.Executable;
-    Target.uiSwitches = uiFlags | m_Setup.uiOwnFlags | StageSwitch(eType);
+    Target.uiSwitches = uiFlags | m_Setup.uiOwnFlags | StageSwitchFor(eType);
     return Target;
 }
 
 void CCompiler::OnCompile(const CZamTHash& PanelID, unsigned int uiCompileKey, const QString& Contents,
                           EShaderDocType eType, unsigned int uiFlags)
 {
-    SCompileResult Result = NewResult();
+    SCompileResult Result = NewResult(eType);
     if (!m_Control.IsCancelled())
     {
         const QByteArray Text = Contents.toUtf8();
-        if (IsEffect(eType))
+        if (IsEffectType(eType))
         {
             CZamTZFXParser Parser;
             CZamTString Error;
@@ -143,26 +131,28 @@ void CCompiler::OnCompile(const CZamTHash& PanelID, unsigned int uiCompileKey, c
 
 void CCompiler::CompileEffect(const CZamTZFXParser& Parser, unsigned int uiFlags, SCompileResult& Result)
 {
-    ForEachShader(Parser, [&](const SZamTZFXParserShader& Shader, unsigned int uiStage) {
-        // A shader given only as a binary has no source to compile.
-        if (Shader.Source.IsEmpty() || m_Control.IsCancelled())
-            return;
-        const SCompileUnit Unit{Shader.Name.Text, static_cast<int>(Shader.uiFirstLine), uiFlags};
-        SCompileTarget Target = TargetFor(DocType_ZFXGLSLES, uiFlags);
-        Target.uiSwitches |= uiStage;
-        Combine(Result, CompileSource(Unit, SourceOf(Shader), Target, m_Control, Result));
-    });
+    ForEachShader(Parser,
+                  [&](const SZamTZFXParserShader& Shader, unsigned int uiStage)
+                  {
+                      // A shader given only as a binary has no source to compile.
+                      if (Shader.Source.IsEmpty() || m_Control.IsCancelled())
+                          return;
+                      const SCompileUnit Unit{Shader.Name.Text, static_cast<int>(Shader.uiFirstLine), uiFlags};
+                      SCompileTarget Target = TargetFor(DocType_ZFXGLSLES, uiFlags);
+                      Target.uiSwitches |= uiStage;
+                      Combine(Result, CompileSource(Unit, SourceOf(Shader), Target, m_Control, Result));
+                  });
 }
 
 void CCompiler::OnCompileFile(const CZamTHash& PanelID, unsigned int uiCompileKey, const CZamTString& Filename,
                               const CZamTString& CommandLine, EShaderDocType eType)
 {
-    SCompileResult Result = NewResult();
+    SCompileResult Result = NewResult(eType);
     const QString Path = ToQString(Filename);
     const QString Template = ToQString(CommandLine);
     if (!m_Control.IsCancelled())
     {
-        if (IsEffect(eType))
+        if (IsEffectType(eType))
         {
             CZamTZFXParser Parser;
             CZamTString Error;
@@ -186,30 +176,32 @@ void CCompiler::CompileEffectFile(const CZamTZFXParser& Parser, const QString& P
                                   SCompileResult& Result)
 {
     const QString WorkingDirectory = QFileInfo(Path).absolutePath();
-    QString TempFolder = m_Setup.TempDirectory;
-    if (!TempFolder.isEmpty() && !TempFolder.endsWith(QLatin1Char('/')))
-        TempFolder += QLatin1Char('/');
-    ForEachShader(Parser, [&](const SZamTZFXParserShader& Shader, unsigned int uiStage) {
-        if (Shader.Source.IsEmpty() || m_Control.IsCancelled())
-            return;
-        const SCompileUnit Unit{Shader.Name.Text, static_cast<int>(Shader.uiFirstLine), 0};
-        QTemporaryDir Private(TempFolder + QStringLiteral("zamshadereditor-XXXXXX"));
-        const QString SourcePath = WriteUnitSource(
-            Private, uiStage == CompileOption_Verbose ? QStringLiteral("shader.vsh") : QStringLiteral("shader.fsh"),
-            SourceOf(Shader));
-        if (SourcePath.isEmpty())
+    ForEachShader(
+        Parser,
+        [&](const SZamTZFXParserShader& Shader, unsigned int uiStage)
         {
-            Result.Log += UIString(UIS_CouldNotCreateTempFile).toUtf8().constData();
-            Result.Log += "\n";
-            Combine(Result, CompileStatus_NotRun);
-            return;
-        }
-        SCompileCommand Command = ShaderCommandFromTemplate(Template, Path, ToQString(Shader.Name.Text), SourcePath);
-        // The bundled compiler learns the stage from a switch; other tools get their template as typed.
-        if (!Command.Program.isEmpty() && Command.Program == m_Setup.Executable)
-            Command.Arguments.append(uiStage == CompileOption_Verbose ? QStringLiteral("-v") : QStringLiteral("-f"));
-        Combine(Result, RunFileCommand(Unit, Command, WorkingDirectory, m_Setup.iOutputCap, m_Control, Result));
-    });
+            if (Shader.Source.IsEmpty() || m_Control.IsCancelled())
+                return;
+            const SCompileUnit Unit{Shader.Name.Text, static_cast<int>(Shader.uiFirstLine), 0};
+            QTemporaryDir Private(PrivateFolderTemplate(m_Setup.TempDirectory));
+            const QString SourcePath = WriteUnitSource(
+                Private, uiStage == CompileOption_Verbose ? QStringLiteral("shader.vsh") : QStringLiteral("shader.fsh"),
+                SourceOf(Shader));
+            if (SourcePath.isEmpty())
+            {
+                Result.Log += UIString(UIS_CouldNotCreateTempFile).toUtf8().constData();
+                Result.Log += "\n";
+                Combine(Result, CompileStatus_NotRun);
+                return;
+            }
+            SCompileCommand Command =
+                ShaderCommandFromTemplate(Template, Path, ToQString(Shader.Name.Text), SourcePath);
+            // The bundled compiler learns the stage from a switch; other tools get their template as typed.
+            if (!Command.Program.isEmpty() && Command.Program == m_Setup.Executable)
+                Command.Arguments.append(uiStage == CompileOption_Verbose ? QStringLiteral("-v")
+                                                                          : QStringLiteral("-f"));
+            Combine(Result, RunFileCommand(Unit, Command, WorkingDirectory, m_Setup.iOutputCap, m_Control, Result));
+        });
 }
 
 void CCompiler::Deliver(const CZamTHash& PanelID, unsigned int uiCompileKey, const SCompileResult& Result)

@@ -17,13 +17,15 @@ struct SCompileTarget;
 // What the controller hands a compiler worker when it creates it.
 struct SCompilerSetup
 {
-    QString Executable;                 // the GLSL ES compiler of the current selection
-    QString OpenCLExecutable;           // the compiler of OpenCL kernels
-    unsigned int uiOpenCLSwitches = 0;  // the option flags the OpenCL compiler takes
+    QString Executable;                // the GLSL ES compiler of the current selection
+    QString OpenCLExecutable;          // the compiler of OpenCL kernels
+    unsigned int uiOpenCLSwitches = 0; // the option flags the OpenCL compiler takes
     QString TempDirectory;
-    unsigned int uiOwnFlags = 0;        // ORed into every command line
-    QString CompilerString;             // what detection reported, copied into the result
+    unsigned int uiOwnFlags = 0; // ORed into every command line
+    QString CompilerString;      // what detection reported, copied into the result
     QString VersionString;
+    QString OpenCLCompilerString;
+    QString OpenCLVersionString;
     qint64 iOutputCap = DefaultOutputCap;
 };
 
@@ -65,7 +67,7 @@ public slots:
                        const CZamTString& CommandLine, EShaderDocType eType);
 
 private:
-    SCompileResult NewResult() const;
+    SCompileResult NewResult(EShaderDocType eType) const;
     SCompileTarget TargetFor(EShaderDocType eType, unsigned int uiFlags) const;
     void CompileEffect(const CZamTZFXParser& Parser, unsigned int uiFlags, SCompileResult& Result);
     void CompileEffectFile(const CZamTZFXParser& Parser, const QString& Path, const QString& Template,

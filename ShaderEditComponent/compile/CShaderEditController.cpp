@@ -21,11 +21,6 @@ QString ToQString(const CZamTString& Text)
 {
     return QString::fromUtf8(Text.GetString(), static_cast<int>(Text.GetLength()));
 }
-
-bool IsEffect(EShaderDocType eType)
-{
-    return eType == DocType_ZFXGLSLES || eType == DocType_ZFXGLSL;
-}
 } // namespace
 
 CShaderEditController::CShaderEditController(QObject* pParent)
@@ -113,8 +108,8 @@ void CShaderEditController::DetectCompilers()
 void CShaderEditController::RunCompilerDetection()
 {
     m_CompilerPath = ResolveCompilerPath(m_Compiler, m_SearchPaths);
-    m_Detection = m_CompilerPath.isEmpty() ? SCompilerDetection()
-                                           : DetectCompiler(m_CompilerPath, m_Options.iDetectionTimeoutMs);
+    m_Detection =
+        m_CompilerPath.isEmpty() ? SCompilerDetection() : DetectCompiler(m_CompilerPath, m_Options.iDetectionTimeoutMs);
     const unsigned int uiFlags = m_Detection.uiOptionFlags & BackgroundOptions;
     if (uiFlags != m_uiCompilerFlags)
     {
@@ -127,13 +122,10 @@ QString CShaderEditController::GetCompileCommandLine(unsigned int uiFlags, EShad
                                                      const QString& OutputDirectory) const
 {
     const QString Marker = QStringLiteral("<ZFXShaders>");
-    const bool bEffect = IsEffect(eType);
-    unsigned int uiSwitches = uiFlags;
-    if (eType == DocType_GLSLESVertex || eType == DocType_GLSLVertex)
-        uiSwitches |= CompileOption_Verbose;
-    else if (eType == DocType_GLSLESFragment || eType == DocType_GLSLFragment)
-        uiSwitches |= CompileOption_F;
-    const QString Output = QDir(OutputDirectory).filePath(bEffect ? QStringLiteral("%b%_") + Marker : QStringLiteral("%b%"));
+    const bool bEffect = IsEffectType(eType);
+    const unsigned int uiSwitches = uiFlags | StageSwitchFor(eType);
+    const QString Output =
+        QDir(OutputDirectory).filePath(bEffect ? QStringLiteral("%b%_") + Marker : QStringLiteral("%b%"));
     return FormatCommandLine(BuildCompilerCommand(m_CompilerPath, QStringLiteral("%i%/%f%"),
                                                   bEffect ? Marker : QStringLiteral("%b%"), Output, uiSwitches));
 }
@@ -144,7 +136,7 @@ void CShaderEditController::SetCompilerSettings(const Settings::SCompiler& setti
     const bool bSaved = Settings::StoreCompilerSettings(
         *m_pPrefs, m_Compiler, settings, uiSettingMask, [this](Settings::ECompilerSetting) { RunCompilerDetection(); },
         &Error);
-    if (!bSaved && !m_Options.bReadOnlySettings)
+    if (!bSaved)
         qWarning("Failed to save the compiler settings: %s", qPrintable(Error));
     emit CompilerSettingsChanged(m_Compiler, uiSettingMask);
 }
@@ -153,7 +145,7 @@ void CShaderEditController::SetEditorSettings(const Settings::SEditor& settings,
 {
     QString Error;
     const bool bSaved = Settings::StoreEditorSettings(*m_pPrefs, m_Editor, settings, uiSettingMask, &Error);
-    if (!bSaved && !m_Options.bReadOnlySettings)
+    if (!bSaved)
         qWarning("Failed to save the editor settings: %s", qPrintable(Error));
     emit EditorSettingsChanged(m_Editor);
 }
@@ -167,6 +159,8 @@ CCompiler* CShaderEditController::StartCompiler(const CZamTHash& PanelID, unsign
     Setup.TempDirectory = ToQString(m_Compiler.TempDirectory);
     Setup.CompilerString = m_Detection.Compiler;
     Setup.VersionString = m_Detection.Version;
+    Setup.OpenCLCompilerString = m_OpenCLDetection.Compiler;
+    Setup.OpenCLVersionString = m_OpenCLDetection.Version;
     if (m_Options.iOutputCap > 0)
         Setup.iOutputCap = m_Options.iOutputCap;
 

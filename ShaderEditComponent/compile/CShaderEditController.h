@@ -44,7 +44,8 @@ class CShaderEditController : public QObject
 
 public:
     // Switches written by background compiles when the compiler lists them.
-    static constexpr unsigned int BackgroundOptions = CompileOption_Profile | CompileOption_PerfSim | CompileOption_Disassembly;
+    static constexpr unsigned int BackgroundOptions =
+        CompileOption_Profile | CompileOption_PerfSim | CompileOption_Disassembly;
     // Added to the flags of every background compile; no switch stands for it.
     static constexpr unsigned int BackgroundCompileFlag = 64;
 

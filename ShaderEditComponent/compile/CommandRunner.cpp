@@ -128,6 +128,9 @@ SCommandRun RunCommand(const SCompileCommand& Command, CRunControl& Control, con
     // Also reaches children that outlived the compiler and still hold its output pipe.
     KillGroup(iGroup);
     const bool bEndedByUs = Run.eStatus != CompileStatus_Completed || Run.bOutputCut;
+    // A compiler that left its group (setsid) is still reached itself.
+    if (bEndedByUs && Process.state() != QProcess::NotRunning)
+        Process.kill();
     Process.waitForFinished(-1);
     if (!bEndedByUs && Process.exitStatus() == QProcess::CrashExit)
     {

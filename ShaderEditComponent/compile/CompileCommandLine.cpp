@@ -22,6 +22,20 @@ bool IsSwitch(const QString& Argument)
 }
 } // namespace
 
+bool IsEffectType(EShaderDocType eType)
+{
+    return eType == DocType_ZFXGLSLES || eType == DocType_ZFXGLSL;
+}
+
+unsigned int StageSwitchFor(EShaderDocType eType)
+{
+    if (eType == DocType_GLSLESVertex || eType == DocType_GLSLVertex)
+        return CompileOption_Verbose;
+    if (eType == DocType_GLSLESFragment || eType == DocType_GLSLFragment)
+        return CompileOption_F;
+    return 0;
+}
+
 SCompileCommand BuildCompilerCommand(const QString& Executable, const QString& Input, const QString& Unit,
                                      const QString& OutputBase, unsigned int uiFlags)
 {

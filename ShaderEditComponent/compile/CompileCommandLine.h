@@ -1,7 +1,16 @@
 #pragma once
 
+#include "ShaderDocType.h"
+
 #include <QString>
 #include <QStringList>
+
+// The two effect-file types, whose shaders are compiled one by one.
+bool IsEffectType(EShaderDocType eType);
+
+// The stage switch a document type adds to a compile: "v" (1) for the vertex types, "f" (2)
+// for the fragment types, nothing for the others.
+unsigned int StageSwitchFor(EShaderDocType eType);
 
 // A program and its arguments, run directly: no shell ever sees them.
 struct SCompileCommand
@@ -40,7 +49,8 @@ SSourcePlaceholders PlaceholdersForFile(const QString& FilePath);
 // Replaces %i%, %f%, %b% and, when ShaderName is not null, "<ZFXShaders>" in one word, in a
 // single left-to-right pass: a replacement is never scanned again, so a file name that holds
 // a placeholder text stays as it is. Other %word% texts stay as typed.
-QString ExpandPlaceholders(const QString& Word, const SSourcePlaceholders& Values, const QString& ShaderName = QString());
+QString ExpandPlaceholders(const QString& Word, const SSourcePlaceholders& Values,
+                           const QString& ShaderName = QString());
 
 // A compile-to-file template turned into a command: split first, placeholders expanded in each
 // word afterwards, so whatever the file name holds (blanks, quotes, semicolons) stays inside

@@ -136,6 +136,12 @@ bool AsksFor(const SCompileCommand& Command, const char* pSwitch)
 }
 } // namespace
 
+QString PrivateFolderTemplate(const QString& TempDirectory)
+{
+    const QString Folder = TempDirectory.isEmpty() ? QDir::tempPath() : TempDirectory;
+    return QDir(Folder).filePath(QStringLiteral("zamshadereditor-XXXXXX"));
+}
+
 QString WriteUnitSource(QTemporaryDir& Folder, const QString& FileName, const QByteArray& Source)
 {
     if (!Folder.isValid())
@@ -153,10 +159,7 @@ QString WriteUnitSource(QTemporaryDir& Folder, const QString& FileName, const QB
 ECompileStatus CompileSource(const SCompileUnit& Unit, const QByteArray& Source, const SCompileTarget& Target,
                              CRunControl& Control, SCompileResult& Result)
 {
-    QString Folder = Target.TempDirectory;
-    if (!Folder.isEmpty() && !Folder.endsWith(QLatin1Char('/')))
-        Folder += QLatin1Char('/');
-    QTemporaryDir Private(Folder + QStringLiteral("zamshadereditor-XXXXXX"));
+    QTemporaryDir Private(PrivateFolderTemplate(Target.TempDirectory));
     const QString InputPath = WriteUnitSource(Private, QStringLiteral("shader.tmp"), Source);
     if (InputPath.isEmpty())
     {
@@ -178,9 +181,8 @@ ECompileStatus CompileSource(const SCompileUnit& Unit, const QByteArray& Source,
     return JudgeRun(Unit, Run, Outputs, Target.iOutputCap, Result);
 }
 
-ECompileStatus RunFileCommand(const SCompileUnit& Unit, const SCompileCommand& Command,
-                              const QString& WorkingDirectory, qint64 iOutputCap, CRunControl& Control,
-                              SCompileResult& Result)
+ECompileStatus RunFileCommand(const SCompileUnit& Unit, const SCompileCommand& Command, const QString& WorkingDirectory,
+                              qint64 iOutputCap, CRunControl& Control, SCompileResult& Result)
 {
     SUnitOutputs Outputs;
     if (Command.Arguments.size() >= 3)

@@ -12,8 +12,8 @@ class QTemporaryDir;
 // One compiled unit: a whole document, or one shader of an effect file.
 struct SCompileUnit
 {
-    CZamTString Name;            // starts its log lines; its profile record is kept under it
-    int iLineOffset = 0;         // the document line the unit starts at; 0 for a whole document
+    CZamTString Name;                // starts its log lines; its profile record is kept under it
+    int iLineOffset = 0;             // the document line the unit starts at; 0 for a whole document
     unsigned int uiRequestFlags = 0; // the flags the compile was requested with
 };
 
@@ -38,9 +38,12 @@ ECompileStatus CompileSource(const SCompileUnit& Unit, const QByteArray& Source,
 // same way. Its third argument is the output base whose ".prof" and ".disasm" files are read
 // when the command has a "-profile" or "-disasm" argument; they are the user's files and stay
 // where they are.
-ECompileStatus RunFileCommand(const SCompileUnit& Unit, const SCompileCommand& Command,
-                              const QString& WorkingDirectory, qint64 iOutputCap, CRunControl& Control,
-                              SCompileResult& Result);
+ECompileStatus RunFileCommand(const SCompileUnit& Unit, const SCompileCommand& Command, const QString& WorkingDirectory,
+                              qint64 iOutputCap, CRunControl& Control, SCompileResult& Result);
+
+// The QTemporaryDir template of a private folder inside TempDirectory (the system's temporary
+// folder when that is empty): an unpredictable name, made with mode 0700.
+QString PrivateFolderTemplate(const QString& TempDirectory);
 
 // Writes a unit's source as FileName into a private temporary folder. Returns the file's
 // path, empty on failure; the file goes with the folder.

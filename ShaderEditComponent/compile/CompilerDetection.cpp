@@ -15,8 +15,8 @@ SCompilerDetection DetectCompiler(const QString& ExecutablePath, int iTimeoutMs)
     Detection.bRan = Run.eStatus == CompileStatus_Completed;
     if (!Detection.bRan)
         return Detection;
-    Detection.bHasOptions = ParseCompilerBanner(QString::fromUtf8(Run.Output), Detection.Compiler, Detection.Version,
-                                                Detection.Options);
+    Detection.bHasOptions =
+        ParseCompilerBanner(QString::fromUtf8(Run.Output), Detection.Compiler, Detection.Version, Detection.Options);
     Detection.uiOptionFlags = OptionFlagsFromNames(Detection.Options);
     return Detection;
 }

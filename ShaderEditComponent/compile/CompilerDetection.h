@@ -14,7 +14,7 @@ struct SCompilerDetection
     bool bHasOptions = false; // its banner holds an option list
     QString Compiler = QStringLiteral("Unknown");
     QString Version = QStringLiteral("Unknown");
-    CZamTArray<QString> Options;  // option names without their hyphen
+    CZamTArray<QString> Options;    // option names without their hyphen
     unsigned int uiOptionFlags = 0; // the names that are known option switches, as flags
 
     // A compiler the editor can work with: it answered and listed its options.

@@ -8,7 +8,7 @@
 
 QString OpenCLCompilerBaseName()
 {
-    return QStringLiteral("clcompiler_zcl");
+    return QStringLiteral("clcompiler_zc1");
 }
 
 QStringList DefaultCompilerSearchPaths()
@@ -35,7 +35,8 @@ QString ResolveCompilerPath(const Settings::SCompiler& Compiler, const QStringLi
     if (Compiler.uiCompilerSelection < CustomCompilerSelection &&
         static_cast<int>(Compiler.uiCompilerSelection) < GetCompilerTargetCount())
     {
-        const CZamTString& BaseName = GetCompilerTarget(static_cast<int>(Compiler.uiCompilerSelection)).ExecutableBaseName;
+        const CZamTString& BaseName =
+            GetCompilerTarget(static_cast<int>(Compiler.uiCompilerSelection)).ExecutableBaseName;
         return FindBundledCompiler(QString::fromUtf8(BaseName.GetString(), static_cast<int>(BaseName.GetLength())),
                                    SearchPaths);
     }

@@ -12,8 +12,8 @@ struct SCompilerOutput
     QVector<SCompileMessage> Messages;
     // The same lines as log text, each ending in "\n".
     QByteArray LogText;
-    bool bSucceeded = false;  // the output holds "Success.\n"
-    bool bFailed = false;     // the output holds "Compile failed."
+    bool bSucceeded = false;   // the output holds "Success.\n"
+    bool bFailed = false;      // the output holds "Compile failed."
     bool bHasEstimate = false; // the output holds "Performance estimate"
 };
 

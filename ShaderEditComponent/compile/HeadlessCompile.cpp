@@ -107,7 +107,8 @@ bool CompileFile(CShaderEditController& Controller, const QString& Path, QIODevi
     QEventLoop Loop;
     const QMetaObject::Connection Connection =
         QObject::connect(&Controller, &CShaderEditController::CompileProfileChanged, &Loop,
-                         [&](const SCompileResult& Delivered) {
+                         [&](const SCompileResult& Delivered)
+                         {
                              Result = Delivered;
                              Loop.quit();
                          });

@@ -12,9 +12,9 @@ constexpr qint64 MaxProfileFileBytes = 16 * 1024 * 1024;
 
 struct SProfileParse
 {
-    int iTotalConsumedCycles = 0;     // the sum of the counts taken into the array
-    int iGeneratedInstructions = -1;  // "TXC generated instructions = N"; -1 when absent
-    qint64 iReportedTotal = -1;       // "Total consumed cycles = N"; -1 when absent
+    int iTotalConsumedCycles = 0;    // the sum of the counts taken into the array
+    int iGeneratedInstructions = -1; // "TXC generated instructions = N"; -1 when absent
+    qint64 iReportedTotal = -1;      // "Total consumed cycles = N"; -1 when absent
     // The profile names a line twice, a line or count past the limits, or a total that is
     // not the sum of its lines. The log then says "ERROR: Malformed profile file.".
     bool bMalformed = false;

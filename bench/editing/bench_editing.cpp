@@ -6,6 +6,9 @@
 //   bench_editing typing <keys>   <keys> keystrokes at the end, then as many in the middle
 //   bench_editing match           one cursor match on a word that occurs 5,000 times
 //   bench_editing find            one quick find of a text with 10,000 matches
+//   bench_editing highlighted <keys>
+//                                 with both kinds of highlights shown: ten pages down,
+//                                 then <keys> keystrokes
 // e.g. valgrind --tool=callgrind --collect-atstart=no --toggle-collect='*Scenario*'
 //      bench/bench_editing typing 20
 
@@ -27,7 +30,9 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace
@@ -178,20 +183,30 @@ double ScenarioQuickFind(QLineEdit* pFindText, CShaderEditPanel* pPanel)
     return Milliseconds(Timer);
 }
 
-// Scrolling one page down with thousands of highlights in the document.
-double ScenarioScroll(CShaderEditPanel* pPanel)
+// Pages down, then keystrokes, with thousands of highlights in the document; every page's
+// and every keystroke's time.
+std::pair<std::vector<double>, std::vector<double>> ScenarioAmongHighlights(CShaderEditPanel* pPanel, int iPages,
+                                                                            int iKeys)
 {
-    QElapsedTimer Timer;
-    Timer.start();
-    QTest::keyClick(pPanel, Qt::Key_PageDown);
-    QApplication::processEvents();
-    return Milliseconds(Timer);
+    std::vector<double> Pages;
+    for (int i = 0; i < iPages; ++i)
+    {
+        QElapsedTimer Timer;
+        Timer.start();
+        QTest::keyClick(pPanel, Qt::Key_PageDown);
+        QApplication::processEvents();
+        Pages.push_back(Milliseconds(Timer));
+    }
+    std::vector<double> Keystrokes;
+    for (int i = 0; i < iKeys; ++i)
+        Keystrokes.push_back(TimeKeystroke(pPanel, 'x'));
+    return {Pages, Keystrokes};
 }
 
 void DisableCursorMatching(CShaderEditor* pEditor)
 {
-    // The match timer would fire between keystrokes whenever one takes longer than its
-    // delay, which makes instruction counts depend on the machine's speed.
+    // Cursor matching is timed on its own. Its timer would fire between keystrokes whenever
+    // one takes longer than its delay, which makes the counts depend on the machine's speed.
     Settings::SEditor Settings;
     Settings.bPerformCursorMatch = false;
     pEditor->OnEditorSettingsChanged(Settings);
@@ -208,10 +223,10 @@ int main(int argc, char** argv)
     if (!Fixture.Open())
         return 1;
     CShaderEditPanel* pPanel = Fixture.pPanel;
+    DisableCursorMatching(&Fixture.Editor);
 
     if (std::strcmp(pScenario, "typing") == 0)
     {
-        DisableCursorMatching(&Fixture.Editor);
         ScenarioTyping(pPanel, argc > 2 ? std::atoi(argv[2]) : 20);
         return 0;
     }
@@ -235,13 +250,12 @@ int main(int argc, char** argv)
         std::printf("quick find: %.1f ms\n", ScenarioQuickFind(pFindText, pPanel));
         return 0;
     }
-    if (std::strcmp(pScenario, "scroll") == 0)
+    if (std::strcmp(pScenario, "highlighted") == 0)
     {
-        ScenarioQuickFind(pFindText, pPanel);
         PlaceCursorOnWord(pPanel);
         ScenarioCursorMatch(&Fixture.Editor, pPanel);
-        for (int i = 0; i < 10; ++i)
-            ScenarioScroll(pPanel);
+        ScenarioQuickFind(pFindText, pPanel);
+        ScenarioAmongHighlights(pPanel, 10, argc > 2 ? std::atoi(argv[2]) : 20);
         return 0;
     }
 
@@ -251,22 +265,18 @@ int main(int argc, char** argv)
     PlaceCursorOnWord(pPanel);
     const double dCursorMatchMs = ScenarioCursorMatch(&Fixture.Editor, pPanel);
     std::printf("cursor match: %lld highlights in %.1f ms\n",
-                static_cast<long long>(pPanel->extraSelections().size()),
+                static_cast<long long>(pPanel->GetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches).size()),
                 dCursorMatchMs);
 
     const double dQuickFindMs = ScenarioQuickFind(pFindText, pPanel);
     std::printf("quick find: \"%s\" in %.1f ms\n", qPrintable(pMatches->text()), dQuickFindMs);
 
     // Not part of the summary: what thousands of highlights cost while working on.
-    std::vector<double> Scrolls;
-    for (int i = 0; i < 20; ++i)
-        Scrolls.push_back(ScenarioScroll(pPanel));
+    const auto [Pages, Highlighted] = ScenarioAmongHighlights(pPanel, 20, 100);
     std::printf("page down with %lld highlights: median %.2f ms, max %.2f ms\n",
-                static_cast<long long>(pPanel->extraSelections().size()),
-                Percentile(Scrolls, 0.5), Percentile(Scrolls, 1.0));
-    std::vector<double> Highlighted;
-    for (int i = 0; i < 50; ++i)
-        Highlighted.push_back(TimeKeystroke(pPanel, 'x'));
+                static_cast<long long>(pPanel->GetHighlightSelections(CShaderEditPanel::Highlight_FindResults).size()
+                                       + pPanel->GetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches).size()),
+                Percentile(Pages, 0.5), Percentile(Pages, 1.0));
     std::printf("typing among the highlights: median %.2f ms, p99 %.2f ms\n", Percentile(Highlighted, 0.5),
                 Percentile(Highlighted, 0.99));
 

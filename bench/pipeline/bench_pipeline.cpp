@@ -30,14 +30,27 @@ constexpr int s_iRounds = 41;
 // A fragment shader of exactly 100 lines with arithmetic, a loop, a branch and texture reads.
 QString HundredLineShader()
 {
-    QStringList Lines = {"precision mediump float;", "uniform sampler2D u_base;", "uniform sampler2D u_detail;",
-                         "uniform vec4 u_tint;", "uniform float u_time;", "varying vec2 v_uv;", "void main()", "{",
-                         "    vec4 c = texture2D(u_base, v_uv);", "    vec4 d = texture2D(u_detail, v_uv * 4.0);",
+    QStringList Lines = {"precision mediump float;",
+                         "uniform sampler2D u_base;",
+                         "uniform sampler2D u_detail;",
+                         "uniform vec4 u_tint;",
+                         "uniform float u_time;",
+                         "varying vec2 v_uv;",
+                         "void main()",
+                         "{",
+                         "    vec4 c = texture2D(u_base, v_uv);",
+                         "    vec4 d = texture2D(u_detail, v_uv * 4.0);",
                          "    float k = 0.0;"};
     for (int i = 0; Lines.size() < 92; ++i)
         Lines << QStringLiteral("    k += sin(v_uv.x * %1.0 + u_time) * %2;").arg(i + 1).arg(0.01 * (i + 1));
-    Lines << "    for (int i = 0; i < 4; ++i)" << "    {" << "        c = c * 0.9 + d * 0.1;" << "    }"
-          << "    if (k > 0.5) c *= u_tint;" << "    else c += u_tint * k;" << "    gl_FragColor = c;" << "}";
+    Lines << "    for (int i = 0; i < 4; ++i)"
+          << "    {"
+          << "        c = c * 0.9 + d * 0.1;"
+          << "    }"
+          << "    if (k > 0.5) c *= u_tint;"
+          << "    else c += u_tint * k;"
+          << "    gl_FragColor = c;"
+          << "}";
     return Lines.join('\n') + '\n';
 }
 
@@ -101,11 +114,13 @@ double ControllerCompileMs(CShaderEditController& Controller, const QString& Tex
 {
     QEventLoop Loop;
     const QMetaObject::Connection Connection =
-        QObject::connect(&Controller, &CShaderEditController::CompileOutputChanged, &Loop, [&](const QString& Log) {
-            if (pLog)
-                *pLog = Log;
-            Loop.quit();
-        });
+        QObject::connect(&Controller, &CShaderEditController::CompileOutputChanged, &Loop,
+                         [&](const QString& Log)
+                         {
+                             if (pLog)
+                                 *pLog = Log;
+                             Loop.quit();
+                         });
     QElapsedTimer Clock;
     Clock.start();
     Controller.OnCompilePanel(CZamTHash("bench"), Text, DocType_GLSLESFragment, CompileInvocation_Background);
@@ -145,9 +160,9 @@ int main(int argc, char** argv)
     if (!File.open(QIODevice::WriteOnly) || File.write(Shader.toUtf8()) < 0)
         return 1;
     File.close();
-    const SCompileCommand Bare = BuildCompilerCommand(
-        Controller.GetCompilerPath(), Input, GetDocTypeName(DocType_GLSLESFragment), Temp.filePath("shader"),
-        CompileOption_F | Controller.GetCompilerFlags());
+    const SCompileCommand Bare =
+        BuildCompilerCommand(Controller.GetCompilerPath(), Input, GetDocTypeName(DocType_GLSLESFragment),
+                             Temp.filePath("shader"), CompileOption_F | Controller.GetCompilerFlags());
 
     std::vector<double> BareMs;
     std::vector<double> ControllerMs;

@@ -411,7 +411,7 @@ void CFindReplaceTest::WorksOnTheEditorsCurrentPanel()
     m_pBar->ShowReplace();
     qInfo("quick find of 12,001 matches in the editor: %lld ms", Timer.elapsed());
     QCOMPARE(MatchesLabel(), QStringLiteral("Matches: 12001"));
-    QCOMPARE(pPanel->extraSelections().size(), 12001);
+    QCOMPARE(pPanel->GetHighlightSelections(CShaderEditPanel::Highlight_FindResults).size(), 12001);
     QVERIFY(Editor.GetPanel(0)->extraSelections().isEmpty());
 
     Child<QToolButton>("FindNext")->click();

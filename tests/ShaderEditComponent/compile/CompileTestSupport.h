@@ -79,7 +79,9 @@ inline SChildren Children()
 
 inline int OpenFileCount()
 {
-    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System).size();
+    return QDir(QStringLiteral("/proc/self/fd"))
+        .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
+        .size();
 }
 
 // Peak resident memory of this process, in KiB.
@@ -97,7 +99,11 @@ inline qint64 PeakMemoryKiB()
 class CScopedEnv
 {
 public:
-    CScopedEnv(const char* pName, const QByteArray& Value) : m_pName(pName) { qputenv(pName, Value); }
+    CScopedEnv(const char* pName, const QByteArray& Value)
+        : m_pName(pName)
+    {
+        qputenv(pName, Value);
+    }
     ~CScopedEnv() { qunsetenv(m_pName); }
     CScopedEnv(const CScopedEnv&) = delete;
     CScopedEnv& operator=(const CScopedEnv&) = delete;

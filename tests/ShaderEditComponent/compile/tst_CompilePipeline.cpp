@@ -30,40 +30,40 @@ const char kFragment[] = "precision mediump float;\n"       // 1
                          "}\n";                             // 9
 
 // Three shaders; code lines 8, 19 and 31 do the work.
-const char kEffect[] = "[VERTEXSHADER]\n"                           // 1
-                       "NAME SceneVS\n"                             // 2
-                       "[GLSL_CODE]\n"                              // 3
-                       "attribute vec4 a_position;\n"               // 4
-                       "uniform mat4 u_mvp;\n"                      // 5
-                       "void main()\n"                              // 6
-                       "{\n"                                        // 7
-                       "gl_Position = u_mvp * a_position;\n"        // 8
-                       "}\n"                                        // 9
-                       "[/GLSL_CODE]\n"                             // 10
-                       "[/VERTEXSHADER]\n"                          // 11
-                       "[FRAGMENTSHADER]\n"                         // 12
-                       "NAME FlatFS\n"                              // 13
-                       "[GLSL_CODE]\n"                              // 14
-                       "precision mediump float;\n"                 // 15
-                       "uniform vec4 u_colour;\n"                   // 16
-                       "void main()\n"                              // 17
-                       "{\n"                                        // 18
-                       "gl_FragColor = u_colour * 0.5;\n"           // 19
-                       "}\n"                                        // 20
-                       "[/GLSL_CODE]\n"                             // 21
-                       "[/FRAGMENTSHADER]\n"                        // 22
-                       "[FRAGMENTSHADER]\n"                         // 23
-                       "NAME TexturedFS\n"                          // 24
-                       "[GLSL_CODE]\n"                              // 25
-                       "precision mediump float;\n"                 // 26
-                       "uniform sampler2D u_tex;\n"                 // 27
-                       "varying vec2 v_uv;\n"                       // 28
-                       "void main()\n"                              // 29
-                       "{\n"                                        // 30
+const char kEffect[] = "[VERTEXSHADER]\n"                            // 1
+                       "NAME SceneVS\n"                              // 2
+                       "[GLSL_CODE]\n"                               // 3
+                       "attribute vec4 a_position;\n"                // 4
+                       "uniform mat4 u_mvp;\n"                       // 5
+                       "void main()\n"                               // 6
+                       "{\n"                                         // 7
+                       "gl_Position = u_mvp * a_position;\n"         // 8
+                       "}\n"                                         // 9
+                       "[/GLSL_CODE]\n"                              // 10
+                       "[/VERTEXSHADER]\n"                           // 11
+                       "[FRAGMENTSHADER]\n"                          // 12
+                       "NAME FlatFS\n"                               // 13
+                       "[GLSL_CODE]\n"                               // 14
+                       "precision mediump float;\n"                  // 15
+                       "uniform vec4 u_colour;\n"                    // 16
+                       "void main()\n"                               // 17
+                       "{\n"                                         // 18
+                       "gl_FragColor = u_colour * 0.5;\n"            // 19
+                       "}\n"                                         // 20
+                       "[/GLSL_CODE]\n"                              // 21
+                       "[/FRAGMENTSHADER]\n"                         // 22
+                       "[FRAGMENTSHADER]\n"                          // 23
+                       "NAME TexturedFS\n"                           // 24
+                       "[GLSL_CODE]\n"                               // 25
+                       "precision mediump float;\n"                  // 26
+                       "uniform sampler2D u_tex;\n"                  // 27
+                       "varying vec2 v_uv;\n"                        // 28
+                       "void main()\n"                               // 29
+                       "{\n"                                         // 30
                        "gl_FragColor = texture2D(u_tex, v_uv) %1;\n" // 31
-                       "}\n"                                        // 32
-                       "[/GLSL_CODE]\n"                             // 33
-                       "[/FRAGMENTSHADER]\n"                        // 34
+                       "}\n"                                         // 32
+                       "[/GLSL_CODE]\n"                              // 33
+                       "[/FRAGMENTSHADER]\n"                         // 34
                        "[EFFECT]\nNAME Flat\nVERTEXSHADER SceneVS\nFRAGMENTSHADER FlatFS\n[/EFFECT]\n"
                        "[EFFECT]\nNAME Textured\nVERTEXSHADER SceneVS\nFRAGMENTSHADER TexturedFS\n[/EFFECT]\n";
 
@@ -103,12 +103,12 @@ private slots:
     void cleanup();
 
     void ShaderLogCountsProfileAndDisassembly();
-    void ErrorLineInTheLog();
     void EffectFileShaderByShader();
-    void EffectErrorOnTheEffectFilesLine();
+    void ErrorsLandOnTheDocumentsLine();
     void EffectCompiledToFiles();
     void HundredRequestsForOnePanel();
     void TwoPanelsAtOnce();
+    void OpenCLKernel();
     void CommandLineCompile_data();
     void CommandLineCompile();
 
@@ -121,7 +121,8 @@ private:
         int iResults = 0;
     };
     std::unique_ptr<CShaderEditController> MakeController(SDelivery& Delivery);
-    void CompileAndWait(CShaderEditController& Controller, SDelivery& Delivery, const QString& Text, EShaderDocType eType);
+    void CompileAndWait(CShaderEditController& Controller, SDelivery& Delivery, const QString& Text,
+                        EShaderDocType eType);
 
     QTemporaryDir m_Temp;
 };
@@ -149,11 +150,14 @@ std::unique_ptr<CShaderEditController> CCompilePipelineTest::MakeController(SDel
     Options.CompilerSearchPaths = {BinDir()};
     auto pController = std::make_unique<CShaderEditController>(Options);
     connect(pController.get(), &CShaderEditController::CompileCycleCountChanged, this,
-            [&Delivery](const CZamTHash& PanelID, const CZamTArray<int>& Counts) { Delivery.CountsByPanel[PanelID.GetValue()] = Counts; });
-    connect(pController.get(), &CShaderEditController::CompileProfileChanged, this, [&Delivery](const SCompileResult& Result) {
-        Delivery.Last = Result;
-        ++Delivery.iResults;
-    });
+            [&Delivery](const CZamTHash& PanelID, const CZamTArray<int>& Counts)
+            { Delivery.CountsByPanel[PanelID.GetValue()] = Counts; });
+    connect(pController.get(), &CShaderEditController::CompileProfileChanged, this,
+            [&Delivery](const SCompileResult& Result)
+            {
+                Delivery.Last = Result;
+                ++Delivery.iResults;
+            });
     connect(pController.get(), &CShaderEditController::CompileOutputChanged, this,
             [&Delivery](const QString& Log) { Delivery.LastLog = Log; });
     return pController;
@@ -190,19 +194,6 @@ void CCompilePipelineTest::ShaderLogCountsProfileAndDisassembly()
     QCOMPARE(Profile.iNonDependentTextureReads, 1);
     QVERIFY(QByteArray(Profile.Disassembly.GetString()).startsWith("; TXE"));
     QCOMPARE(QByteArray(Result.Disassembly.GetString()), QByteArray(Profile.Disassembly.GetString()));
-}
-
-void CCompilePipelineTest::ErrorLineInTheLog()
-{
-    SDelivery Delivery;
-    auto pController = MakeController(Delivery);
-    QString Broken = QString::fromLatin1(kFragment);
-    Broken.replace(QStringLiteral("c * 2.0"), QStringLiteral("c * missing"));
-    CompileAndWait(*pController, Delivery, Broken, DocType_GLSLESFragment);
-    QCOMPARE(Delivery.Last.iStatus, 1);
-    QVERIFY(Delivery.LastLog.startsWith(QStringLiteral("GLSL:ES Fragment Shader: Compile failed.\nERROR: 0:8:")));
-    QVERIFY(!Delivery.Last.Messages.isEmpty());
-    QCOMPARE(Delivery.Last.Messages.first().iLine, 8);
 }
 
 void CCompilePipelineTest::EffectFileShaderByShader()
@@ -242,10 +233,18 @@ void CCompilePipelineTest::EffectFileShaderByShader()
     QCOMPARE(Result.FindProfile("FlatFS")->iNonDependentTextureReads, 0);
 }
 
-void CCompilePipelineTest::EffectErrorOnTheEffectFilesLine()
+void CCompilePipelineTest::ErrorsLandOnTheDocumentsLine()
 {
     SDelivery Delivery;
     auto pController = MakeController(Delivery);
+    QString Broken = QString::fromLatin1(kFragment);
+    Broken.replace(QStringLiteral("c * 2.0"), QStringLiteral("c * missing"));
+    CompileAndWait(*pController, Delivery, Broken, DocType_GLSLESFragment);
+    QCOMPARE(Delivery.Last.iStatus, 1);
+    QVERIFY(Delivery.LastLog.startsWith(QStringLiteral("GLSL:ES Fragment Shader: Compile failed.\nERROR: 0:8:")));
+    QCOMPARE(Delivery.Last.Messages.first().iLine, 8);
+
+    // In an effect file, on the effect file's line; the other shaders still compile.
     CompileAndWait(*pController, Delivery, Effect("* nowhere"), DocType_ZFXGLSLES);
     QCOMPARE(Delivery.Last.iStatus, 1);
     QVERIFY(Delivery.LastLog.startsWith(QStringLiteral("SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\n"
@@ -307,11 +306,27 @@ void CCompilePipelineTest::TwoPanelsAtOnce()
     QString Longer = QString::fromLatin1(kFragment);
     Longer.replace(QStringLiteral("    gl_FragColor = c * 2.0;\n"),
                    QStringLiteral("\n\n    c = c * c + c;\n    gl_FragColor = c * 2.0;\n"));
-    pController->OnCompilePanel(Short, QString::fromLatin1(kFragment), DocType_GLSLESFragment, CompileInvocation_Background);
+    pController->OnCompilePanel(Short, QString::fromLatin1(kFragment), DocType_GLSLESFragment,
+                                CompileInvocation_Background);
     pController->OnCompilePanel(Long, Longer, DocType_GLSLESFragment, CompileInvocation_Background);
     QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 2, 60000);
     QCOMPARE(CountedLines(Delivery.CountsByPanel[Short.GetValue()]), (QList<int>{7, 8}));
     QCOMPARE(CountedLines(Delivery.CountsByPanel[Long.GetValue()]), (QList<int>{7, 10, 11}));
+}
+
+void CCompilePipelineTest::OpenCLKernel()
+{
+    if (!QFileInfo(Program("clcompiler_zc1")).isExecutable())
+        QSKIP("the OpenCL compiler is not part of this build");
+    SDelivery Delivery;
+    auto pController = MakeController(Delivery);
+    CompileAndWait(*pController, Delivery,
+                   QStringLiteral("__kernel void twice(__global const float* a, __global float* b)\n{\n"
+                                  "    int i = get_global_id(0);\n    b[i] = a[i] * 2.0f;\n}\n"),
+                   DocType_OpenCLKernel);
+    QCOMPARE(Delivery.LastLog, QStringLiteral("OpenCL Kernel: Compile succeeded.\n"));
+    QVERIFY(Delivery.Last.CompilerString.startsWith(QStringLiteral("OpenCL 1.2")));
+    QVERIFY(CountedLines(Delivery.Last.CycleCounts).contains(4));
 }
 
 void CCompilePipelineTest::CommandLineCompile_data()
@@ -320,13 +335,14 @@ void CCompilePipelineTest::CommandLineCompile_data()
     QTest::addColumn<int>("ExitCode");
     QTest::addColumn<QString>("Out");
 
-    QTest::newRow("good shader, other core") << QStringList{"good.fsh"} << 0
-                                             << "GLSL:ES Fragment Shader: Compile succeeded.\n";
+    QTest::newRow("good shader, other core")
+        << QStringList{"good.fsh"} << 0 << "GLSL:ES Fragment Shader: Compile succeeded.\n";
     QTest::newRow("good and broken") << QStringList{"good.fsh", "broken.fsh"} << 1
                                      << "GLSL:ES Fragment Shader: Compile succeeded.\n"
                                         "GLSL:ES Fragment Shader: Compile failed.\nERROR: 0:8:";
-    QTest::newRow("effect file") << QStringList{"scene.zfx"} << 0
-                                 << "SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\nTexturedFS: Compile succeeded.\n";
+    QTest::newRow("effect file")
+        << QStringList{"scene.zfx"} << 0
+        << "SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\nTexturedFS: Compile succeeded.\n";
     QTest::newRow("missing file") << QStringList{"good.fsh", "absent.fsh"} << 1
                                   << "GLSL:ES Fragment Shader: Compile succeeded.\n";
     QTest::newRow("no file") << QStringList{} << 1 << "";
@@ -343,13 +359,15 @@ void CCompilePipelineTest::CommandLineCompile()
         QSKIP("the editor executable is not part of this build");
     const QString Folder = m_Temp.filePath("cli");
     QDir().mkpath(Folder);
-    const auto Write = [&](const char* pName, const QByteArray& Text) {
+    const auto Write = [&](const char* pName, const QByteArray& Text)
+    {
         QFile File(Folder + "/" + pName);
         return File.open(QIODevice::WriteOnly) && File.write(Text) == Text.size();
     };
     QString Broken = QString::fromLatin1(kFragment);
     Broken.replace(QStringLiteral("c * 2.0"), QStringLiteral("c * missing"));
-    QVERIFY(Write("good.fsh", kFragment) && Write("broken.fsh", Broken.toUtf8()) && Write("scene.zfx", Effect("* 2.0").toUtf8()));
+    QVERIFY(Write("good.fsh", kFragment) && Write("broken.fsh", Broken.toUtf8()) &&
+            Write("scene.zfx", Effect("* 2.0").toUtf8()));
 
     // No display of any kind, and a configuration folder of its own to check for writes.
     const QString Config = m_Temp.filePath("cli-config");

@@ -25,22 +25,33 @@ class CRecorder : public QObject
     Q_OBJECT
 
 public:
-    explicit CRecorder(const SShaderEditControllerOptions& Options) : Controller(Options)
+    explicit CRecorder(const SShaderEditControllerOptions& Options)
+        : Controller(Options)
     {
         using C = CShaderEditController;
-        connect(&Controller, &C::CompileOutputChanged, this, [this](const QString& Text) { Names << "Output"; Log = Text; });
-        connect(&Controller, &C::CompileProfileChanged, this, [this](const SCompileResult& Result) {
-            Names << "Profile";
-            Last = Result;
-            ++iResults;
-        });
+        connect(&Controller, &C::CompileOutputChanged, this,
+                [this](const QString& Text)
+                {
+                    Names << "Output";
+                    Log = Text;
+                });
+        connect(&Controller, &C::CompileProfileChanged, this,
+                [this](const SCompileResult& Result)
+                {
+                    Names << "Profile";
+                    Last = Result;
+                    ++iResults;
+                });
         connect(&Controller, &C::CompileCycleCountChanged, this,
-                [this](const CZamTHash& PanelID, const CZamTArray<int>&) { Names << QStringLiteral("Counts(%1)").arg(PanelID.GetValue()); });
+                [this](const CZamTHash& PanelID, const CZamTArray<int>&)
+                { Names << QStringLiteral("Counts(%1)").arg(PanelID.GetValue()); });
         connect(&Controller, &C::CompilerSettingsChanged, this,
-                [this](const Settings::SCompiler&, unsigned int uiMask) { Names << QStringLiteral("CompilerSettings(%1)").arg(uiMask); });
+                [this](const Settings::SCompiler&, unsigned int uiMask)
+                { Names << QStringLiteral("CompilerSettings(%1)").arg(uiMask); });
         connect(&Controller, &C::EditorSettingsChanged, this, [this] { Names << "EditorSettings"; });
         connect(&Controller, &C::ClearCompileOutput, this, [this] { Names << "Clear"; });
-        connect(&Controller, &C::CompilerFlagsChanged, this, [this](unsigned int uiFlags) { Names << QStringLiteral("Flags(%1)").arg(uiFlags); });
+        connect(&Controller, &C::CompilerFlagsChanged, this,
+                [this](unsigned int uiFlags) { Names << QStringLiteral("Flags(%1)").arg(uiFlags); });
         connect(&Controller, &C::BeginCompiling, this, [this] { Names << "Begin"; });
         connect(&Controller, &C::EndCompiling, this, [this] { Names << "End"; });
     }
@@ -94,7 +105,6 @@ private slots:
     void DetectionTimesOutAndSelectionRerunsIt();
     void SelectionResolvesExecutable_data();
     void SelectionResolvesExecutable();
-    void SettingsStoreOnlyMaskedFields();
     void PanelSwitchAndEditorState();
 
 private:
@@ -133,16 +143,25 @@ std::unique_ptr<CRecorder> CShaderEditControllerTest::Make(const QString& Execut
 void CShaderEditControllerTest::InterfaceOrder()
 {
     const QMetaObject& Meta = CShaderEditController::staticMetaObject;
-    const QStringList Expected = {
-        "CompileOutputChanged(QString)", "CompileProfileChanged(SCompileResult)",
-        "CompileCycleCountChanged(CZamTHash,CZamTArray<int>)", "CompilerSettingsChanged(Settings::SCompiler,uint)",
-        "EditorSettingsChanged(Settings::SEditor)", "ClearCompileOutput()", "CompilerFlagsChanged(uint)",
-        "BeginCompiling()", "EndCompiling()", "SetCompilerSettings(Settings::SCompiler,uint)",
-        "SetEditorSettings(Settings::SEditor,uint)", "OnCompileFile(CZamTHash,CZamTString,CZamTString,EShaderDocType)",
-        "OnCompilePanel(CZamTHash,QString,EShaderDocType,ECompileInvocationType,uint)",
-        "OnCompilePanel(CZamTHash,QString,EShaderDocType,ECompileInvocationType)",
-        "OnPanelCompiled(CZamTHash,uint,SCompileResult)", "OnPanelCompileFinished(CZamTHash,uint)",
-        "OnCancelCompile(CZamTHash)", "OnPanelChanged(CZamTHash)", "OnEditorStateChanged(int)"};
+    const QStringList Expected = {"CompileOutputChanged(QString)",
+                                  "CompileProfileChanged(SCompileResult)",
+                                  "CompileCycleCountChanged(CZamTHash,CZamTArray<int>)",
+                                  "CompilerSettingsChanged(Settings::SCompiler,uint)",
+                                  "EditorSettingsChanged(Settings::SEditor)",
+                                  "ClearCompileOutput()",
+                                  "CompilerFlagsChanged(uint)",
+                                  "BeginCompiling()",
+                                  "EndCompiling()",
+                                  "SetCompilerSettings(Settings::SCompiler,uint)",
+                                  "SetEditorSettings(Settings::SEditor,uint)",
+                                  "OnCompileFile(CZamTHash,CZamTString,CZamTString,EShaderDocType)",
+                                  "OnCompilePanel(CZamTHash,QString,EShaderDocType,ECompileInvocationType,uint)",
+                                  "OnCompilePanel(CZamTHash,QString,EShaderDocType,ECompileInvocationType)",
+                                  "OnPanelCompiled(CZamTHash,uint,SCompileResult)",
+                                  "OnPanelCompileFinished(CZamTHash,uint)",
+                                  "OnCancelCompile(CZamTHash)",
+                                  "OnPanelChanged(CZamTHash)",
+                                  "OnEditorStateChanged(int)"};
     QStringList Found;
     for (int i = Meta.methodOffset(); i < Meta.methodCount(); ++i)
         Found << QString::fromLatin1(Meta.method(i).methodSignature());
@@ -159,7 +178,8 @@ void CShaderEditControllerTest::SignalsOfOneCompile_data()
     QTest::addColumn<QStringList>("Switches");
 
     // The fake lists every option, so a background compile adds profile, perfsim and disasm.
-    QTest::newRow("background") << int(CompileInvocation_Background) << QStringList{"-f", "-profile", "-perfsim", "-disasm"};
+    QTest::newRow("background") << int(CompileInvocation_Background)
+                                << QStringList{"-f", "-profile", "-perfsim", "-disasm"};
     QTest::newRow("manual") << int(CompileInvocation_Manual) << QStringList{"-f"};
 }
 
@@ -172,6 +192,8 @@ void CShaderEditControllerTest::SignalsOfOneCompile()
     QDir().mkpath(Records);
     CScopedEnv Record("ZAM_FAKE_RECORD_DIR", Records.toUtf8());
     CScopedEnv Output("ZAM_FAKE_OUTPUT", "WARNING: 0:2: w\r\nSuccess.\r\n");
+    CScopedEnv Profile("ZAM_FAKE_PROFILE", "line: 2, count: 6\n");
+    CScopedEnv Disassembly("ZAM_FAKE_DISASM", "mov\n");
     auto pRun = Make(Fake("print"));
     QCOMPARE(pRun->Controller.GetCompilerFlags(), CShaderEditController::BackgroundOptions);
 
@@ -179,13 +201,18 @@ void CShaderEditControllerTest::SignalsOfOneCompile()
                                     static_cast<ECompileInvocationType>(Invocation));
     QCOMPARE(pRun->Names, QStringList{"Begin"}); // the call does not wait for the compile
     QTRY_COMPARE_WITH_TIMEOUT(pRun->Names.size(), 5, 30000);
-    QCOMPARE(pRun->Names, (QStringList{"Begin", "Output", "Profile", QStringLiteral("Counts(%1)").arg(CZamTHash("p").GetValue()), "End"}));
+    QCOMPARE(pRun->Names, (QStringList{"Begin", "Output", "Profile",
+                                       QStringLiteral("Counts(%1)").arg(CZamTHash("p").GetValue()), "End"}));
     // Carriage returns are gone; the log is the unit's verdict and the compiler's messages.
     QCOMPARE(pRun->Log, QStringLiteral("GLSL:ES Fragment Shader: Compile succeeded.\nWARNING: 0:2: w\n"));
     QCOMPARE(pRun->Last.CompilerString, QStringLiteral("FAKE rev 1"));
     QCOMPARE(pRun->Last.VersionString, QStringLiteral("1.0.0@7"));
     QTRY_COMPARE(pRun->Controller.GetCompilesInFlight(), 0);
     QCOMPARE(ReadLines(Records + "/0.args").mid(3), Switches);
+    // The files are read only when asked for.
+    const bool bAsked = Switches.contains("-profile");
+    QCOMPARE(pRun->Last.CycleCounts.GetSize(), bAsked ? 2u : 0u);
+    QCOMPARE(QByteArray(pRun->Last.Disassembly.GetString()), bAsked ? QByteArray("mov\n") : QByteArray());
 }
 
 void CShaderEditControllerTest::Verdicts_data()
@@ -199,14 +226,16 @@ void CShaderEditControllerTest::Verdicts_data()
     const QString Unit = QStringLiteral("GLSL:ES Fragment Shader: ");
     QTest::newRow("failed") << Fake("print") << QByteArray("ERROR: 0:3: x\nnoise\nCompile failed.\n") << "" << 1
                             << Unit + UIString(UIS_CompileFailed) + "\nERROR: 0:3: x\n";
+    QTest::newRow("success without its line break") << Fake("print") << QByteArray("Success.") << "" << 1
+                                                    << Unit + UIString(UIS_CompilerCriticalError) + "\n";
     QTest::newRow("no verdict") << Fake("print") << QByteArray("ERROR: 0:3: x\n") << "" << 1
                                 << Unit + UIString(UIS_CompilerCriticalError) + "\n";
     QTest::newRow("missing executable") << m_Temp.filePath("no-such-compiler") << QByteArray() << "" << 3
                                         << UIString(UIS_FailedToExecuteCompiler) + "\n";
     QTest::newRow("crash") << Fake("crash") << QByteArray() << "" << 3 << UIString(UIS_FailedToExecuteCompiler) + "\n";
     // A folder below a plain file cannot be made, not even by root.
-    QTest::newRow("temporary folder unusable") << Fake("print") << QByteArray() << "/dev/null/sub/" << 3
-                                               << UIString(UIS_CouldNotCreateTempFile) + "\n";
+    QTest::newRow("temporary folder unusable")
+        << Fake("print") << QByteArray() << "/dev/null/sub/" << 3 << UIString(UIS_CouldNotCreateTempFile) + "\n";
 }
 
 void CShaderEditControllerTest::Verdicts()
@@ -240,7 +269,8 @@ void CShaderEditControllerTest::HostileProfiles_data()
     QTest::addColumn<bool>("Malformed");
 
     // Taken literally, a repeated line would make the scan restart at the same place forever.
-    QTest::newRow("line reported twice") << QByteArray("line: 1, count: 2\nline: 2, count: 2\nline: 1, count: 2\n") << true;
+    QTest::newRow("line reported twice") << QByteArray("line: 1, count: 2\nline: 2, count: 2\nline: 1, count: 2\n")
+                                         << true;
     QTest::newRow("huge line number") << QByteArray("line: 4000000000, count: 1\n") << true;
     QTest::newRow("line past the limit") << QByteArray("line: 2000000, count: 1\n") << true;
     QTest::newRow("binary junk") << QByteArray("\x01\xff\xfeline: x, count: \x80\n") << false;
@@ -279,7 +309,8 @@ void CShaderEditControllerTest::CompileToFileWithHostileName()
                                    CZamTString(Template.toUtf8().constData()), DocType_GLSLESFragment);
     QTRY_COMPARE_WITH_TIMEOUT(pRun->iResults, 1, 30000);
     QCOMPARE(pRun->Last.iStatus, 0);
-    QCOMPARE(ReadLines(Records + "/0.args"), (QStringList{Name, "x\"; touch pwned; \"", "out/x\"; touch pwned; \"", "-nowarn"}));
+    QCOMPARE(ReadLines(Records + "/0.args"),
+             (QStringList{Name, "x\"; touch pwned; \"", "out/x\"; touch pwned; \"", "-nowarn"}));
     QCOMPARE(ReadAll(Records + "/0.src"), QByteArray("void main(){}\n")); // run in the file's folder
     QVERIFY(!QFileInfo::exists(Folder + "/pwned") && !QFileInfo::exists("pwned"));
     QVERIFY(pRun->Log.startsWith(Name + ": "));
@@ -346,7 +377,8 @@ void CShaderEditControllerTest::FloodIsCutWithinMemoryCap()
 void CShaderEditControllerTest::ThousandCompileCancelCycles()
 {
     auto pRun = Make(Fake("hang"), 300);
-    const auto Cycle = [&] {
+    const auto Cycle = [&]
+    {
         pRun->Compile("p", QStringLiteral("x\n"));
         const bool bStarted = QTest::qWaitFor([] { return Children().iLiving == 1; }, 10000);
         pRun->Controller.OnCancelCompile(CZamTHash("p"));
@@ -403,7 +435,8 @@ void CShaderEditControllerTest::DetectionTimesOutAndSelectionRerunsIt()
     auto pRun = Make(Fake("print"));
     QCOMPARE(pRun->Controller.GetCompilerFlags(), CShaderEditController::BackgroundOptions);
     CScopedEnv Banner("ZAM_FAKE_BANNER", "Some compiler for X rev 1 Version 2.0\n");
-    pRun->Controller.SetCompilerSettings(pRun->Controller.GetCompilerSettings(), Settings::CompilerSetting_CompilerSelection);
+    pRun->Controller.SetCompilerSettings(pRun->Controller.GetCompilerSettings(),
+                                         Settings::CompilerSetting_CompilerSelection);
     QCOMPARE(pRun->Names, (QStringList{"Flags(0)", "CompilerSettings(128)"}));
     QCOMPARE(pRun->Controller.GetCompilerDetection().Compiler, QStringLiteral("X rev 1"));
 }
@@ -442,38 +475,6 @@ void CShaderEditControllerTest::SelectionResolvesExecutable()
     QCOMPARE(Found, Expected.isEmpty() ? QString() : Root + "/" + Expected);
 }
 
-void CShaderEditControllerTest::SettingsStoreOnlyMaskedFields()
-{
-    SShaderEditControllerOptions Options;
-    Options.CompilerSearchPaths = {m_Temp.filePath("none")};
-    {
-        CRecorder Run(Options);
-        Settings::SCompiler Compiler = Run.Controller.GetCompilerSettings();
-        Compiler.bAutoCompile = false;
-        Compiler.bShouldFormat = false; // not in the mask
-        Run.Controller.SetCompilerSettings(Compiler, Settings::CompilerSetting_AutoCompile);
-        Settings::SEditor Editor = Run.Controller.GetEditorSettings();
-        Editor.iTabSpaceSize = 8;
-        Editor.bTreatTabAsSpace = true; // not in the mask
-        Run.Controller.SetEditorSettings(Editor, Settings::EditorSetting_TabSpaceSize);
-        QCOMPARE(Run.Names, (QStringList{"CompilerSettings(1)", "EditorSettings"}));
-    }
-    // Written at once: a new controller starts from the stored values.
-    CRecorder Reloaded(Options);
-    QVERIFY(!Reloaded.Controller.GetCompilerSettings().bAutoCompile);
-    QVERIFY(Reloaded.Controller.GetCompilerSettings().bShouldFormat);
-    QCOMPARE(Reloaded.Controller.GetEditorSettings().iTabSpaceSize, 8);
-    QVERIFY(!Reloaded.Controller.GetEditorSettings().bTreatTabAsSpace);
-
-    // A read-only controller changes its records but never the file.
-    QVERIFY(QFile::remove(CZamPreferences(QStringLiteral("ZamShaderEditor")).GetFilePath()));
-    Options.bReadOnlySettings = true;
-    CRecorder ReadOnly(Options);
-    ReadOnly.Controller.SetEditorSettings(Reloaded.Controller.GetEditorSettings(), Settings::EditorSetting_All);
-    QCOMPARE(ReadOnly.Controller.GetEditorSettings().iTabSpaceSize, 8);
-    QVERIFY(!QFileInfo::exists(CZamPreferences(QStringLiteral("ZamShaderEditor")).GetFilePath()));
-}
-
 void CShaderEditControllerTest::PanelSwitchAndEditorState()
 {
     CScopedEnv Echo("ZAM_FAKE_ECHO", "1");
@@ -489,7 +490,8 @@ void CShaderEditControllerTest::PanelSwitchAndEditorState()
     pRun->Controller.OnPanelChanged(CZamTHash("never compiled"));
     pRun->Controller.OnEditorStateChanged(0);
     pRun->Controller.OnEditorStateChanged(1);
-    pRun->Controller.OnCompilePanel(CZamTHash("first"), QString(), DocType_GLSLESFragment, CompileInvocation_Background);
+    pRun->Controller.OnCompilePanel(CZamTHash("first"), QString(), DocType_GLSLESFragment,
+                                    CompileInvocation_Background);
     QCOMPARE(pRun->Names, (QStringList{"Output", "Profile", "Clear", "Clear"}));
     QCOMPARE(pRun->Controller.GetCompilesInFlight(), 0);
 }
