@@ -3,6 +3,7 @@
 #include "ZcCompilation.h"
 #include "ZcFiles.h"
 #include "ZcFrontEnd.h"
+#include "ZcSourceLimits.h"
 #include "ZcWriters.h"
 
 namespace ZamCompiler
@@ -40,14 +41,14 @@ ETxeStage GuessStage(const std::string& path, const std::string& source)
     return source.find("gl_Position") != std::string::npos ? Stage_Vertex : Stage_Fragment;
 }
 
+} // namespace
+
 int Fail(std::string& output, const std::string& message)
 {
     output += "ERROR: " + message + "\n";
     output += "Compile failed.\n";
     return 1;
 }
-
-} // namespace
 
 ECommandLine ParseCommandLine(const std::vector<std::string>& aArgs, SCommandLine& commandLine, std::string& error)
 {
@@ -107,18 +108,14 @@ ECommandLine ParseCommandLine(const std::vector<std::string>& aArgs, SCommandLin
     return CommandLine_Compile;
 }
 
-int RunGlslCompiler(const std::string& programPath, const std::vector<std::string>& aArgs, std::string& output)
+int ReadCompileRequest(const std::vector<std::string>& aArgs, const std::string& banner, SCommandLine& commandLine,
+                       std::string& source, std::string& output)
 {
-    ECore eCore = Core_ZC1;
-    CoreFromProgramName(programPath, eCore);
-    const SCoreModel& core = CoreModel(eCore);
-
-    SCommandLine commandLine;
     std::string error;
     switch (ParseCommandLine(aArgs, commandLine, error))
     {
     case CommandLine_Banner:
-        output += GlslBanner(core);
+        output += banner;
         return 0;
     case CommandLine_Invalid:
         output += "ERROR: " + error + "\n";
@@ -128,7 +125,6 @@ int RunGlslCompiler(const std::string& programPath, const std::vector<std::strin
     }
 
     const SSourceLimits& limits = DefaultSourceLimits();
-    std::string source;
     switch (ReadFileBounded(commandLine.input, limits.uiMaxBytes, source, error))
     {
     case Read_Failed:
@@ -138,6 +134,20 @@ int RunGlslCompiler(const std::string& programPath, const std::vector<std::strin
     case Read_Ok:
         break;
     }
+    return Request_Compile;
+}
+
+int RunGlslCompiler(const std::string& programPath, const std::vector<std::string>& aArgs, std::string& output)
+{
+    ECore eCore = Core_ZC1;
+    CoreFromProgramName(programPath, eCore);
+    const SCoreModel& core = CoreModel(eCore);
+
+    SCommandLine commandLine;
+    std::string source;
+    const int iStatus = ReadCompileRequest(aArgs, GlslBanner(core), commandLine, source, output);
+    if (iStatus != Request_Compile)
+        return iStatus;
 
     const ETxeStage eStage = commandLine.bVertex     ? Stage_Vertex
                              : commandLine.bFragment ? Stage_Fragment
@@ -162,6 +172,7 @@ int RunGlslCompiler(const std::string& programPath, const std::vector<std::strin
         return 1;
     }
 
+    std::string error;
     if (!WriteFile(commandLine.outputBase, EncodeProgram(compilation, core), error))
         return Fail(output, "cannot write '" + commandLine.outputBase + "': " + error);
     if (commandLine.bProfile && !WriteFile(commandLine.outputBase + ".prof", FormatProfile(compilation), error))

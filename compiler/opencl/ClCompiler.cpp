@@ -45,13 +45,6 @@ std::vector<std::string> SplitLines(const std::string& text)
     return aLines;
 }
 
-int Fail(std::string& output, const std::string& message)
-{
-    output += "ERROR: " + message + "\n";
-    output += "Compile failed.\n";
-    return 1;
-}
-
 std::string FindClang()
 {
     if (const char* pOverride = std::getenv("ZAM_CLANG"))
@@ -179,32 +172,13 @@ int RunClCompiler(const std::string& programPath, const std::vector<std::string>
     CoreFromProgramName(programPath, eCore);
 
     SCommandLine commandLine;
-    std::string error;
-    switch (ParseCommandLine(aArgs, commandLine, error))
-    {
-    case CommandLine_Banner:
-        output += ClBanner(CoreModel(eCore).pName);
-        return 0;
-    case CommandLine_Invalid:
-        output += "ERROR: " + error + "\n";
-        return 2;
-    case CommandLine_Compile:
-        break;
-    }
-
-    const SSourceLimits& limits = DefaultSourceLimits();
     std::string source;
-    switch (ReadFileBounded(commandLine.input, limits.uiMaxBytes, source, error))
-    {
-    case Read_Failed:
-        return Fail(output, "cannot read input file '" + commandLine.input + "': " + error);
-    case Read_TooLarge:
-        return Fail(output, "0:1: source is too large: the limit is " + std::to_string(limits.uiMaxBytes) + " bytes");
-    case Read_Ok:
-        break;
-    }
+    const int iStatus = ReadCompileRequest(aArgs, ClBanner(CoreModel(eCore).pName), commandLine, source, output);
+    if (iStatus != Request_Compile)
+        return iStatus;
+    std::string error;
     CDiagnosticList aLimits;
-    if (!CheckSourceText(source, limits, aLimits))
+    if (!CheckSourceText(source, DefaultSourceLimits(), aLimits))
         return Fail(output, FormatDiagnostic(aLimits.front()).substr(7));
 
     const std::string clang = FindClang();
