@@ -86,9 +86,8 @@ int CShaderEditor::GetTabCount() const
 
 CShaderEditPanel* CShaderEditor::GetPanel(int iIndex) const
 {
-    static const QString s_Name = QLatin1String(s_PanelObjectName);
     QWidget* pPage = m_pTabWidget->widget(iIndex);
-    return pPage ? pPage->findChild<CShaderEditPanel*>(s_Name, Qt::FindDirectChildrenOnly) : nullptr;
+    return pPage ? pPage->findChild<CShaderEditPanel*>(QLatin1String(s_PanelObjectName)) : nullptr;
 }
 
 CShaderEditPanel* CShaderEditor::GetCurrentPanel() const
@@ -401,9 +400,9 @@ void CShaderEditor::OnHighlightCursorMatches()
     // would, without taking each line out of the document.
     QTextCharFormat Format;
     Format.setBackground(m_EditorSettings.CursorMatchColour);
+    const QVector<STextRange> Matches = FindWholeWordMatches(pPanel->GetPlainText(), Text);
     pPanel->SetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches,
-                                   MakeHighlights(pPanel->document(), FindWholeWordMatches(pPanel->GetPlainText(), Text),
-                                                  Format));
+                                   MakeHighlights(pPanel->document(), Matches, Format));
 }
 
 void CShaderEditor::OnEditorSettingsChanged(const Settings::SEditor& Settings)

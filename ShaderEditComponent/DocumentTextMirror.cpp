@@ -50,7 +50,9 @@ void CDocumentTextMirror::Apply(int iPosition, int iCharsRemoved, int iCharsAdde
     }
     const int iRemoved = std::clamp(iCharsRemoved, 0, iOldLength - iPosition);
     const int iAdded = std::clamp(iCharsAdded, 0, iNewLength - iPosition);
-    if (iOldLength - iRemoved + iAdded != iNewLength)
+    // Taking a third of the text or more through a cursor costs more than rebuilding it
+    // whole, as after opening a file.
+    if (iOldLength - iRemoved + iAdded != iNewLength || iAdded > iNewLength / 3)
     {
         Reset(m_pDocument);
         return;

@@ -264,19 +264,17 @@ int main(int argc, char** argv)
 
     PlaceCursorOnWord(pPanel);
     const double dCursorMatchMs = ScenarioCursorMatch(&Fixture.Editor, pPanel);
-    std::printf("cursor match: %lld highlights in %.1f ms\n",
-                static_cast<long long>(pPanel->GetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches).size()),
-                dCursorMatchMs);
+    const auto& Matches = pPanel->GetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches);
+    std::printf("cursor match: %lld highlights in %.1f ms\n", static_cast<long long>(Matches.size()), dCursorMatchMs);
 
     const double dQuickFindMs = ScenarioQuickFind(pFindText, pPanel);
     std::printf("quick find: \"%s\" in %.1f ms\n", qPrintable(pMatches->text()), dQuickFindMs);
 
     // Not part of the summary: what thousands of highlights cost while working on.
     const auto [Pages, Highlighted] = ScenarioAmongHighlights(pPanel, 20, 100);
+    const auto& Found = pPanel->GetHighlightSelections(CShaderEditPanel::Highlight_FindResults);
     std::printf("page down with %lld highlights: median %.2f ms, max %.2f ms\n",
-                static_cast<long long>(pPanel->GetHighlightSelections(CShaderEditPanel::Highlight_FindResults).size()
-                                       + pPanel->GetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches).size()),
-                Percentile(Pages, 0.5), Percentile(Pages, 1.0));
+                static_cast<long long>(Found.size() + Matches.size()), Percentile(Pages, 0.5), Percentile(Pages, 1.0));
     std::printf("typing among the highlights: median %.2f ms, p99 %.2f ms\n", Percentile(Highlighted, 0.5),
                 Percentile(Highlighted, 0.99));
 

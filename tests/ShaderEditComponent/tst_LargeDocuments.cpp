@@ -1,6 +1,4 @@
-// What keeps editing fast on large documents must not change what the user sees: the text a
-// compile request carries, the lines repainted after a change, the highlights shown while
-// scrolling and editing, and which cursor moves count as cursor moves.
+// What keeps large documents fast must not change what the user sees or the compiler gets.
 
 #include "CShaderEditPanel.h"
 #include "CShaderEditor.h"
@@ -21,7 +19,6 @@
 
 namespace
 {
-// Collects the region painted on a widget.
 class CPaintRecorder : public QObject
 {
 public:
@@ -44,21 +41,17 @@ QString Lines(int iCount, const QString& Line)
     return Text.join(QLatin1Char('\n'));
 }
 
-// Every occurrence of Word in the document, as one highlight each.
-QList<QTextEdit::ExtraSelection> HighlightsOf(QTextDocument* pDocument, const QString& Word, const QColor& Colour)
+QList<QTextEdit::ExtraSelection> HighlightsOf(QTextDocument* pDocument, const QString& Text, const QColor& Colour)
 {
     QList<QTextEdit::ExtraSelection> Highlights;
     QTextEdit::ExtraSelection Highlight;
     Highlight.format.setBackground(Colour);
-    for (QTextCursor Found = pDocument->find(Word); !Found.isNull(); Found = pDocument->find(Word, Found))
-    {
-        Highlight.cursor = Found;
+    for (Highlight.cursor = pDocument->find(Text); !Highlight.cursor.isNull();
+         Highlight.cursor = pDocument->find(Text, Highlight.cursor))
         Highlights << Highlight;
-    }
     return Highlights;
 }
 
-// Whether every line in view carries one of the panel's extra selections.
 bool VisibleLinesHighlighted(CShaderEditPanel* pPanel)
 {
     QSet<int> Highlighted;
@@ -72,6 +65,14 @@ bool VisibleLinesHighlighted(CShaderEditPanel* pPanel)
     }
     return true;
 }
+
+QList<QPair<int, int>> Ranges(const QList<QTextEdit::ExtraSelection>& Highlights)
+{
+    QList<QPair<int, int>> Result;
+    for (const QTextEdit::ExtraSelection& Highlight : Highlights)
+        Result << qMakePair(Highlight.cursor.selectionStart(), Highlight.cursor.selectionEnd());
+    return Result;
+}
 } // namespace
 
 class CLargeDocumentTest : public QObject
@@ -81,15 +82,16 @@ class CLargeDocumentTest : public QObject
 private slots:
     void initTestCase();
 
+    // The text compile requests and cursor matching work on
     void CompileRequestsCarryTheWholeText();
     void PlainTextSurvivesUnreportedEdits();
+    // Repaints and highlights
     void ChangeRepaintsTheLinesItAffects_data();
     void ChangeRepaintsTheLinesItAffects();
-
     void HighlightsFollowTheViewport();
+    // Cursor matching
     void CursorMatchesAreTheDocumentSearchsMatches_data();
     void CursorMatchesAreTheDocumentSearchsMatches();
-    void MovedHighlightsAreNoCursorMoves();
 
 private:
     std::unique_ptr<CShaderEditPanel> MakePanel(const QString& Text);
@@ -118,8 +120,7 @@ void CLargeDocumentTest::CompileRequestsCarryTheWholeText()
 {
     auto pPanel = MakePanel(QStringLiteral("void main()\n{\n\tfloat a = 1.0;\n\tgl_FragColor = vec4(a);\n}\n"));
     CShaderEditPanel* p = pPanel.get();
-    // What each request carried, and the document's text at that moment.
-    QList<QPair<QString, QString>> Requests;
+    QList<QPair<QString, QString>> Requests; // what each carried, and the text at that moment
     connect(p, &CShaderEditPanel::RecompileContents, this,
             [&Requests, p](const CZamTHash&, const QString& Text) { Requests << qMakePair(Text, p->toPlainText()); });
     auto Select = [p](int iAnchor, int iPosition) {
@@ -131,19 +132,12 @@ void CLargeDocumentTest::CompileRequestsCarryTheWholeText()
     const QList<QPair<const char*, std::function<void()>>> Steps = {
         {"typing", [&] { Select(25, 25); QTest::keyClicks(p, QStringLiteral("xyz")); }},
         {"return copying the indentation", [&] { QTest::keyClick(p, Qt::Key_Return); }},
-        {"typing after it", [&] { QTest::keyClicks(p, QStringLiteral("b;")); }},
         {"backspace joining two lines", [&] { Select(12, 12); QTest::keyClick(p, Qt::Key_Backspace); }},
-        {"pasting several lines", [&] { p->insertPlainText(QStringLiteral("one\n  two\nthree")); }},
-        {"typing over a selection across lines", [&] { Select(5, 40); QTest::keyClick(p, Qt::Key_Q); }},
+        {"typing over lines", [&] { Select(5, 40); QTest::keyClicks(p, QStringLiteral("one\ttwo")); }},
         {"commenting lines", [&] { Select(0, 20); p->CommentSelection(); }},
-        {"indenting lines", [&] { Select(0, 30); p->AddIndentToSelection(); }},
-        {"separators a document stores differently",
-         [&] { p->insertPlainText(QString(QChar::Nbsp) + QChar::LineSeparator + QStringLiteral("x")); }},
-        {"undo", [&] { p->Undo(); p->Undo(); }},
-        {"redo", [&] { p->Redo(); }},
-        {"new contents", [&] { p->SetContents(QStringLiteral("fresh\n\ttext"), false); }},
-        {"deleting the last character", [&] { p->moveCursor(QTextCursor::End); QTest::keyClick(p, Qt::Key_Backspace); }},
-        {"deleting everything", [&] { p->selectAll(); QTest::keyClick(p, Qt::Key_Delete); }},
+        {"stored separators", [&] { p->insertPlainText(QString(QChar::Nbsp) + QChar::LineSeparator + 'x'); }},
+        {"undo and redo", [&] { p->Undo(); p->Undo(); p->Redo(); }},
+        {"the last character", [&] { p->moveCursor(QTextCursor::End); QTest::keyClick(p, Qt::Key_Backspace); }},
     };
     for (const auto& [pStep, Edit] : Steps)
     {
@@ -152,8 +146,7 @@ void CLargeDocumentTest::CompileRequestsCarryTheWholeText()
         QVERIFY2(!Requests.isEmpty(), pStep);
         for (const auto& [Carried, Actual] : Requests)
             QVERIFY2(Carried == Actual, pStep);
-        // Cursor matching searches this text at any time.
-        QVERIFY2(p->GetPlainText() == p->toPlainText(), pStep);
+        QVERIFY2(p->GetPlainText() == p->toPlainText(), pStep); // cursor matching searches it any time
     }
 }
 
@@ -162,6 +155,7 @@ void CLargeDocumentTest::PlainTextSurvivesUnreportedEdits()
     // A document never reports an edit made while it reports another one.
     QTextDocument Document;
     Document.setDocumentLayout(new QPlainTextDocumentLayout(&Document)); // no reports without one
+    Document.setPlainText(Lines(20, QStringLiteral("line %1")));
     CDocumentTextMirror Mirror;
     Mirror.Reset(&Document);
     bool bNested = false;
@@ -170,9 +164,11 @@ void CLargeDocumentTest::PlainTextSurvivesUnreportedEdits()
             QTextCursor(&Document).insertText(QStringLiteral("nested "));
         Mirror.Apply(iPosition, iRemoved, iAdded);
     });
-    QTextCursor(&Document).insertText(QStringLiteral("first"));
-    QTextCursor(&Document).insertText(QStringLiteral("last "));
-    QCOMPARE(Mirror.GetText(), QStringLiteral("last nested first"));
+    QTextCursor Cursor(&Document);
+    Cursor.movePosition(QTextCursor::End);
+    Cursor.insertText(QStringLiteral(" last"));
+    QCOMPARE(Mirror.GetText(), Document.toPlainText());
+    QVERIFY(Mirror.GetText().startsWith(QLatin1String("nested line 0")));
 }
 
 void CLargeDocumentTest::ChangeRepaintsTheLinesItAffects_data()
@@ -189,9 +185,8 @@ void CLargeDocumentTest::ChangeRepaintsTheLinesItAffects()
     QFETCH(QString, Typed);
     QFETCH(bool, LinesBelowChange);
     auto pPanel = MakePanel(Lines(300, QStringLiteral("    float f%1 = 1.0;")));
-    QTextCursor Cursor(pPanel->document()->findBlockByNumber(5));
-    pPanel->setTextCursor(Cursor);
-    QTest::keyClicks(pPanel.get(), Typed.left(Typed.size() - 1));
+    pPanel->setTextCursor(QTextCursor(pPanel->document()->findBlockByNumber(5)));
+    QTest::keyClicks(pPanel.get(), Typed.chopped(1));
     QTest::qWait(0);
 
     CPaintRecorder Viewport(pPanel->viewport());
@@ -203,34 +198,26 @@ void CLargeDocumentTest::ChangeRepaintsTheLinesItAffects()
         QVERIFY(Painted.bottom() >= pPanel->viewport()->height() - iLine);
     else
         QVERIFY2(Painted.height() <= 2 * iLine, qPrintable(QString::number(Painted.height())));
-
-    // Whatever was repainted, the comment colours the lines below it.
-    const QTextBlock Below = pPanel->document()->findBlockByNumber(8);
-    const bool bCommented = !Below.layout()->formats().isEmpty()
-        && Below.layout()->formats().constFirst().format == m_pHighlight->GetFormat(HighlightElement_GLSLESComment);
+    const QList<QTextLayout::FormatRange> Below = pPanel->document()->findBlockByNumber(8).layout()->formats();
+    const bool bCommented =
+        !Below.isEmpty() && Below.constFirst().format == m_pHighlight->GetFormat(HighlightElement_GLSLESComment);
     QCOMPARE(bCommented, Typed == QStringLiteral("/*"));
 }
 
 void CLargeDocumentTest::HighlightsFollowTheViewport()
 {
     auto pPanel = MakePanel(Lines(3000, QStringLiteral("line %1 word")));
-    const QList<QTextEdit::ExtraSelection> Found = HighlightsOf(pPanel->document(), QStringLiteral("word"), Qt::yellow);
-    pPanel->SetHighlightSelections(CShaderEditPanel::Highlight_FindResults, Found);
+    pPanel->SetHighlightSelections(CShaderEditPanel::Highlight_FindResults,
+                                   HighlightsOf(pPanel->document(), QStringLiteral("word"), Qt::yellow));
     pPanel->SetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches,
                                    HighlightsOf(pPanel->document(), QStringLiteral("line 1"), Qt::cyan));
-
     QCOMPARE(pPanel->GetHighlightSelections(CShaderEditPanel::Highlight_FindResults).size(), 3000);
     QCOMPARE(pPanel->GetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches).size(), 1111);
     QVERIFY(pPanel->extraSelections().size() < 500);
     QVERIFY(VisibleLinesHighlighted(pPanel.get()));
-    // Find results first, then cursor matches, as the text edit paints them in that order.
-    bool bMatchSeen = false;
-    for (const QTextEdit::ExtraSelection& Highlight : pPanel->extraSelections())
-    {
-        const bool bMatch = Highlight.format.background().color() == Qt::cyan;
-        QVERIFY(bMatch || !bMatchSeen);
-        bMatchSeen = bMatchSeen || bMatch;
-    }
+    // Painted in this order: find results, then cursor matches.
+    QCOMPARE(pPanel->extraSelections().constFirst().format.background().color(), QColor(Qt::yellow));
+    QCOMPARE(pPanel->extraSelections().constLast().format.background().color(), QColor(Qt::cyan));
 
     for (int iValue : {pPanel->verticalScrollBar()->maximum(), 1500, 1490, 0})
     {
@@ -240,21 +227,16 @@ void CLargeDocumentTest::HighlightsFollowTheViewport()
     pPanel->resize(600, 1600);
     QTRY_VERIFY(VisibleLinesHighlighted(pPanel.get()));
 
-    // Highlights stay on their text through edits before them, and a large edit brings lines
+    // Highlights stay on their text through edits before them; a large edit brings lines
     // into view whose highlights were far away.
     pPanel->moveCursor(QTextCursor::Start);
     QTest::keyClicks(pPanel.get(), QStringLiteral("new "));
-    QTest::qWait(0);
     for (const QTextEdit::ExtraSelection& Highlight : pPanel->extraSelections())
-    {
-        const bool bMatch = Highlight.format.background().color() == Qt::cyan;
-        QCOMPARE(Highlight.cursor.selectedText(), bMatch ? QStringLiteral("line 1") : QStringLiteral("word"));
-    }
+        QVERIFY(QStringList({"word", "line 1"}).contains(Highlight.cursor.selectedText()));
     QTextCursor Cut(pPanel->document()->findBlockByNumber(100));
     Cut.setPosition(0, QTextCursor::KeepAnchor);
     Cut.removeSelectedText();
     QTRY_VERIFY(VisibleLinesHighlighted(pPanel.get()));
-    QVERIFY(pPanel->extraSelections().size() < 500);
 
     pPanel->SetHighlightSelections(CShaderEditPanel::Highlight_FindResults, {});
     pPanel->SetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches, {});
@@ -265,12 +247,11 @@ void CLargeDocumentTest::CursorMatchesAreTheDocumentSearchsMatches_data()
 {
     QTest::addColumn<QString>("Line");
     QTest::addColumn<QString>("Word");
-    // Word characters for the document's whole-word search are letters and digits: an
-    // underscore next to the word still leaves it whole.
+    // Only letters and digits make a neighbour part of the word, not an underscore.
     QTest::newRow("identifier") << QStringLiteral("shade shade1 my_shade Shade shadeshade (shade) shade_x;")
                                 << QStringLiteral("shade");
-    QTest::newRow("with underscores") << QStringLiteral("gl_Position = gl_Position2 + xgl_Position * gl_Position_;")
-                                      << QStringLiteral("gl_Position");
+    QTest::newRow("underscores") << QStringLiteral("gl_Position = gl_Position2 + xgl_Position * gl_Position_;")
+                                 << QStringLiteral("gl_Position");
     // After a part-word hit the search goes on behind it, not inside it.
     QTest::newRow("overlapping a part-word hit") << QStringLiteral("a_a xa_a_a") << QStringLiteral("a_a");
     QTest::newRow("right behind a part-word hit") << QStringLiteral("a_ xa_a_ end") << QStringLiteral("a_");
@@ -285,40 +266,24 @@ void CLargeDocumentTest::CursorMatchesAreTheDocumentSearchsMatches()
     Editor.OnNewFile(DocType_GLSLESFragment);
     CShaderEditPanel* pPanel = Editor.GetCurrentPanel();
     pPanel->SetContents(Lines(2000, Line), false);
-    QTextCursor OnWord = pPanel->document()->find(Word, 0, QTextDocument::FindCaseSensitively | QTextDocument::FindWholeWords);
-    OnWord.setPosition(OnWord.selectionStart() + 1);
-    pPanel->setTextCursor(OnWord);
+    pPanel->moveCursor(QTextCursor::Right);
 
-    QList<QPair<int, int>> Expected;
+    QList<QTextEdit::ExtraSelection> Expected;
     const QTextDocument::FindFlags eFlags = QTextDocument::FindCaseSensitively | QTextDocument::FindWholeWords;
     for (QTextCursor Found = pPanel->document()->find(Word, 0, eFlags); !Found.isNull();
          Found = pPanel->document()->find(Word, Found, eFlags))
-        Expected << qMakePair(Found.selectionStart(), Found.selectionEnd());
-    QList<QPair<int, int>> Matches;
+        Expected << QTextEdit::ExtraSelection{Found, {}};
     QTRY_VERIFY(!pPanel->GetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches).isEmpty());
-    for (const QTextEdit::ExtraSelection& Match : pPanel->GetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches))
-        Matches << qMakePair(Match.cursor.selectionStart(), Match.cursor.selectionEnd());
-    QCOMPARE(Matches, Expected);
+    QCOMPARE(Ranges(pPanel->GetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches)), Ranges(Expected));
     // Highlighting changes nothing in the document, not even its undo history.
     QVERIFY(!pPanel->IsModified());
     QVERIFY(!pPanel->document()->isUndoAvailable());
-}
-
-void CLargeDocumentTest::MovedHighlightsAreNoCursorMoves()
-{
-    CShaderEditor Editor(m_pHighlight.get());
-    Editor.OnNewFile(DocType_GLSLESFragment);
-    CShaderEditPanel* pPanel = Editor.GetCurrentPanel();
-    pPanel->SetContents(Lines(3000, QStringLiteral("vec3 v%1;")), false);
-    pPanel->moveCursor(QTextCursor::Right);
-    QTRY_COMPARE(pPanel->GetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches).size(), 3000);
 
     // Typing before them moves every highlight; the status bar hears of the caret only.
     QSignalSpy Lines(&Editor, &CShaderEditor::LineChanged);
     QSignalSpy Columns(&Editor, &CShaderEditor::ColChanged);
-    QTest::keyClick(pPanel, Qt::Key_X);
-    QVERIFY(!Lines.isEmpty());
-    QVERIFY2(Lines.size() <= 2, qPrintable(QString::number(Lines.size())));
+    QTest::keyClick(pPanel, Qt::Key_Z);
+    QVERIFY2(!Lines.isEmpty() && Lines.size() <= 2, qPrintable(QString::number(Lines.size())));
     QCOMPARE(Columns.last().at(0).toInt(), 3);
 }
 
