@@ -57,6 +57,8 @@ CEditorWindow::CEditorWindow(QWidget* pParent)
     pFindDock->setTitleBarWidget(new QWidget(pFindDock));
     pFindDock->setWidget(m_pFindReplace);
     addDockWidget(Qt::BottomDockWidgetArea, pFindDock);
+    // The bar appears on Find or Replace; it is not in the way before.
+    pFindDock->hide();
     m_pFindReplace->SetDelegate(m_pEditor);
     BuildMenus();
     BuildStatusBar();
