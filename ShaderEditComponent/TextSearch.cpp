@@ -145,8 +145,9 @@ bool CTextSearch::MatchInLine(const QString& Line, int iOffset, STextRange* pMat
 
         if ((m_uiFlags & FindFlag_WholeWords) && !IsWholeWord(Line, iStart, iStart + iLength))
         {
-            // Where the document's own search resumes after a part-word hit.
-            iOffset = bRegExp ? iStart + iLength + 1 : iStart + 1;
+            // Where the document's own search resumes after a part-word hit, so the count
+            // agrees with find next and previous.
+            iOffset = iStart + iLength + 1;
             continue;
         }
         pMatch->iStart = iStart;

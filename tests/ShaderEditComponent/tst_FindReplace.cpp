@@ -132,13 +132,14 @@ void CFindReplaceTest::CountAgreesWithStepping_data()
     QTest::newRow("pattern, any case") << "vec\\d" << uint(FindFlag_RegExp);
     QTest::newRow("pattern, whole word") << "a\\w" << uint(FindFlag_RegExp | FindFlag_WholeWords);
     QTest::newRow("empty at a line end") << "b*$" << uint(FindFlag_RegExp);
+    QTest::newRow("whole word after a part-word hit") << "a_a" << uint(FindFlag_Textual | FindFlag_WholeWords);
 }
 
 void CFindReplaceTest::CountAgreesWithStepping()
 {
     QFETCH(QString, Text);
     QFETCH(uint, Flags);
-    QTextDocument Document(QString::fromLatin1(s_Shader) + QStringLiteral("a\u00a0b aaaa ab-ab _ab ab9 \u00e9ab"));
+    QTextDocument Document(QString::fromLatin1(s_Shader) + QStringLiteral("a\u00a0b aaaa ab-ab _ab ab9 \u00e9ab xa_a_a a_a"));
     const CTextSearch Search(Text, Flags);
 
     QVector<STextRange> Stepped;
