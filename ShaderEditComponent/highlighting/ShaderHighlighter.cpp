@@ -21,6 +21,8 @@ int CShaderHighlighter::PreviousState() const
 void CShaderHighlighter::highlightBlock(const QString& Text)
 {
     emit RequestDocumentType(this);
+    // Only effect lines carry a background; a line that stopped being one loses it.
+    setCurrentBlockUserData(nullptr);
     const unsigned int uiType = m_eType;
     if (uiType == DocType_PlainText)
         return;
@@ -67,7 +69,6 @@ void CShaderHighlighter::HighlightCode(const QString& Text, unsigned int uiMask)
 
 void CShaderHighlighter::HighlightEffect(const QString& Text)
 {
-    setCurrentBlockUserData(nullptr);
     const int iFirstElement = m_Engine.Apply(Text, HighlightMask_Effect, m_Elements);
     if (iFirstElement >= 0)
         setCurrentBlockUserData(new CTextBlockZFXData(m_pController->GetFormat(unsigned(iFirstElement))));

@@ -120,6 +120,7 @@ void CReferenceShaderHighlighter::Effect(const QString& Text)
 
 void CReferenceShaderHighlighter::highlightBlock(const QString& Text)
 {
+    setCurrentBlockUserData(nullptr);
     if (m_uiType == 0)
         return;
     if (m_uiType & HighlightMask_Code)

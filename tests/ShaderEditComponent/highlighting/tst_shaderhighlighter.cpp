@@ -208,6 +208,21 @@ void CShaderHighlighterTest::typeIsRequestedAtEveryBlock()
     const QVector<SBlockCapture> Blocks = CaptureBlocks(Document, m_Scheme);
     QCOMPARE(SpanElement(Blocks[0], 0, 6), int(HighlightElement_OpenCLKeyword));
     QCOMPARE(SpanElement(Blocks[1], 0, 4), int(HighlightElement_OpenCLCode));
+
+    // An effect document retyped as code or plain text keeps no effect backgrounds.
+    const QString Effect = ReadCorpusFile(QStringLiteral("textured_effect.zfx"));
+    for (unsigned int uiType : {unsigned(DocType_GLSLESFragment), unsigned(DocType_PlainText)})
+    {
+        QTextDocument EffectDocument(Effect);
+        CShaderHighlighter EffectHighlighter(&EffectDocument, DocType_ZFXGLSLES, m_Scheme.GetController());
+        EffectHighlighter.rehighlight();
+        const QVector<SBlockCapture> Before = CaptureBlocks(EffectDocument, m_Scheme);
+        QVERIFY(std::any_of(Before.begin(), Before.end(), [](const SBlockCapture& Block) { return Block.iEffectDataElement >= 0; }));
+        EffectHighlighter.SetDocumentType(EShaderDocType(uiType));
+        EffectHighlighter.rehighlight();
+        for (const SBlockCapture& Block : CaptureBlocks(EffectDocument, m_Scheme))
+            QCOMPARE(Block.iEffectDataElement, -1);
+    }
 }
 
 void CShaderHighlighterTest::badInputFinishes_data()
