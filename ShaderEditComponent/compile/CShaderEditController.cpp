@@ -84,13 +84,19 @@ int CShaderEditController::GetCompilesInFlight() const
 
 void CShaderEditController::LoadSettings(qint64 iCompilerSelection)
 {
-    const QString Scope = QString::fromLatin1(s_pApplicationScope);
-    m_pPrefs = m_Options.bReadOnlySettings ? MakeReadOnlyPreferences(Scope) : std::make_unique<CZamPreferences>(Scope);
-    // A read-only run with no preference file simply uses the defaults.
-    const bool bTry = !m_Options.bReadOnlySettings || QFile::exists(m_pPrefs->GetFilePath());
-    QString Error;
-    if (bTry && !m_pPrefs->Load(nullptr, &Error))
-        qDebug("Failed to load Preference file: %s", qPrintable(Error));
+    m_pPrefs = m_Options.pPreferences;
+    if (!m_pPrefs)
+    {
+        const QString Scope = QString::fromLatin1(s_pApplicationScope);
+        m_pOwnedPrefs =
+            m_Options.bReadOnlySettings ? MakeReadOnlyPreferences(Scope) : std::make_unique<CZamPreferences>(Scope);
+        m_pPrefs = m_pOwnedPrefs.get();
+        // A read-only run with no preference file simply uses the defaults.
+        const bool bTry = !m_Options.bReadOnlySettings || QFile::exists(m_pPrefs->GetFilePath());
+        QString Error;
+        if (bTry && !m_pPrefs->Load(nullptr, &Error))
+            qDebug("Failed to load Preference file: %s", qPrintable(Error));
+    }
     Settings::LoadCompilerSettings(*m_pPrefs, m_Compiler);
     Settings::LoadEditorSettings(*m_pPrefs, m_Editor);
     if (iCompilerSelection >= 0)

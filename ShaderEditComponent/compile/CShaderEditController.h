@@ -27,7 +27,11 @@ struct SShaderEditControllerOptions
 {
     // Folders searched for the bundled compilers; empty: DefaultCompilerSearchPaths().
     QStringList CompilerSearchPaths;
-    // Read the user's preference file but never write it (the command-line compile).
+    // The process's preference store, loaded by its owner and kept alive longer than the
+    // controller. Null: the controller opens the user's file itself.
+    CZamPreferences* pPreferences = nullptr;
+    // With no store given: read the user's preference file but never write it (the
+    // command-line compile).
     bool bReadOnlySettings = false;
     // Replaces the stored compiler selection for this controller only; -1 keeps it.
     qint64 iCompilerSelection = -1;
@@ -108,7 +112,8 @@ private:
 
     const SShaderEditControllerOptions m_Options;
     QStringList m_SearchPaths;
-    std::unique_ptr<CZamPreferences> m_pPrefs;
+    std::unique_ptr<CZamPreferences> m_pOwnedPrefs;
+    CZamPreferences* m_pPrefs = nullptr;
     Settings::SEditor m_Editor;
     Settings::SCompiler m_Compiler;
     CZamTArray<SFileFormatSpecifier> m_FileFormats;
