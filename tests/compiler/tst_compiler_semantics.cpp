@@ -1,7 +1,8 @@
-// The lowered TXE program must compute what the GLSL says: a small interpreter
-// runs it with known uniforms and the outputs are compared with hand-worked values.
+// The lowered TXE program must compute what the GLSL says: the interpreter runs it
+// with known uniforms and the outputs are compared with hand-worked values.
 // Texture samples return (coordinate.x, coordinate.y, texture unit, 1).
 
+#include "TxeMachine.h"
 #include "ZcCompilation.h"
 #include "ZcFrontEnd.h"
 
@@ -9,254 +10,23 @@
 
 #include <array>
 #include <cmath>
-#include <map>
 #include <memory>
 
 using namespace ZamCompiler;
+using namespace ZamCompilerTest;
 
 namespace
 {
 
-using SLanes = std::array<float, 4>;
-
-class CMachine
+// Samples echo what reached the sampler, so a test sees coordinates and units.
+class CEchoSampler : public ITxeSampler
 {
 public:
-    explicit CMachine(const STxeProgram& program) : m_program(program)
+    SLanes Sample(const STxeSample& sample) override
     {
-        for (const STxeBinding& binding : program.aBindings)
-        {
-            for (std::size_t i = 0; i + 3 < binding.aValues.size(); i += 4)
-                Register(binding.eFile, binding.iBase + static_cast<int>(i / 4)) = {
-                    binding.aValues[i], binding.aValues[i + 1], binding.aValues[i + 2], binding.aValues[i + 3]};
-        }
+        return {sample.coordinate[0], sample.coordinate[1], static_cast<float>(sample.iUnit), 1.0f};
     }
-
-    bool SetUniform(const std::string& name, const std::vector<SLanes>& aSlots)
-    {
-        for (const STxeBinding& binding : m_program.aBindings)
-        {
-            if (binding.name != name)
-                continue;
-            for (std::size_t i = 0; i < aSlots.size(); ++i)
-                Register(binding.eFile, binding.iBase + static_cast<int>(i)) = aSlots[i];
-            return true;
-        }
-        return true; // a uniform the shader never reads has no binding
-    }
-
-    SLanes Output(int iSlot) { return Register(File_Output, iSlot); }
-    bool Discarded() const { return m_bDiscarded; }
-
-    // False when the program runs away or its structure is broken.
-    bool Run()
-    {
-        if (!Match())
-            return false;
-        std::vector<std::pair<std::size_t, int>> aLoops; // (loop index, iteration)
-        std::size_t pc = 0;
-        const std::size_t uiCount = m_program.aInstructions.size();
-        for (int iSteps = 0; pc < uiCount; ++iSteps)
-        {
-            if (iSteps > 1000000)
-                return false;
-            const STxeInstruction& instr = m_program.aInstructions[pc];
-            switch (instr.eOp)
-            {
-            case Op_If:
-                pc = Fetch(instr.aSrc[0])[0] != 0.0f ? pc + 1 : m_aJump[pc] + 1;
-                break;
-            case Op_Else:
-                pc = m_aJump[pc] + 1;
-                break;
-            case Op_Loop:
-                if (instr.trips.bKnown && instr.trips.iWorst <= 0)
-                {
-                    pc = m_aJump[pc] + 1;
-                    break;
-                }
-                aLoops.emplace_back(pc, 1);
-                ++pc;
-                break;
-            case Op_Endloop:
-            case Op_Cont:
-            {
-                if (aLoops.empty())
-                    return false;
-                const STxeInstruction& loop = m_program.aInstructions[aLoops.back().first];
-                if (loop.trips.bKnown && ++aLoops.back().second > loop.trips.iWorst)
-                {
-                    pc = m_aJump[aLoops.back().first] + 1;
-                    aLoops.pop_back();
-                }
-                else
-                {
-                    pc = aLoops.back().first + 1;
-                }
-                break;
-            }
-            case Op_Brkz:
-            case Op_Brk:
-                if (instr.eOp == Op_Brkz && Fetch(instr.aSrc[0])[0] != 0.0f)
-                {
-                    ++pc;
-                    break;
-                }
-                if (aLoops.empty())
-                    return false;
-                pc = m_aJump[aLoops.back().first] + 1;
-                aLoops.pop_back();
-                break;
-            case Op_Kil:
-                m_bDiscarded = true;
-                return true;
-            case Op_Ret:
-                return true;
-            default:
-                Execute(instr);
-                ++pc;
-                break;
-            }
-        }
-        return true;
-    }
-
-private:
-    SLanes& Register(ETxeFile eFile, int iIndex) { return m_mapRegisters[{eFile, iIndex}]; }
-
-    int Address(const STxeOperand& op)
-    {
-        int iIndex = op.iIndex;
-        if (op.iRelative >= 0)
-            iIndex += static_cast<int>(std::lround(Register(File_Temp, op.iRelative)[op.iRelativeLane & 3]));
-        return iIndex;
-    }
-
-    SLanes Fetch(const STxeOperand& op)
-    {
-        SLanes base = {0, 0, 0, 0};
-        if (op.eFile == File_Immediate)
-        {
-            for (int i = 0; i < 4; ++i)
-                base[i] = m_program.aPool[static_cast<std::size_t>(op.iIndex) * 4 + i];
-        }
-        else if (op.eFile == File_Sampler)
-        {
-            base = {static_cast<float>(op.iIndex), 0, 0, 0};
-        }
-        else
-        {
-            base = Register(op.eFile, Address(op));
-        }
-        SLanes lanes;
-        for (int i = 0; i < 4; ++i)
-        {
-            float fValue = base[op.auiSwizzle[std::min(i, std::max(0, op.uiCount - 1))] & 3];
-            if (op.bAbs)
-                fValue = std::fabs(fValue);
-            lanes[i] = op.bNegate ? -fValue : fValue;
-        }
-        return lanes;
-    }
-
-    void Execute(const STxeInstruction& instr)
-    {
-        const SLanes a = Fetch(instr.aSrc[0]);
-        const SLanes b = Fetch(instr.aSrc[1]);
-        const SLanes c = Fetch(instr.aSrc[2]);
-        SLanes r = {0, 0, 0, 0};
-        auto dot = [&](int iLanes) {
-            float fSum = 0.0f;
-            for (int i = 0; i < iLanes; ++i)
-                fSum += a[i] * b[i];
-            return SLanes{fSum, fSum, fSum, fSum};
-        };
-        auto bits = [](float f) { return static_cast<int>(std::lround(f)); };
-        for (int i = 0; i < 4; ++i)
-        {
-            switch (instr.eOp)
-            {
-            case Op_Mov:
-            case Op_Ldm:
-            case Op_Stm:
-            case Op_Ldc: r[i] = a[i]; break;
-            case Op_Add: r[i] = a[i] + b[i]; break;
-            case Op_Mul: r[i] = a[i] * b[i]; break;
-            case Op_Mad: r[i] = a[i] * b[i] + c[i]; break;
-            case Op_Min: r[i] = std::min(a[i], b[i]); break;
-            case Op_Max: r[i] = std::max(a[i], b[i]); break;
-            case Op_Flr: r[i] = std::floor(a[i]); break;
-            case Op_Frc: r[i] = a[i] - std::floor(a[i]); break;
-            case Op_Rnd: r[i] = std::nearbyint(a[i]); break;
-            case Op_Slt: r[i] = a[i] < b[i]; break;
-            case Op_Sge: r[i] = a[i] >= b[i]; break;
-            case Op_Seq: r[i] = a[i] == b[i]; break;
-            case Op_Sne: r[i] = a[i] != b[i]; break;
-            case Op_Sel: r[i] = a[i] != 0.0f ? b[i] : c[i]; break;
-            case Op_And: r[i] = static_cast<float>(bits(a[i]) & bits(b[i])); break;
-            case Op_Or: r[i] = static_cast<float>(bits(a[i]) | bits(b[i])); break;
-            case Op_Xor: r[i] = static_cast<float>(bits(a[i]) ^ bits(b[i])); break;
-            case Op_Not: r[i] = static_cast<float>(~bits(a[i])); break;
-            case Op_Shl: r[i] = static_cast<float>(bits(a[i]) << bits(b[i])); break;
-            case Op_Shr: r[i] = static_cast<float>(bits(a[i]) >> bits(b[i])); break;
-            case Op_F2i: r[i] = std::trunc(a[i]); break;
-            case Op_I2f: r[i] = a[i]; break;
-            case Op_Sgn: r[i] = static_cast<float>((a[i] > 0.0f) - (a[i] < 0.0f)); break;
-            case Op_Ddx:
-            case Op_Ddy: r[i] = 0.0f; break;
-            case Op_Rcp: r[i] = 1.0f / a[i]; break;
-            case Op_Rsq: r[i] = 1.0f / std::sqrt(a[i]); break;
-            case Op_Sqrt: r[i] = std::sqrt(a[i]); break;
-            case Op_Exp2: r[i] = std::exp2(a[i]); break;
-            case Op_Log2: r[i] = std::log2(a[i]); break;
-            case Op_Sin: r[i] = std::sin(a[i]); break;
-            case Op_Cos: r[i] = std::cos(a[i]); break;
-            case Op_Atan: r[i] = std::atan2(a[i], b[i]); break;
-            case Op_Idiv: r[i] = std::trunc(a[i] / b[i]); break;
-            case Op_Dp2: r = dot(2); break;
-            case Op_Dp3: r = dot(3); break;
-            case Op_Dp4: r = dot(4); break;
-            case Op_Txs: r = {64, 32, 0, 0}; break;
-            default: // samples
-                r = {a[0], a[1], b[0], 1.0f};
-                break;
-            }
-        }
-        SLanes& destination = Register(instr.dst.eFile, Address(instr.dst));
-        for (int i = 0; i < instr.dst.uiCount; ++i)
-            destination[instr.dst.auiSwizzle[i] & 3] = r[i];
-    }
-
-    // Pairs if/else/endif and loop/endloop.
-    bool Match()
-    {
-        const std::size_t uiCount = m_program.aInstructions.size();
-        m_aJump.assign(uiCount, 0);
-        std::vector<std::size_t> aOpen;
-        for (std::size_t i = 0; i < uiCount; ++i)
-        {
-            const ETxeOp eOp = m_program.aInstructions[i].eOp;
-            if (eOp == Op_If || eOp == Op_Loop)
-            {
-                aOpen.push_back(i);
-            }
-            else if (eOp == Op_Else || eOp == Op_Endif || eOp == Op_Endloop)
-            {
-                if (aOpen.empty())
-                    return false;
-                m_aJump[aOpen.back()] = i;
-                aOpen.pop_back();
-                if (eOp == Op_Else)
-                    aOpen.push_back(i);
-            }
-        }
-        return aOpen.empty();
-    }
-
-    const STxeProgram& m_program;
-    std::map<std::pair<int, int>, SLanes> m_mapRegisters;
-    std::vector<std::size_t> m_aJump;
-    bool m_bDiscarded = false;
+    SLanes Size(int, int) override { return {64, 32, 0, 0}; }
 };
 
 const char* const k_pEs1 = "precision highp float;\n"
@@ -406,12 +176,13 @@ void CCompilerSemanticsTest::loweredProgramComputesTheShader()
     }
     QVERIFY(bCompiled);
 
-    CMachine machine(compilation.program);
-    machine.SetUniform("uA", {{1.5f, -2.0f, 0.25f, 3.0f}});
-    machine.SetUniform("uB", {{0.5f, 4.0f, -1.0f, 2.0f}});
-    machine.SetUniform("uF", {{0.75f, 0, 0, 0}});
-    machine.SetUniform("uArr", {{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 10, 11, 12}});
-    QVERIFY(machine.Run());
+    CEchoSampler sampler;
+    CTxeMachine machine(compilation.program, &sampler);
+    machine.Set("uA", {{1.5f, -2.0f, 0.25f, 3.0f}});
+    machine.Set("uB", {{0.5f, 4.0f, -1.0f, 2.0f}});
+    machine.Set("uF", {{0.75f, 0, 0, 0}});
+    machine.Set("uArr", {{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 10, 11, 12}});
+    QVERIFY2(machine.Run(), machine.Error().c_str());
     QCOMPARE(machine.Discarded(), expected.isEmpty());
     if (expected.isEmpty())
         return;
