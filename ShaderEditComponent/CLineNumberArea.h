@@ -2,10 +2,19 @@
 
 #include <QWidget>
 
-class CShaderEditPanel;
+class QPaintEvent;
 
-// One gutter at the left of an edit panel. The panel computes the width and paints it, so
-// both gutters follow the panel's font and scrolling.
+// What a gutter needs from the editor it belongs to. The editor computes the widths and
+// paints, so both gutters follow its font and scrolling.
+class IGutterHost
+{
+public:
+    virtual ~IGutterHost() = default;
+    virtual int GutterAreaWidth(int iKind) const = 0;
+    virtual void PaintGutter(QPaintEvent* pEvent, int iKind) = 0;
+};
+
+// One gutter at the left of an edit panel.
 class CLineNumberArea : public QWidget
 {
     Q_OBJECT
@@ -17,7 +26,8 @@ public:
         Kind_CycleCounts = 1,
     };
 
-    CLineNumberArea(CShaderEditPanel* pPanel, int iKind);
+    // pHost must outlive the gutter; pParent is the widget the gutter is drawn on.
+    CLineNumberArea(QWidget* pParent, IGutterHost* pHost, int iKind);
 
     QSize sizeHint() const override;
 
@@ -25,6 +35,6 @@ protected:
     void paintEvent(QPaintEvent* pEvent) override;
 
 private:
-    CShaderEditPanel* m_pPanel;
+    IGutterHost* m_pHost;
     int m_iKind;
 };

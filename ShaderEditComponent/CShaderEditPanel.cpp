@@ -50,8 +50,8 @@ bool IsEffectType(EShaderDocType eType)
 CShaderEditPanel::CShaderEditPanel(QWidget* pParent, const CZamTString& FileName, const QString* pText,
                                    EShaderDocType eType, const CShaderHighlightController* pHighlight)
     : QPlainTextEdit(pParent)
-    , m_pLineNumberArea(new CLineNumberArea(this, CLineNumberArea::Kind_LineNumbers))
-    , m_pCycleCountArea(new CLineNumberArea(this, CLineNumberArea::Kind_CycleCounts))
+    , m_pLineNumberArea(new CLineNumberArea(this, this, CLineNumberArea::Kind_LineNumbers))
+    , m_pCycleCountArea(new CLineNumberArea(this, this, CLineNumberArea::Kind_CycleCounts))
     , m_FileName(FileName)
     , m_PanelID(ToQString(FileName).toUtf8().constData())
 {
@@ -285,6 +285,11 @@ int CShaderEditPanel::CycleCountAreaWidth() const
         dTop = dBottom;
     }
     return GutterWidth(fontMetrics(), static_cast<float>(iDigits) + 1.0f + 0.5f);
+}
+
+int CShaderEditPanel::GutterAreaWidth(int iKind) const
+{
+    return iKind == CLineNumberArea::Kind_LineNumbers ? LineNumberAreaWidth() : CycleCountAreaWidth();
 }
 
 void CShaderEditPanel::PaintGutter(QPaintEvent* pEvent, int iKind)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CLineNumberArea.h"
 #include "CompileOptions.h"
 #include "DocumentFile.h"
 #include "DocumentTextMirror.h"
@@ -17,7 +18,6 @@
 
 #include <utility>
 
-class CLineNumberArea;
 class CShaderHighlightController;
 class CShaderHighlighter;
 
@@ -25,7 +25,7 @@ class CShaderHighlighter;
 // automatic indentation, a smart Home key, a configurable Tab key, the comment and indent
 // commands, and a background-compile request after every change. The settings it follows
 // are pushed in through the two settings slots.
-class CShaderEditPanel : public QPlainTextEdit
+class CShaderEditPanel : public QPlainTextEdit, public IGutterHost
 {
     Q_OBJECT
 
@@ -76,7 +76,8 @@ public:
 
     int LineNumberAreaWidth() const;
     int CycleCountAreaWidth() const;
-    void PaintGutter(QPaintEvent* pEvent, int iKind);
+    int GutterAreaWidth(int iKind) const override;
+    void PaintGutter(QPaintEvent* pEvent, int iKind) override;
     const CZamTArray<int>& GetCycleCounts() const { return m_CycleCounts; }
 
 signals:

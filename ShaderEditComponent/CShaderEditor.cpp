@@ -9,6 +9,7 @@
 #include "WordMatches.h"
 
 #include <QDialog>
+#include <algorithm>
 #include <QDir>
 #include <QFileInfo>
 #include <QMouseEvent>
@@ -479,6 +480,19 @@ void CShaderEditor::OnSelectAll()
 {
     if (CShaderEditPanel* pPanel = GetCurrentPanel())
         pPanel->selectAll();
+}
+
+void CShaderEditor::OnGotoLine(int iLine)
+{
+    CShaderEditPanel* pPanel = GetCurrentPanel();
+    if (!pPanel || iLine < 1)
+        return;
+    // A message may name a line the document no longer has; the last line is the nearest.
+    const QTextBlock Block = pPanel->document()->findBlockByNumber(std::min(iLine, pPanel->blockCount()) - 1);
+    QTextCursor Cursor(Block);
+    pPanel->setTextCursor(Cursor);
+    pPanel->centerCursor();
+    pPanel->setFocus(Qt::OtherFocusReason);
 }
 
 void CShaderEditor::OnPrint()

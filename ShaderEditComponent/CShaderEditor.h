@@ -78,6 +78,8 @@ public slots:
     void OnDelete();
     void OnSelectAll();
     void OnPrint();
+    // Puts the current panel's cursor at the start of the 1-based line and gives it the focus.
+    void OnGotoLine(int iLine);
     void OnCommentSelection();
     void OnUncommentSelection();
     // Removes one indentation level from the selected lines.
