@@ -35,12 +35,12 @@ STxeOperand CLowerer::Sample(ETxeOp eOp, const TType& type, std::initializer_lis
     const STxeOperand& coordinate = *aSrc.begin();
     const bool bNonDependent = coordinate.eFile == File_Input && coordinate.iRelative < 0 && !coordinate.bNegate &&
                                !coordinate.bAbs;
-    STxeOperand dst = Compute(eOp, aSrc, LanesOf(type), iLine);
-    if (!m_bFailed)
+    STxeOperand dst = NewTemp(LanesOf(type));
+    const int iInstruction = Emit(eOp, dst, aSrc, iLine);
+    if (iInstruction >= 0 && bNonDependent)
     {
-        LastInstruction().bNonDependent = bNonDependent;
-        if (bNonDependent)
-            ++m_program.iNonDependentReads;
+        m_program.aInstructions[static_cast<std::size_t>(iInstruction)].bNonDependent = true;
+        ++m_program.iNonDependentReads;
     }
     return dst;
 }

@@ -101,7 +101,7 @@ private:
     long long m_llId;
 };
 
-// Counts returns, and whether one sits inside a loop.
+// Counts returns, and whether one sits inside a loop or switch (both leave through a flag).
 class CReturnFinder : public TIntermTraverser
 {
 public:
@@ -119,6 +119,11 @@ public:
         return true;
     }
     bool visitLoop(TVisit eVisit, TIntermLoop*) override
+    {
+        m_iLoops += eVisit == EvPreVisit ? 1 : -1;
+        return true;
+    }
+    bool visitSwitch(TVisit eVisit, TIntermSwitch*) override
     {
         m_iLoops += eVisit == EvPreVisit ? 1 : -1;
         return true;
@@ -221,26 +226,27 @@ bool CLowerer::Run(TIntermediate& intermediate)
             return false;
     }
 
-    auto itMain = m_mapFunctions.find("main(");
+    const auto itMain = m_mapFunctions.find("main(");
     if (itMain == m_mapFunctions.end())
     {
         Fail(1, "'main' : missing entry point");
         return false;
     }
-    m_aFrames.push_back(SFunctionFrame());
+    TIntermNode* pMainBody = BodyOf(itMain->second);
+    m_control.EnterFunction(false, -1);
     m_setActiveFunctions.insert("main(");
-    const bool bOk = Statement(BodyOf(itMain->second));
-    m_aFrames.pop_back();
+    const bool bOk = Statement(pMainBody);
+    m_control.LeaveFunction();
     EndRegion();
     if (!bOk || m_bFailed)
         return false;
 
     m_program.iTemps = m_iNextTemp;
     m_program.iInputSlotsRead = 0;
-    for (const auto& [llId, variable] : m_mapVariables)
+    for (const auto& [llId, pVariable] : m_mapVariables)
     {
-        if (variable.eStorage == Storage_Input && variable.bRead)
-            m_program.iInputSlotsRead += static_cast<int>(variable.aLanes.size());
+        if (pVariable->eStorage == Storage_Input && pVariable->bRead)
+            m_program.iInputSlotsRead += static_cast<int>(pVariable->aLanes.size());
     }
     return true;
 }
@@ -369,9 +375,10 @@ STxeTrips CLowerer::TripCount(TIntermLoop* pNode)
     if (!pCounter || !pLimit || pLimit->getConstArray().empty() || !pCounter->getType().isScalar())
         return unknown;
 
-    auto itStart = m_mapKnownConstants.find(pCounter->getId());
+    const auto itStart = m_mapKnownConstants.find(pCounter->getId());
     if (itStart == m_mapKnownConstants.end())
         return unknown;
+    const double dStart = itStart->second;
 
     double dStep = 0.0;
     TIntermTyped* pTerminal = pNode->getTerminal();
@@ -401,7 +408,7 @@ STxeTrips CLowerer::TripCount(TIntermLoop* pNode)
         return unknown;
 
     const double dLimit = ConstantAsDouble(pLimit->getConstArray()[0]);
-    double dValue = itStart->second;
+    double dValue = dStart;
     int iTrips = 0;
     while (Compare(eCompare, dValue, dLimit))
     {
@@ -421,14 +428,11 @@ bool CLowerer::Loop(TIntermLoop* pNode)
 {
     const int iLine = Line(pNode);
     const STxeTrips trips = TripCount(pNode);
-    Emit(Op_Loop, STxeOperand(), {}, iLine);
+    SetTrips(Emit(Op_Loop, STxeOperand(), {}, iLine), trips);
     if (m_bFailed)
         return false;
-    LastInstruction().trips = trips;
 
-    ++m_iLoopDepth;
-    if (!m_aFrames.empty())
-        ++m_aFrames.back().iLoopDepth;
+    m_control.EnterLoop(pNode->getTerminal());
     BeginRegion();
 
     bool bOk = true;
@@ -441,9 +445,7 @@ bool CLowerer::Loop(TIntermLoop* pNode)
     };
     if (pNode->getTest() && pNode->testFirst())
         bOk = test();
-    m_aLoops.emplace_back(pNode->getTerminal(), false);
     bOk = bOk && Statement(pNode->getBody());
-    m_aLoops.pop_back();
     if (bOk && pNode->getTerminal())
         bOk = Statement(pNode->getTerminal());
     if (bOk && pNode->getTest() && !pNode->testFirst())
@@ -451,22 +453,25 @@ bool CLowerer::Loop(TIntermLoop* pNode)
     Emit(Op_Endloop, STxeOperand(), {}, iLine);
 
     EndRegion();
-    --m_iLoopDepth;
-    if (!m_aFrames.empty())
-        --m_aFrames.back().iLoopDepth;
-
-    // A return inside this loop also leaves the loops around it in the same function.
-    if (bOk && !m_aFrames.empty() && m_aFrames.back().iReturnFlag >= 0)
-    {
-        STxeOperand flag;
-        flag.eFile = File_Temp;
-        flag.iIndex = m_aFrames.back().iReturnFlag;
-        flag.uiCount = 1;
-        Emit(Op_If, STxeOperand(), {flag}, iLine);
-        Emit(Op_Brk, STxeOperand(), {}, iLine);
-        Emit(Op_Endif, STxeOperand(), {}, iLine);
-    }
+    m_control.Leave();
+    if (bOk)
+        LeaveOnReturnFlag(iLine);
     return bOk && !m_bFailed;
+}
+
+void CLowerer::LeaveOnReturnFlag(int iLine)
+{
+    // A return inside a loop or switch also leaves the levels around it in the same function.
+    const int iFunction = m_control.CurrentFunction();
+    if (iFunction < 0 || m_control.ReturnFlag(iFunction) < 0)
+        return;
+    STxeOperand flag;
+    flag.eFile = File_Temp;
+    flag.iIndex = m_control.ReturnFlag(iFunction);
+    flag.uiCount = 1;
+    Emit(Op_If, STxeOperand(), {flag}, iLine);
+    Emit(Op_Brk, STxeOperand(), {}, iLine);
+    Emit(Op_Endif, STxeOperand(), {}, iLine);
 }
 
 bool CLowerer::Switch(TIntermSwitch* pNode)
@@ -504,15 +509,14 @@ bool CLowerer::Switch(TIntermSwitch* pNode)
     // A one-trip loop gives "break" its meaning; fallthrough keeps "matched" set.
     STxeTrips once;
     once.bKnown = true;
-    Emit(Op_Loop, STxeOperand(), {}, iLine);
+    SetTrips(Emit(Op_Loop, STxeOperand(), {}, iLine), once);
     if (m_bFailed)
         return false;
-    LastInstruction().trips = once;
     STxeOperand matched = NewTemp(1);
     m_setVariableTemps.insert(matched.iIndex);
     Emit(Op_Mov, matched, {Immediate(0.0f)}, iLine);
     BeginRegion();
-    m_aLoops.emplace_back(nullptr, true);
+    m_control.EnterSwitch();
 
     bool bOpen = false;
     int iLabelLine = iLine;
@@ -551,11 +555,11 @@ bool CLowerer::Switch(TIntermSwitch* pNode)
         }
         if (!Statement(pChild))
         {
-            m_aLoops.pop_back();
+            m_control.Leave();
             return false;
         }
     }
-    m_aLoops.pop_back();
+    m_control.Leave();
     if (bOpen)
     {
         Emit(Op_Endif, STxeOperand(), {}, iLine);
@@ -563,6 +567,7 @@ bool CLowerer::Switch(TIntermSwitch* pNode)
     }
     EndRegion();
     Emit(Op_Endloop, STxeOperand(), {}, iLine);
+    LeaveOnReturnFlag(iLine);
     return !m_bFailed;
 }
 
@@ -579,13 +584,13 @@ bool CLowerer::Branch(TIntermBranch* pNode)
         break;
     case EOpContinue:
     {
-        if (m_aLoops.empty() || m_aLoops.back().second)
+        if (!m_control.InLoop() || m_control.InnermostIsSwitch())
         {
             Fail(iLine, "'continue' inside 'switch' is not supported by the TXE code generator");
             return false;
         }
         // cont jumps back to the loop's top, so the increment runs first.
-        TIntermTyped* pTerminal = m_aLoops.back().first;
+        TIntermTyped* pTerminal = m_control.InnermostIncrement();
         if (pTerminal && !Statement(pTerminal))
             return false;
         Emit(Op_Cont, STxeOperand(), {}, iLine);
@@ -593,59 +598,72 @@ bool CLowerer::Branch(TIntermBranch* pNode)
     }
     case EOpReturn:
     {
-        if (m_aFrames.empty())
-        {
-            Fail(iLine, "return outside a function");
+        if (!Return(pNode))
             return false;
-        }
-        SFunctionFrame& frame = m_aFrames.back();
-        if (m_aFrames.size() == 1)
-        {
-            Emit(Op_Ret, STxeOperand(), {}, iLine);
-            break;
-        }
-        if (pNode->getExpression())
-        {
-            SValue result;
-            if (!Expression(pNode->getExpression(), result))
-                return false;
-            if (!frame.bWrapped)
-            {
-                // The only return ends the body: its value is the result as it stands.
-                frame.result = result;
-            }
-            else
-            {
-                if (frame.result.aSlots.empty())
-                {
-                    for (const STxeOperand& op : result.aSlots)
-                    {
-                        STxeOperand slot = NewTemp(op.uiCount);
-                        m_setVariableTemps.insert(slot.iIndex);
-                        frame.result.aSlots.push_back(slot);
-                    }
-                }
-                for (std::size_t k = 0; k < result.aSlots.size() && k < frame.result.aSlots.size(); ++k)
-                    MoveInto(frame.result.aSlots[k], Broadcast(result.aSlots[k], frame.result.aSlots[k].uiCount), iLine);
-            }
-        }
-        if (frame.bWrapped)
-        {
-            if (frame.iReturnFlag >= 0 && frame.iLoopDepth > 0)
-            {
-                STxeOperand flag;
-                flag.eFile = File_Temp;
-                flag.iIndex = frame.iReturnFlag;
-                flag.uiCount = 1;
-                Emit(Op_Mov, flag, {Immediate(1.0f)}, iLine);
-            }
-            Emit(Op_Brk, STxeOperand(), {}, iLine);
-        }
         break;
     }
     default:
         Fail(iLine, "unsupported branch");
         return false;
+    }
+    return !m_bFailed;
+}
+
+bool CLowerer::Return(TIntermBranch* pNode)
+{
+    const int iLine = Line(pNode);
+    // The returned expression may inline calls, which push and pop functions: this
+    // function is named by its index, not held by reference.
+    const int iFunction = m_control.CurrentFunction();
+    if (iFunction < 0)
+    {
+        Fail(iLine, "return outside a function");
+        return false;
+    }
+    if (iFunction == 0)
+    {
+        Emit(Op_Ret, STxeOperand(), {}, iLine);
+        return !m_bFailed;
+    }
+    if (pNode->getExpression())
+    {
+        SValue result;
+        if (!Expression(pNode->getExpression(), result))
+            return false;
+        if (!m_control.IsWrapped(iFunction))
+        {
+            // The only return ends the body: its value is the result as it stands.
+            m_control.SetResult(iFunction, result);
+        }
+        else
+        {
+            if (!m_control.HasResult(iFunction))
+            {
+                SValue slots;
+                for (const STxeOperand& op : result.aSlots)
+                {
+                    STxeOperand slot = NewTemp(op.uiCount);
+                    m_setVariableTemps.insert(slot.iIndex);
+                    slots.aSlots.push_back(slot);
+                }
+                m_control.SetResult(iFunction, slots);
+            }
+            const SValue slots = m_control.Result(iFunction);
+            for (std::size_t k = 0; k < result.aSlots.size() && k < slots.aSlots.size(); ++k)
+                MoveInto(slots.aSlots[k], Broadcast(result.aSlots[k], slots.aSlots[k].uiCount), iLine);
+        }
+    }
+    if (m_control.IsWrapped(iFunction))
+    {
+        if (m_control.ReturnFlag(iFunction) >= 0 && m_control.OpenLevels(iFunction) > 0)
+        {
+            STxeOperand flag;
+            flag.eFile = File_Temp;
+            flag.iIndex = m_control.ReturnFlag(iFunction);
+            flag.uiCount = 1;
+            Emit(Op_Mov, flag, {Immediate(1.0f)}, iLine);
+        }
+        Emit(Op_Brk, STxeOperand(), {}, iLine);
     }
     return !m_bFailed;
 }
@@ -687,7 +705,7 @@ bool CLowerer::Call(TIntermAggregate* pNode, SValue& value)
             continue;
         auto itVariable = m_mapVariables.find(pRoot->getId());
         if (itVariable != m_mapVariables.end())
-            setOutTemps.insert(itVariable->second.aTemps.begin(), itVariable->second.aTemps.end());
+            setOutTemps.insert(itVariable->second->aTemps.begin(), itVariable->second->aTemps.end());
     }
 
     std::vector<long long> aBound;
@@ -732,7 +750,7 @@ bool CLowerer::Call(TIntermAggregate* pNode, SValue& value)
                     if (op.eFile == File_Temp)
                         m_setVariableTemps.insert(op.iIndex);
                 }
-                m_mapVariables[pParam->getId()] = alias;
+                Bind(pParam->getId(), alias);
                 continue;
             }
             SAccess target;
@@ -747,7 +765,7 @@ bool CLowerer::Call(TIntermAggregate* pNode, SValue& value)
             pArgVariable->aLanes == SlotLanes(pParam->getType()))
         {
             // A whole local passed as out or inout: the callee writes it in place.
-            m_mapVariables[pParam->getId()] = *pArgVariable;
+            Bind(pParam->getId(), *pArgVariable);
             aWrittenRoots.push_back(pRoot);
             continue;
         }
@@ -772,40 +790,38 @@ bool CLowerer::Call(TIntermAggregate* pNode, SValue& value)
     CReturnFinder returns;
     if (pBody)
         pBody->traverse(&returns);
-    SFunctionFrame frame;
-    frame.bWrapped = returns.iReturns > 1 || (returns.iReturns == 1 && !EndsWithReturn(pBody));
-    if (frame.bWrapped && returns.bInLoop)
+    const bool bWrapped = returns.iReturns > 1 || (returns.iReturns == 1 && !EndsWithReturn(pBody));
+    int iReturnFlag = -1;
+    if (bWrapped && returns.bInLoop)
     {
-        frame.iReturnFlag = NewRegister();
-        m_setVariableTemps.insert(frame.iReturnFlag);
+        iReturnFlag = NewRegister();
+        m_setVariableTemps.insert(iReturnFlag);
         STxeOperand flag;
         flag.eFile = File_Temp;
-        flag.iIndex = frame.iReturnFlag;
+        flag.iIndex = iReturnFlag;
         flag.uiCount = 1;
         Emit(Op_Mov, flag, {Immediate(0.0f)}, iLine);
     }
-    if (frame.bWrapped)
+    if (bWrapped)
     {
         STxeTrips once;
         once.bKnown = true;
-        Emit(Op_Loop, STxeOperand(), {}, iLine);
+        SetTrips(Emit(Op_Loop, STxeOperand(), {}, iLine), once);
         if (m_bFailed)
             return false;
-        LastInstruction().trips = once;
     }
 
     const std::size_t uiCreatedBefore = m_aCreated.size();
-    m_aFrames.push_back(frame);
+    m_control.EnterFunction(bWrapped, iReturnFlag);
     m_setActiveFunctions.insert(mangled);
     BeginRegion();
     const bool bOk = Statement(pBody);
     EndRegion();
     m_setActiveFunctions.erase(mangled);
-    frame = m_aFrames.back();
-    m_aFrames.pop_back();
+    const SValue result = m_control.LeaveFunction();
     if (!bOk)
         return false;
-    if (frame.bWrapped)
+    if (bWrapped)
         Emit(Op_Endloop, STxeOperand(), {}, iLine);
 
     for (TIntermSymbol* pRoot : aWrittenRoots)
@@ -825,7 +841,7 @@ bool CLowerer::Call(TIntermAggregate* pNode, SValue& value)
     for (long long llId : aBound)
         m_mapVariables.erase(llId);
 
-    value = frame.result;
+    value = result;
     if (value.aSlots.empty() && pNode->getBasicType() != EbtVoid)
     {
         for (std::uint8_t uiLanes : SlotLanes(pNode->getType()))

@@ -109,15 +109,15 @@ STxeOperand CLowerer::NewTemp(int iLanes)
     return op;
 }
 
-void CLowerer::Emit(ETxeOp eOp, const STxeOperand& dst, std::initializer_list<STxeOperand> aSrc, int iLine)
+int CLowerer::Emit(ETxeOp eOp, const STxeOperand& dst, std::initializer_list<STxeOperand> aSrc, int iLine)
 {
     if (m_bFailed)
-        return;
+        return -1;
     if (static_cast<int>(m_program.aInstructions.size()) >= m_limits.iMaxInstructions)
     {
         Fail(iLine, "the program is too large: more than " + std::to_string(m_limits.iMaxInstructions) +
                         " instructions after inlining");
-        return;
+        return -1;
     }
     STxeInstruction instr;
     instr.eOp = eOp;
@@ -130,6 +130,13 @@ void CLowerer::Emit(ETxeOp eOp, const STxeOperand& dst, std::initializer_list<ST
     }
     instr.iLine = iLine;
     m_program.aInstructions.push_back(instr);
+    return static_cast<int>(m_program.aInstructions.size()) - 1;
+}
+
+void CLowerer::SetTrips(int iInstruction, const STxeTrips& trips)
+{
+    if (iInstruction >= 0 && iInstruction < static_cast<int>(m_program.aInstructions.size()))
+        m_program.aInstructions[static_cast<std::size_t>(iInstruction)].trips = trips;
 }
 
 STxeOperand CLowerer::Immediate(const float afValues[4], int iLanes)
@@ -239,7 +246,7 @@ SVariable* CLowerer::Variable(TIntermSymbol* pSymbol)
 {
     auto it = m_mapVariables.find(pSymbol->getId());
     if (it != m_mapVariables.end())
-        return &it->second;
+        return it->second;
 
     const TType& type = pSymbol->getType();
     bool bSupported = true;
@@ -298,7 +305,15 @@ SVariable* CLowerer::Variable(TIntermSymbol* pSymbol)
     default:
         break;
     }
-    return &m_mapVariables.emplace(pSymbol->getId(), variable).first->second;
+    return Bind(pSymbol->getId(), variable);
+}
+
+SVariable* CLowerer::Bind(long long llId, const SVariable& variable)
+{
+    m_aVariableArena.push_back(variable);
+    SVariable* pVariable = &m_aVariableArena.back();
+    m_mapVariables[llId] = pVariable;
+    return pVariable;
 }
 
 bool CLowerer::IsAccessNode(TIntermTyped* pNode) const
@@ -350,7 +365,8 @@ bool CLowerer::ResolveAccess(TIntermTyped* pNode, SAccess& access)
         auto it = m_mapConstantArrays.find(pConstant);
         if (it == m_mapConstantArrays.end())
         {
-            SVariable constant;
+            m_aVariableArena.emplace_back();
+            SVariable& constant = m_aVariableArena.back();
             constant.eStorage = Storage_Uniform;
             constant.aLanes = SlotLanes(pConstant->getType());
             constant.iBase = m_aiNextSlot[File_Uniform];
@@ -362,11 +378,11 @@ bool CLowerer::ResolveAccess(TIntermTyped* pNode, SAccess& access)
             binding.name = "(constant array, line " + std::to_string(iLine) + ")";
             binding.aValues = ConstantSlots(pConstant->getType(), pConstant->getConstArray());
             m_program.aBindings.push_back(binding);
-            it = m_mapConstantArrays.emplace(pConstant, constant).first;
+            it = m_mapConstantArrays.emplace(pConstant, &constant).first;
         }
-        access.pVariable = &it->second;
+        access.pVariable = it->second;
         access.iSlot = 0;
-        access.iSlotCount = static_cast<int>(it->second.aLanes.size());
+        access.iSlotCount = static_cast<int>(it->second->aLanes.size());
         return access.iSlotCount > 0;
     }
     if (TIntermSymbol* pSymbol = pNode->getAsSymbolNode())

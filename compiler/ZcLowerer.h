@@ -3,10 +3,13 @@
 // Internal to the lowering: the state shared by its three source files
 // (storage and access paths, expressions, statements).
 
+#include "ZcLowerControl.h"
+#include "ZcLowerValue.h"
 #include "ZcLowering.h"
 
 #include <glslang/MachineIndependent/localintermediate.h>
 
+#include <deque>
 #include <map>
 #include <set>
 #include <string>
@@ -15,12 +18,6 @@
 
 namespace ZamCompiler
 {
-
-// A value: one operand per four-lane slot (a matrix has one per column).
-struct SValue
-{
-    std::vector<STxeOperand> aSlots;
-};
 
 enum EStorage
 {
@@ -54,14 +51,6 @@ struct SAccess
     std::vector<std::uint8_t> aLanes;  // selected lanes when the access is one slot
 };
 
-struct SFunctionFrame
-{
-    SValue result;
-    bool bWrapped = false;       // body runs inside a one-trip loop so returns can break out
-    int iReturnFlag = -1;        // set by returns nested in loops
-    int iLoopDepth = 0;          // loops opened inside this function
-};
-
 double ConstantAsDouble(const glslang::TConstUnion& constant);
 
 class CLowerer
@@ -78,8 +67,9 @@ public:
 
     STxeOperand NewTemp(int iLanes);
     int NewRegister() { return m_iNextTemp++; }
-    void Emit(ETxeOp eOp, const STxeOperand& dst, std::initializer_list<STxeOperand> aSrc, int iLine);
-    STxeInstruction& LastInstruction() { return m_program.aInstructions.back(); }
+    // Returns the new instruction's index (or -1 once the lowering has failed).
+    int Emit(ETxeOp eOp, const STxeOperand& dst, std::initializer_list<STxeOperand> aSrc, int iLine);
+    void SetTrips(int iInstruction, const STxeTrips& trips);
     STxeOperand Immediate(const float afValues[4], int iLanes);
     STxeOperand Immediate(float fValue, int iLanes = 1);
     static STxeOperand Swizzled(const STxeOperand& op, const std::vector<std::uint8_t>& aLanes);
@@ -90,6 +80,7 @@ public:
     static int LanesOf(const glslang::TType& type);
 
     SVariable* Variable(glslang::TIntermSymbol* pSymbol);
+    SVariable* Bind(long long llId, const SVariable& variable);
     bool ResolveAccess(glslang::TIntermTyped* pNode, SAccess& access);
     bool Load(const SAccess& access, int iLine, SValue& value);
     bool Store(const SAccess& access, const SValue& value, int iLine);
@@ -133,6 +124,8 @@ public:
     bool Loop(glslang::TIntermLoop* pNode);
     bool Switch(glslang::TIntermSwitch* pNode);
     bool Branch(glslang::TIntermBranch* pNode);
+    bool Return(glslang::TIntermBranch* pNode);
+    void LeaveOnReturnFlag(int iLine);
     bool Call(glslang::TIntermAggregate* pNode, SValue& value);
     STxeTrips TripCount(glslang::TIntermLoop* pNode);
     void NoteWrite(long long llId);
@@ -147,22 +140,21 @@ private:
     CDiagnosticList& m_aDiagnostics;
     bool m_bFailed = false;
     int m_iNextTemp = 0;
-    std::map<long long, SVariable> m_mapVariables;
-    std::map<const void*, SVariable> m_mapConstantArrays; // literal arrays indexed at run time
+    // Variables live in an arena that only grows, so an SVariable* stays valid for the whole
+    // lowering even after its symbol is unbound at the end of an inlined call.
+    std::deque<SVariable> m_aVariableArena;
+    std::map<long long, SVariable*> m_mapVariables;
+    std::map<const void*, SVariable*> m_mapConstantArrays; // literal arrays indexed at run time
     std::vector<long long> m_aCreated; // locals, in creation order, so inlined calls can drop theirs
     std::set<int> m_setVariableTemps;
     std::set<int> m_setGlobalTemps;
     std::map<std::vector<std::uint32_t>, int> m_mapPool;
     int m_aiNextSlot[8] = {};
     std::unordered_map<std::string, glslang::TIntermAggregate*> m_mapFunctions;
-    std::vector<SFunctionFrame> m_aFrames;
+    CControlStack m_control;
     std::set<std::string> m_setActiveFunctions;
     std::map<long long, double> m_mapKnownConstants;
     std::vector<std::set<long long>> m_aRegionWrites;
-    // Innermost last: the increment of each enclosing loop (null for while/do), and whether
-    // the level is a switch, whose one-trip loop "continue" must not target.
-    std::vector<std::pair<glslang::TIntermTyped*, bool>> m_aLoops;
-    int m_iLoopDepth = 0;
 
     friend class CLowererTestAccess;
 };

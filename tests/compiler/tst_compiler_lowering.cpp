@@ -1,0 +1,128 @@
+// Values the lowered programs compute, for the shapes the lowering once got wrong:
+// functions that return calls, nested and early returns, returns inside switches.
+// The program runs in the tests' TXE interpreter; the expected values are worked by hand.
+
+#include "TxeMachine.h"
+#include "ZcCompilation.h"
+#include "ZcFrontEnd.h"
+
+#include <QtTest>
+
+#include <cmath>
+#include <memory>
+
+using namespace ZamCompiler;
+using namespace ZamCompilerTest;
+
+namespace
+{
+
+const char* const k_pEs1 = "precision highp float;\n"
+                           "uniform vec4 uA;\n"
+                           "uniform vec4 uB;\n"
+                           "uniform float uF;\n";
+
+const char* const k_pEs3 = "#version 300 es\n"
+                           "precision highp float;\n"
+                           "precision highp int;\n"
+                           "uniform vec4 uA;\n"
+                           "uniform vec4 uB;\n"
+                           "uniform float uF;\n"
+                           "out vec4 o;\n";
+
+QString Es1(const QString& globals, const QString& body)
+{
+    return QString(k_pEs1) + globals + "\nvoid main()\n{\n" + body + "\n}\n";
+}
+
+QString Es3(const QString& globals, const QString& body)
+{
+    return QString(k_pEs3) + globals + "\nvoid main()\n{\n" + body + "\n}\n";
+}
+
+} // namespace
+
+class CCompilerLoweringTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { m_pProcess = std::make_unique<CFrontEndProcess>(); }
+    void cleanupTestCase() { m_pProcess.reset(); }
+    void returnsOfCalls_data();
+    void returnsOfCalls();
+
+private:
+    void AddRows();
+    void CheckRow();
+    std::unique_ptr<CFrontEndProcess> m_pProcess;
+};
+
+void CCompilerLoweringTest::AddRows()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QVector<double>>("expected");
+}
+
+// uA = (1.5, -2, 0.25, 3), uB = (0.5, 4, -1, 2), uF = 0.75.
+void CCompilerLoweringTest::CheckRow()
+{
+    QFETCH(QString, source);
+    QFETCH(QVector<double>, expected);
+    SCompilation compilation;
+    const bool bCompiled =
+        CompileSource(source.toStdString(), Stage_Fragment, CoreModel(Core_ZC1), DefaultSourceLimits(), compilation);
+    for (const SDiagnostic& diagnostic : compilation.aDiagnostics)
+        qWarning("%s", FormatDiagnostic(diagnostic).c_str());
+    QVERIFY(bCompiled);
+
+    CTxeMachine machine(compilation.program);
+    machine.Set("uA", {{1.5f, -2.0f, 0.25f, 3.0f}});
+    machine.Set("uB", {{0.5f, 4.0f, -1.0f, 2.0f}});
+    machine.Set("uF", {{0.75f, 0, 0, 0}});
+    QVERIFY2(machine.Run(), machine.Error().c_str());
+    const SLanes result = machine.Output(0);
+    for (int i = 0; i < 4; ++i)
+        QVERIFY2(std::fabs(result[i] - expected[i]) < 1e-4 * std::max(1.0, std::fabs(expected[i])),
+                 qPrintable(QString("lane %1: got %2, expected %3").arg(i).arg(result[i]).arg(expected[i])));
+}
+
+void CCompilerLoweringTest::returnsOfCalls_data()
+{
+    AddRows();
+    using V = QVector<double>;
+    QTest::addRow("a function returns a call")
+        << Es1("float g(vec2 p) { return length(p) + 1.0; }\n"
+               "float f(vec2 p) { float a = p.x * 2.0; return g(p) * 0.5 + a; }",
+               "gl_FragColor = vec4(f(uB.xy), f(uA.zw), 0.0, 1.0);")
+        << V{(std::sqrt(16.25) + 1.0) * 0.5 + 1.0, (std::sqrt(9.0625) + 1.0) * 0.5 + 0.5, 0, 1};
+    QTest::addRow("calls returned three levels deep")
+        << Es1("float h(float x) { return x * x; }\n"
+               "float g(float x) { return h(x + 1.0) - h(x); }\n"
+               "vec2 f(float x) { return vec2(g(x), g(g(x))) * 2.0; }",
+               "gl_FragColor = vec4(f(uF), f(uA.y));")
+        << V{5, 12, -6, -10};
+    QTest::addRow("early returns of calls")
+        << Es1("float sq(float x) { return x * x; }\n"
+               "float pick(float x) { if (x > 1.0) return sq(x) + 1.0; if (x < 0.0) return -sq(x); return sq(x + 1.0); }",
+               "gl_FragColor = vec4(pick(uA.x), pick(uA.y), pick(uF), pick(uA.z));")
+        << V{3.25, -4, 3.0625, 1.5625};
+    QTest::addRow("a return of a call inside a loop")
+        << Es1("float weight(float i) { return i * uF; }\n"
+               "float firstAbove(float t) { for (int i = 0; i < 8; i++) { if (weight(float(i)) > t) return weight(float(i)) * 2.0; } return -1.0; }",
+               "gl_FragColor = vec4(firstAbove(2.0), firstAbove(100.0), 0.0, 0.0);")
+        << V{4.5, -1, 0, 0};
+    QTest::addRow("a return inside a switch")
+        << Es3("float half_(float x) { return x * 0.5; }\n"
+               "float f(int k) { switch (k) { case 1: return half_(uB.y); case 2: return 7.0; default: break; } return -1.0; }",
+               "o = vec4(f(1), f(2), f(3), 0.0);")
+        << V{2, 7, -1, 0};
+}
+
+void CCompilerLoweringTest::returnsOfCalls()
+{
+    CheckRow();
+}
+
+QTEST_GUILESS_MAIN(CCompilerLoweringTest)
+#include "tst_compiler_lowering.moc"
