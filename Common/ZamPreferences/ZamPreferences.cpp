@@ -65,6 +65,21 @@ QString CZamPreferences::GetFilePath() const
     return m_pImpl->GetFilePath();
 }
 
+QString CZamPreferences::GetLoadProblem() const
+{
+    return m_pImpl->GetLoadProblem();
+}
+
+void CZamPreferences::SetNoticeHandler(FNoticeHandler Handler)
+{
+    m_pImpl->SetNoticeHandler(std::move(Handler));
+}
+
+QList<SPreferencesNotice> CZamPreferences::TakeNotices()
+{
+    return m_pImpl->TakeNotices();
+}
+
 bool CZamPreferences::HasKey(const QString& Key) const
 {
     const TiXmlElement* pValue = m_pImpl->FindValue(Key);

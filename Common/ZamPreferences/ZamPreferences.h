@@ -5,11 +5,30 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 Q_DECLARE_LOGGING_CATEGORY(lcZamPreferences)
 
 class CZamPreferencesImpl;
+
+// Something about the preference file that the user should learn, reported once.
+struct SPreferencesNotice
+{
+    enum EKind
+    {
+        // The file could not be read when it was loaded; the save that would have replaced it
+        // renamed it first (AsidePath) and then wrote a fresh file.
+        Kind_SetAside,
+        // The file has no write permission for its owner (or for us); saves leave it alone.
+        Kind_ReadOnly,
+    };
+
+    EKind eKind = Kind_SetAside;
+    QString FilePath;  // the file concerned; for a symbolic link, the file it points to
+    QString AsidePath; // Kind_SetAside: where the unreadable file is now
+    QString Text;      // a complete sentence or two for the user
+};
 
 // One named, typed property-list preference file. Keys are slash-separated paths
 // ("Editor/TabSpaceSize"); every segment but the last names a nested <dict> group.
@@ -31,6 +50,15 @@ class CZamPreferencesImpl;
 //    and carriage return are replaced by U+FFFD.
 // Damaged structure is repaired on load and reported on lcZamPreferences; a key without
 // value, a value without key and a key inside an array are dropped, the rest is kept.
+//
+// A save never loses or misplaces the user's file:
+//  - a file that exists but could not be loaded (unparsable, unreadable, oversized, not a
+//    regular file) is renamed to "<file>.unreadable-<yyyyMMdd-HHmmss>" by the first save,
+//    before the fresh file is written (notice Kind_SetAside);
+//  - a symbolic link is followed: the link stays, its final target is replaced atomically
+//    (the temporary is written beside the target) and keeps its permission bits;
+//  - a file without write permission is not replaced; Save fails with a text that says why
+//    (notice Kind_ReadOnly, given once).
 class CZamPreferences
 {
 public:
@@ -68,6 +96,14 @@ public:
     QByteArray ToBytes() const;
 
     QString GetFilePath() const;
+    // Why the last Load could not use an existing file; empty when it could (or there was none).
+    QString GetLoadProblem() const;
+
+    // Notices are kept until taken; a handler receives the kept ones at once and later ones
+    // as they arise (on the thread that saves).
+    using FNoticeHandler = std::function<void(const SPreferencesNotice& Notice)>;
+    void SetNoticeHandler(FNoticeHandler Handler);
+    QList<SPreferencesNotice> TakeNotices();
 
     bool HasKey(const QString& Key) const;   // a value other than a group is stored under Key
     bool HasGroup(const QString& Key) const; // Key names a nested <dict>

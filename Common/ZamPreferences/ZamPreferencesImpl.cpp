@@ -94,6 +94,19 @@ bool CZamPreferencesImpl::Load(QString* pTriedPath, QString* pError)
 {
     if (pTriedPath)
         *pTriedPath = GetFilePath();
+    // Asked before opening: opening for reading creates a missing file.
+    const bool bExisted = FileExists(m_Name, m_eScope);
+    QString Error;
+    const bool bLoaded = ReadDocument(&Error);
+    m_LoadProblem = bLoaded || !bExisted ? QString() : Error.trimmed();
+    m_bUnreadablePending = !m_LoadProblem.isEmpty();
+    if (!bLoaded && pError)
+        *pError = Error;
+    return bLoaded;
+}
+
+bool CZamPreferencesImpl::ReadDocument(QString* pError)
+{
     if (!OpenFile(m_Name, Direction_Read, m_eScope, false))
         return Refuse(QStringLiteral("ERROR: Failed to open or create the preference file %1\n").arg(GetFilePath()), pError);
     QByteArray Bytes;
@@ -108,7 +121,7 @@ bool CZamPreferencesImpl::LoadFromBytes(const QByteArray& Bytes, QString* pError
 {
     if (Bytes.size() > CZamPreferences::iMaxFileBytes)
         return Refuse(QStringLiteral("ERROR: The preference file is larger than %1 bytes and was not read. "
-                                     "It stays as it is until the preferences are saved.\n")
+                                     "It is kept aside when the preferences are next saved.\n")
                           .arg(CZamPreferences::iMaxFileBytes),
                       pError);
     QByteArray Text = Bytes;
@@ -154,16 +167,72 @@ QByteArray CZamPreferencesImpl::ToBytes() const
 bool CZamPreferencesImpl::Save(QString* pError)
 {
     const QByteArray Bytes = ToBytes();
+    m_SaveProblem.clear();
     if (!OpenFile(m_Name, Direction_Write, m_eScope, true) || !WriteFile(Bytes) || !CloseFile(true))
     {
         CloseFile(false);
-        const QString Text = QStringLiteral("ERROR: Failed to open filed, or write temporary file!");
+        const QString Text =
+            m_SaveProblem.isEmpty() ? QStringLiteral("ERROR: Failed to open filed, or write temporary file!") : m_SaveProblem;
         ReportPreferencesProblem(Text);
         if (pError)
             *pError = Text;
         return false;
     }
     return true;
+}
+
+void CZamPreferencesImpl::OnFileSetAside(const QString& FilePath, const QString& AsidePath)
+{
+    m_bUnreadablePending = false;
+    SPreferencesNotice Notice;
+    Notice.eKind = SPreferencesNotice::Kind_SetAside;
+    Notice.FilePath = FilePath;
+    Notice.AsidePath = AsidePath;
+    Notice.Text = QStringLiteral("The preference file %1 could not be read (%2). It was kept as %3 and a new "
+                                 "preference file was written.")
+                      .arg(FilePath, m_LoadProblem, AsidePath);
+    ReportPreferencesProblem(QStringLiteral("WARNING: ") + Notice.Text + QLatin1Char('\n'));
+    AddNotice(Notice);
+}
+
+void CZamPreferencesImpl::OnFileReadOnly(const QString& FilePath)
+{
+    const QString Text = QStringLiteral("The preference file %1 is read-only, so the settings were not saved. Make "
+                                        "it writable to keep your changes.")
+                             .arg(FilePath);
+    m_SaveProblem = Text;
+    if (m_bReadOnlyNoticed)
+        return;
+    m_bReadOnlyNoticed = true;
+    SPreferencesNotice Notice;
+    Notice.eKind = SPreferencesNotice::Kind_ReadOnly;
+    Notice.FilePath = FilePath;
+    Notice.Text = Text;
+    AddNotice(Notice);
+}
+
+void CZamPreferencesImpl::AddNotice(const SPreferencesNotice& Notice)
+{
+    if (m_NoticeHandler)
+        m_NoticeHandler(Notice);
+    else
+        m_Notices.append(Notice);
+}
+
+void CZamPreferencesImpl::SetNoticeHandler(CZamPreferences::FNoticeHandler Handler)
+{
+    m_NoticeHandler = std::move(Handler);
+    if (!m_NoticeHandler)
+        return;
+    for (const SPreferencesNotice& Notice : TakeNotices())
+        m_NoticeHandler(Notice);
+}
+
+QList<SPreferencesNotice> CZamPreferencesImpl::TakeNotices()
+{
+    QList<SPreferencesNotice> Taken;
+    Taken.swap(m_Notices);
+    return Taken;
 }
 
 TiXmlElement* CZamPreferencesImpl::RootDict() const

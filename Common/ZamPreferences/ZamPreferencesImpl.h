@@ -34,6 +34,10 @@ public:
     bool LoadFromBytes(const QByteArray& Bytes, QString* pError);
     QByteArray ToBytes() const;
     QString GetFilePath() const { return FilePath(m_Name, m_eScope); }
+    const QString& GetLoadProblem() const { return m_LoadProblem; }
+
+    void SetNoticeHandler(CZamPreferences::FNoticeHandler Handler);
+    QList<SPreferencesNotice> TakeNotices();
 
     // The value element stored under Key, or null.
     const TiXmlElement* FindValue(const QString& Key) const;
@@ -56,12 +60,30 @@ protected:
     virtual bool CloseFile(bool bCommit) = 0;
     virtual bool FileExists(const QString& Name, CZamPreferences::EScope eScope) const = 0;
 
+    // For the back end's write path. True while the last Load failed on an existing file
+    // and no save has set that file aside yet.
+    bool IsUnreadableFilePending() const { return m_bUnreadablePending; }
+    // The unreadable file was renamed to AsidePath: tells the user and ends the pending state.
+    void OnFileSetAside(const QString& FilePath, const QString& AsidePath);
+    // FilePath may not be written: the save fails with a text saying so (the user is told once).
+    void OnFileReadOnly(const QString& FilePath);
+    // The text a failing save reports instead of the generic one.
+    void SetSaveProblem(const QString& Text) { m_SaveProblem = Text; }
+
 private:
     void ResetToEmpty();
+    bool ReadDocument(QString* pError);
     bool Refuse(const QString& Text, QString* pError);
+    void AddNotice(const SPreferencesNotice& Notice);
     TiXmlElement* RootDict() const;
 
     QString m_Name;
     CZamPreferences::EScope m_eScope;
     std::unique_ptr<TiXmlDocument> m_pDocument;
+    QString m_LoadProblem;
+    bool m_bUnreadablePending = false;
+    QString m_SaveProblem;
+    bool m_bReadOnlyNoticed = false;
+    QList<SPreferencesNotice> m_Notices;
+    CZamPreferences::FNoticeHandler m_NoticeHandler;
 };

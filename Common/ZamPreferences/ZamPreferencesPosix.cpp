@@ -2,6 +2,7 @@
 
 #include "ZamPlistWriter.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 
@@ -33,6 +34,62 @@ void SyncFolder(const QString& Folder)
         ::fsync(iFolder);
         ::close(iFolder);
     }
+}
+
+// Links are followed this many times at most, as the kernel does.
+constexpr int iMaxLinkHops = 40;
+
+bool StatPath(const QString& Path, struct stat* pStatus)
+{
+    return ::stat(QFile::encodeName(Path).constData(), pStatus) == 0;
+}
+
+// The file a write to Path lands in: Path itself, or the final target of the link chain
+// at Path (which need not exist yet). False for a chain that loops.
+bool FollowLinks(const QString& Path, QString* pTarget)
+{
+    QString Current = Path;
+    for (int i = 0; i < iMaxLinkHops; ++i)
+    {
+        const QFileInfo Info(Current);
+        if (!Info.isSymLink())
+        {
+            *pTarget = Current;
+            return true;
+        }
+        Current = Info.symLinkTarget();
+    }
+    return false;
+}
+
+// The user said "read-only" by taking away the owner's write bit; others are refused by
+// the system. Asked of the bits rather than of access(), which lets root write anything.
+bool IsReadOnlyFile(const QString& Path)
+{
+    struct stat Status;
+    if (!StatPath(Path, &Status))
+        return false;
+    if (Status.st_uid == ::geteuid())
+        return (Status.st_mode & S_IWUSR) == 0;
+    return ::access(QFile::encodeName(Path).constData(), W_OK) != 0;
+}
+
+// Renames Path to a free "<Path>.unreadable-<time stamp>[-n]" name.
+bool MoveAside(const QString& Path, QString* pAside)
+{
+    const QString Base = Path + QStringLiteral(".unreadable-") +
+                         QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
+    for (int i = 0; i < 100; ++i)
+    {
+        const QString Aside = i == 0 ? Base : Base + QStringLiteral("-%1").arg(i);
+        if (QFileInfo(Aside).exists() || QFileInfo(Aside).isSymLink())
+            continue;
+        if (std::rename(QFile::encodeName(Path).constData(), QFile::encodeName(Aside).constData()) != 0)
+            return false;
+        *pAside = Aside;
+        return true;
+    }
+    return false;
 }
 
 QString FirstConfigDir()
@@ -97,6 +154,9 @@ bool CZamPreferencesPosix::OpenFile(const QString& Name, EDirection eDirection, 
         // Only a file that is not there is created: an unreadable one is still the user's.
         if (!FileExists(Name, eScope) && !CreateEmptyFile(Name, eScope))
             return false;
+        // A FIFO or a device would block or never end.
+        if (!QFileInfo(Path).isFile())
+            return false;
         m_File.setFileName(Path);
         return m_File.open(QIODevice::ReadOnly);
     }
@@ -107,13 +167,49 @@ bool CZamPreferencesPosix::OpenFile(const QString& Name, EDirection eDirection, 
         m_File.setFileName(Path);
         return m_File.open(QIODevice::WriteOnly | QIODevice::Truncate);
     }
+    QString Target;
+    if (!FollowLinks(Path, &Target))
+    {
+        SetSaveProblem(QStringLiteral("The preference file %1 is a symbolic link that loops, so the settings were "
+                                      "not saved.")
+                           .arg(Path));
+        return false;
+    }
+    return OpenTemporaryFor(Target);
+}
+
+bool CZamPreferencesPosix::OpenTemporaryFor(const QString& Target)
+{
+    const bool bTargetExists = QFileInfo::exists(Target);
+    if (bTargetExists && IsUnreadableFilePending())
+    {
+        QString Aside;
+        if (!MoveAside(Target, &Aside))
+        {
+            SetSaveProblem(QStringLiteral("The preference file %1 could not be read and could not be renamed to keep "
+                                          "it, so the settings were not saved.")
+                               .arg(Target));
+            return false;
+        }
+        OnFileSetAside(Target, Aside);
+    }
+    else if (bTargetExists && IsReadOnlyFile(Target))
+    {
+        OnFileReadOnly(Target);
+        return false;
+    }
+    struct stat Status;
+    const bool bKeepMode = StatPath(Target, &Status);
     // A stale temporary from a crash is replaced; NewOnly refuses to follow a link planted there.
-    const QString TemporaryPath = Path + QStringLiteral(".tmp");
+    const QString TemporaryPath = Target + QStringLiteral(".tmp");
     QFile::remove(TemporaryPath);
     m_File.setFileName(TemporaryPath);
     if (!m_File.open(QIODevice::WriteOnly | QIODevice::NewOnly))
         return false;
-    m_TargetPath = Path;
+    // A private file stays private.
+    if (bKeepMode)
+        ::fchmod(m_File.handle(), Status.st_mode & 07777);
+    m_TargetPath = Target;
     return true;
 }
 

@@ -6,7 +6,8 @@
 
 // File operations on POSIX systems with XDG folders. Saving writes "<file>.tmp" next to
 // the file, syncs it to disk and renames it over the file, so a crash or a full disk
-// leaves either the old file or the new one, never a mix.
+// leaves either the old file or the new one, never a mix. When the file is a symbolic link
+// the same happens beside the link's final target, so the link stays a link.
 class CZamPreferencesPosix : public CZamPreferencesImpl
 {
 public:
@@ -27,6 +28,7 @@ protected:
 
 private:
     bool CreateEmptyFile(const QString& Name, CZamPreferences::EScope eScope);
+    bool OpenTemporaryFor(const QString& Target);
 
     QFile m_File;
     QString m_TargetPath; // the file a temporary is renamed to; empty when not writing through one

@@ -1,4 +1,5 @@
 #include "ZamPreferences.h"
+#include "ZamPreferencesMemory.h"
 #include "ZamPreferencesPosix.h"
 
 #include <QDir>
@@ -14,6 +15,7 @@
 #include <QTest>
 
 #include <limits>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace
@@ -58,6 +60,12 @@ bool WriteAll(const QString& Path, const QByteArray& Bytes)
     QDir().mkpath(QFileInfo(Path).path());
     QFile File(Path);
     return File.open(QIODevice::WriteOnly | QIODevice::Truncate) && File.write(Bytes) == Bytes.size();
+}
+
+int ModeOf(const QString& Path)
+{
+    struct stat Status;
+    return ::stat(QFile::encodeName(Path).constData(), &Status) == 0 ? int(Status.st_mode & 07777) : -1;
 }
 
 QByteArray PlistWith(const QByteArray& DictBody)
@@ -442,6 +450,124 @@ private slots:
         CZamPreferences Again("Huge");
         QVERIFY(Again.Load());
         QCOMPARE(Again.GetInteger("Small", 0), 1);
+        // The big file was not thrown away: the save put it aside first.
+        const QList<SPreferencesNotice> Notices = Store.TakeNotices();
+        QCOMPARE(Notices.size(), 1);
+        QCOMPARE(QFileInfo(Notices.first().AsidePath).size(), Huge.size());
+    }
+
+    void saveNeverLosesTheUsersFile()
+    {
+        // A file that cannot be parsed is renamed with a time stamp before the fresh one is
+        // written, and the user hears of it once.
+        const QString Path = StorePath("Broken");
+        const QByteArray Damaged = "<plist><dict><key>Tabs</key><string>unterminated";
+        QVERIFY(WriteAll(Path, Damaged));
+        QList<SPreferencesNotice> Heard;
+        {
+            CLogCapture Log;
+            CZamPreferences Store("Broken");
+            QVERIFY(!Store.Load());
+            QVERIFY(!Store.GetLoadProblem().isEmpty());
+            QCOMPARE(ReadAll(Path), Damaged); // loading alone changes nothing
+            Store.SetNoticeHandler([&Heard](const SPreferencesNotice& Notice) { Heard.append(Notice); });
+            Store.SetInteger("Fresh", 1);
+            QVERIFY(Store.Save());
+            Store.SetInteger("Fresh", 2);
+            QVERIFY(Store.Save());
+        }
+        QCOMPARE(Heard.size(), 1);
+        QCOMPARE(Heard.first().eKind, SPreferencesNotice::Kind_SetAside);
+        QCOMPARE(Heard.first().FilePath, Path);
+        QVERIFY2(QFileInfo(Heard.first().AsidePath)
+                     .fileName()
+                     .contains(QRegularExpression("^Broken\\.plist\\.unreadable-\\d{8}-\\d{6}$")),
+                 qPrintable(Heard.first().AsidePath));
+        QVERIFY(Heard.first().Text.contains(Heard.first().AsidePath));
+        QCOMPARE(ReadAll(Heard.first().AsidePath), Damaged);
+        CZamPreferences Fresh("Broken");
+        QVERIFY(Fresh.Load());
+        QCOMPARE(Fresh.GetInteger("Fresh", 0), 2);
+        QVERIFY(Fresh.GetLoadProblem().isEmpty());
+
+        // A linked file (dot-files kept in a repository) is written through the link, with the
+        // temporary beside the target, and keeps its permission bits.
+        const QString Repository = m_pHome->path() + "/dotfiles";
+        QVERIFY(QDir().mkpath(Repository));
+        const QString Target = Repository + "/Linked.plist";
+        QVERIFY(WriteAll(Target, PlistWith("<key>Old</key><integer>1</integer>")));
+        QVERIFY(QFile::setPermissions(Target, QFile::ReadOwner | QFile::WriteOwner));
+        QVERIFY(QFile::link("../dotfiles/Linked.plist", StorePath("Linked")));
+        {
+            CZamPreferences Store("Linked");
+            QVERIFY(Store.Load());
+            QCOMPARE(Store.GetInteger("Old", 0), 1);
+            Store.SetInteger("New", 2);
+            QVERIFY(Store.Save());
+            QVERIFY(Store.TakeNotices().isEmpty());
+        }
+        QVERIFY(QFileInfo(StorePath("Linked")).isSymLink());
+        QCOMPARE(QFileInfo(StorePath("Linked")).symLinkTarget(), Target);
+        QVERIFY(ReadAll(Target).contains("<key>New</key>"));
+        QCOMPARE(ModeOf(Target), 0600);
+        QVERIFY(!QFile::exists(Target + ".tmp"));
+        QVERIFY(!QFile::exists(StorePath("Linked") + ".tmp"));
+
+        // A link whose target does not exist yet gets the target created, and stays a link.
+        const QString Later = Repository + "/Later.plist";
+        QVERIFY(QFile::link(Later, StorePath("Dangling")));
+        {
+            CZamPreferences Store("Dangling");
+            QVERIFY(Store.Load());
+            Store.SetString("Key", "value");
+            QVERIFY(Store.Save());
+        }
+        QVERIFY(QFileInfo(StorePath("Dangling")).isSymLink());
+        QVERIFY(ReadAll(Later).contains("<string>value</string>"));
+
+        // A read-only file is left as it is; every save says why, the notice comes once.
+        const QString ReadOnly = StorePath("Locked");
+        const QByteArray Kept = PlistWith("<key>Mine</key><integer>7</integer>");
+        QVERIFY(WriteAll(ReadOnly, Kept));
+        QVERIFY(QFile::setPermissions(ReadOnly, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
+        {
+            CLogCapture Log;
+            CZamPreferences Store("Locked");
+            QVERIFY(Store.Load());
+            Store.SetInteger("Mine", 8);
+            QString Error;
+            QVERIFY(!Store.Save(&Error));
+            QVERIFY2(Error.contains("read-only") && Error.contains(ReadOnly), qPrintable(Error));
+            QVERIFY(!Store.Save(&Error));
+            const QList<SPreferencesNotice> Notices = Store.TakeNotices();
+            QCOMPARE(Notices.size(), 1);
+            QCOMPARE(Notices.first().eKind, SPreferencesNotice::Kind_ReadOnly);
+            QCOMPARE(Notices.first().Text, Error);
+        }
+        QCOMPARE(ReadAll(ReadOnly), Kept);
+        QCOMPARE(ModeOf(ReadOnly), 0444);
+        QVERIFY(!QFile::exists(ReadOnly + ".tmp"));
+
+        // A FIFO in place of the file is refused at once rather than read for ever.
+        const QString Fifo = StorePath("Fifo");
+        QVERIFY(::mkfifo(QFile::encodeName(Fifo).constData(), 0600) == 0);
+        CZamPreferences Store("Fifo");
+        QVERIFY(!Store.Load());
+        QVERIFY(Store.Save());
+        QVERIFY(QFileInfo(Fifo).isFile());
+        QCOMPARE(Store.TakeNotices().size(), 1);
+    }
+
+    void memoryStoreNeverTouchesTheDisk()
+    {
+        CZamPreferencesMemory* pMemory = new CZamPreferencesMemory;
+        CZamPreferences Store{std::unique_ptr<CZamPreferencesImpl>(pMemory)};
+        QVERIFY(Store.Load());
+        Store.SetInteger("Colours/GLSL/Keyword/Foreground", 5);
+        QVERIFY(Store.Save());
+        QVERIFY(pMemory->GetSavedBytes().contains("<integer>5</integer>"));
+        QVERIFY(Store.GetFilePath().isEmpty());
+        QVERIFY(QDir(m_pHome->path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).isEmpty());
     }
 
     void failedSaveLeavesTheOldFile()
