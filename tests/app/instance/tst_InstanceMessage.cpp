@@ -1,0 +1,165 @@
+#include "InstanceLocation.h"
+#include "InstanceMessage.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+// Puts an environment variable back when a check fails half-way.
+class CEnvironmentGuard
+{
+public:
+    explicit CEnvironmentGuard(const char* pName)
+        : m_pName(pName)
+        , m_Value(qgetenv(pName))
+        , m_bWasSet(qEnvironmentVariableIsSet(pName))
+    {
+    }
+    ~CEnvironmentGuard()
+    {
+        if (m_bWasSet)
+            qputenv(m_pName, m_Value);
+        else
+            qunsetenv(m_pName);
+    }
+
+private:
+    const char* m_pName;
+    QByteArray m_Value;
+    bool m_bWasSet;
+};
+} // namespace
+
+class CInstanceMessageTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void Decoding();
+    void HandOverFromArguments();
+    void PrivateFolders();
+    void PeerUser();
+};
+
+void CInstanceMessageTest::Decoding()
+{
+    QString Message;
+    QString Error;
+    const QByteArray Cyrillic = QStringLiteral("/home/anna/шейдеры/свет.frag").toUtf8();
+    QVERIFY(DecodeInstanceMessage(Cyrillic, Message, Error));
+    QCOMPARE(Message, QStringLiteral("/home/anna/шейдеры/свет.frag"));
+    QVERIFY(DecodeInstanceMessage("raisebanana", Message, Error));
+    QCOMPARE(Message, QStringLiteral("raisebanana"));
+
+    // A byte-order mark is part of the name, not dropped.
+    QVERIFY(DecodeInstanceMessage("\xEF\xBB\xBF/tmp/a.frag", Message, Error));
+    QCOMPARE(Message, QString(QChar(0xFEFF)) + QStringLiteral("/tmp/a.frag"));
+
+    const QByteArray Longest(MaxInstanceMessageBytes, 'a');
+    QVERIFY(DecodeInstanceMessage(Longest, Message, Error));
+    QCOMPARE(Message.size(), MaxInstanceMessageBytes);
+
+    const QList<QPair<QByteArray, QString>> Refused = {
+        {QByteArray(), "without a message"},
+        {Longest + 'a', "longer than 65536 bytes"},
+        {QByteArray("/tmp/a\0b.frag", 13), "NUL"},
+        {"/tmp/\xFF\xFE.frag", "not valid UTF-8"},
+        {"/tmp/\xC0\xAF.frag", "not valid UTF-8"},       // overlong '/'
+        {"/tmp/\xED\xA0\x80.frag", "not valid UTF-8"},   // an encoded surrogate
+        {"/tmp/a.frag\xE2\x82", "not valid UTF-8"},      // cut inside a character
+    };
+    for (const auto& Case : Refused)
+    {
+        Message = QStringLiteral("unchanged");
+        Error.clear();
+        QVERIFY2(!DecodeInstanceMessage(Case.first, Message, Error), Case.first.toPercentEncoding().constData());
+        QVERIFY2(Error.contains(Case.second), qPrintable(Error));
+        QCOMPARE(Message, QStringLiteral("unchanged"));
+    }
+}
+
+void CInstanceMessageTest::HandOverFromArguments()
+{
+    QTemporaryDir Folder;
+    QVERIFY(Folder.isValid());
+    const QString Shader = Folder.filePath(QStringLiteral("lit.frag"));
+    QFile File(Shader);
+    QVERIFY(File.open(QIODevice::WriteOnly));
+
+    QCOMPARE(HandOverMessage({"zamshadereditor"}), QStringLiteral("raisebanana"));
+    QCOMPARE(HandOverMessage({"zamshadereditor", Shader, Folder.filePath("missing.frag")}), Shader);
+    QCOMPARE(HandOverMessage({"zamshadereditor", Folder.filePath("missing.frag"), Shader}), QString());
+    QCOMPARE(HandOverMessage({"zamshadereditor", QString()}), QString());
+    // (Relative names, resolved in the second start's folder, are checked between processes.)
+}
+
+void CInstanceMessageTest::PrivateFolders()
+{
+    QTemporaryDir Temp;
+    QVERIFY(Temp.isValid());
+    const CEnvironmentGuard RuntimeGuard("XDG_RUNTIME_DIR");
+    const CEnvironmentGuard TempGuard("TMPDIR");
+    qputenv("TMPDIR", QFile::encodeName(Temp.path()));
+    const QString Fallback = Temp.path() + QStringLiteral("/zamshadereditor-") + QString::number(geteuid());
+    QString Error;
+
+    // A private runtime folder is used as it is.
+    const QString Runtime = Temp.filePath("runtime");
+    QVERIFY(QDir().mkdir(Runtime));
+    QVERIFY(::chmod(QFile::encodeName(Runtime).constData(), 0700) == 0);
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(Runtime));
+    QCOMPARE(PrivateInstanceFolder(Error), Runtime);
+
+    // One that others may enter is passed over for a folder of our own, made private.
+    QVERIFY(::chmod(QFile::encodeName(Runtime).constData(), 0755) == 0);
+    QCOMPARE(PrivateInstanceFolder(Error), Fallback);
+    struct stat Info;
+    QVERIFY(::lstat(QFile::encodeName(Fallback).constData(), &Info) == 0);
+    QCOMPARE(Info.st_mode & 07777, mode_t(0700));
+    qunsetenv("XDG_RUNTIME_DIR");
+    QCOMPARE(PrivateInstanceFolder(Error), Fallback);
+
+    // Whatever another user (or a link) put in our fallback's place is refused, not used.
+    QVERIFY(QDir().rmdir(Fallback));
+    QVERIFY(QFile::link(Runtime, Fallback));
+    QCOMPARE(PrivateInstanceFolder(Error), QString());
+    QVERIFY2(Error.contains("not a folder"), qPrintable(Error));
+    QVERIFY(QFile::remove(Fallback));
+    QVERIFY(QDir().mkdir(Fallback));
+    QVERIFY(::chmod(QFile::encodeName(Fallback).constData(), 0777) == 0);
+    QCOMPARE(PrivateInstanceFolder(Error), QString());
+    QVERIFY2(Error.contains("has mode 0777"), qPrintable(Error));
+    if (geteuid() == 0)
+    {
+        QVERIFY(::chown(QFile::encodeName(Fallback).constData(), 65534, 65534) == 0);
+        QVERIFY(::chmod(QFile::encodeName(Fallback).constData(), 0700) == 0);
+        QCOMPARE(PrivateInstanceFolder(Error), QString());
+        QVERIFY2(Error.contains("belongs to user 65534"), qPrintable(Error));
+    }
+}
+
+void CInstanceMessageTest::PeerUser()
+{
+    int Pair[2];
+    QVERIFY(::socketpair(AF_UNIX, SOCK_STREAM, 0, Pair) == 0);
+    uint uiUser = 12345;
+    QString Error;
+    QVERIFY2(GetPeerUserId(Pair[0], uiUser, Error), qPrintable(Error));
+    QCOMPARE(uiUser, uint(geteuid()));
+    ::close(Pair[0]);
+    ::close(Pair[1]);
+
+    // Not a socket: an error, never a user id that could pass the check.
+    QVERIFY(!GetPeerUserId(Pair[0], uiUser, Error));
+    QVERIFY(!Error.isEmpty());
+}
+
+QTEST_GUILESS_MAIN(CInstanceMessageTest)
+#include "tst_InstanceMessage.moc"

@@ -1,0 +1,489 @@
+// The single instance between real processes: the host program starts the way the editor does.
+
+#include "InstanceLocation.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLocalSocket>
+#include <QProcess>
+#include <QSharedMemory>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <grp.h>
+#include <sys/ipc.h>
+#include <sys/shm.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <memory>
+#include <vector>
+
+namespace
+{
+constexpr int WaitMs = 20000;
+using ProcessList = std::vector<std::unique_ptr<QProcess>>;
+
+QString HostProgram()
+{
+    return qEnvironmentVariable("ZAM_BIN_DIR") + QStringLiteral("/zam_instance_host");
+}
+
+// One folder per test stands in for the user's runtime and temporary folders, so a test
+// never meets a real editor or another test.
+class CSession
+{
+public:
+    CSession()
+        : m_Environment(QProcessEnvironment::systemEnvironment())
+    {
+        m_Environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_Folder.path());
+        m_Environment.insert(QStringLiteral("TMPDIR"), m_Folder.path());
+        m_Environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    }
+
+    QString Path(const QString& Name = QString()) const { return Name.isEmpty() ? m_Folder.path() : m_Folder.filePath(Name); }
+    QString ServerPath() const { return Path(QStringLiteral("ZamShaderEditor-") + QString::number(geteuid())); }
+
+    QString MakeFile(const QString& Name) const
+    {
+        QFile File(Path(Name));
+        if (!File.open(QIODevice::WriteOnly) || File.write("void main() {}\n") < 0)
+            return QString();
+        return File.fileName();
+    }
+
+    std::unique_ptr<QProcess> Start(const QStringList& Arguments, const QString& WorkingFolder = QString()) const
+    {
+        auto pProcess = std::make_unique<QProcess>();
+        pProcess->setProcessEnvironment(m_Environment);
+        pProcess->setWorkingDirectory(WorkingFolder.isEmpty() ? Path() : WorkingFolder);
+        pProcess->start(HostProgram(), Arguments);
+        return pProcess;
+    }
+
+private:
+    QTemporaryDir m_Folder;
+    QProcessEnvironment m_Environment;
+};
+
+// A second start ends by itself with code 0 and prints nothing; what went wrong otherwise.
+QString SecondStartFault(QProcess& Process)
+{
+    if (Process.state() != QProcess::NotRunning && !Process.waitForFinished(WaitMs))
+        return QStringLiteral("still running");
+    const QByteArray Output = Process.readAllStandardOutput();
+    if (Process.exitStatus() != QProcess::NormalExit || Process.exitCode() != 0 || !Output.isEmpty())
+        return QStringLiteral("exit code %1, output \"%2\", errors \"%3\"")
+            .arg(Process.exitCode())
+            .arg(QString::fromUtf8(Output), QString::fromUtf8(Process.readAllStandardError()));
+    return QString();
+}
+
+QString RunSecondStart(const CSession& Session, const QStringList& Arguments, const QString& WorkingFolder = QString())
+{
+    return SecondStartFault(*Session.Start(Arguments, WorkingFolder));
+}
+
+
+ProcessList StartEach(const CSession& Session, const QStringList& Files)
+{
+    ProcessList Processes;
+    for (const QString& File : Files)
+        Processes.push_back(Session.Start({File}));
+    return Processes;
+}
+
+QStringList MakeFiles(const CSession& Session, const QString& Stem, int iCount)
+{
+    QStringList Files;
+    for (int i = 0; i < iCount; ++i)
+        Files << Session.MakeFile(QStringLiteral("%1%2.frag").arg(Stem).arg(i));
+    return Files;
+}
+
+QStringList AsMessages(const QStringList& Files)
+{
+    QStringList Lines;
+    for (const QString& File : Files)
+        Lines << QStringLiteral("message ") + File;
+    Lines.sort();
+    return Lines;
+}
+
+// A running first instance with what it printed so far.
+class CFirstInstance
+{
+public:
+    explicit CFirstInstance(const CSession& Session, const QStringList& Arguments = QStringList())
+        : m_pProcess(Session.Start(Arguments))
+    {
+    }
+
+    ~CFirstInstance()
+    {
+        m_pProcess->closeWriteChannel();
+        if (!m_pProcess->waitForFinished(WaitMs))
+            m_pProcess->kill();
+    }
+
+    QProcess& Process() { return *m_pProcess; }
+    void Command(const QString& Line) { m_pProcess->write((Line + QLatin1Char('\n')).toUtf8()); }
+
+    // Waits for the "first" line and then for iCount more lines.
+    bool WaitForLines(int iCount)
+    {
+        return QTest::qWaitFor([&]() { return Collect().size() >= iCount + 1; }, WaitMs);
+    }
+
+    bool WaitForError(const QString& Text)
+    {
+        return QTest::qWaitFor([&]() { Collect(); return m_Errors.contains(Text); }, WaitMs);
+    }
+
+    // Everything after the "first" line, sorted: messages of concurrent senders come in any order.
+    QStringList SortedReport()
+    {
+        QStringList Lines = Collect().mid(1);
+        Lines.sort();
+        return Lines;
+    }
+
+    const QStringList& Collect()
+    {
+        m_Output += m_pProcess->readAllStandardOutput();
+        m_Errors += QString::fromUtf8(m_pProcess->readAllStandardError());
+        for (qsizetype iEnd = m_Output.indexOf('\n'); iEnd >= 0; iEnd = m_Output.indexOf('\n'))
+        {
+            m_Lines << QString::fromUtf8(m_Output.left(iEnd));
+            m_Output.remove(0, iEnd + 1);
+        }
+        return m_Lines;
+    }
+
+    const QString& Errors() const { return m_Errors; }
+
+private:
+    std::unique_ptr<QProcess> m_pProcess;
+    QByteArray m_Output;
+    QStringList m_Lines;
+    QString m_Errors;
+};
+
+// Writes raw bytes as one connection; false when the connection was refused or cut.
+bool SendRaw(const QString& ServerPath, const QByteArray& Bytes)
+{
+    QLocalSocket Socket;
+    Socket.connectToServer(ServerPath);
+    if (!Socket.waitForConnected(WaitMs))
+        return false;
+    Socket.write(Bytes);
+    while (Socket.bytesToWrite() > 0)
+    {
+        if (!Socket.waitForBytesWritten(WaitMs))
+            return false;
+    }
+    Socket.disconnectFromServer();
+    return true;
+}
+
+// Connects from a child process that has become another user and sends the message. Exit code
+// 0: it connected (the instance may cut the connection before the message is written);
+// 2: the connection was refused.
+int ConnectAsUser(uid_t User, const QString& ServerPath, const QByteArray& Message)
+{
+    sockaddr_un Address = {};
+    Address.sun_family = AF_UNIX;
+    const QByteArray Path = QFile::encodeName(ServerPath);
+    qstrncpy(Address.sun_path, Path.constData(), sizeof(Address.sun_path));
+    const char* pMessage = Message.constData();
+    const size_t uiLength = size_t(Message.size());
+    const pid_t Child = ::fork();
+    if (Child == 0)
+    {
+        if (::setgroups(0, nullptr) != 0 || ::setgid(User) != 0 || ::setuid(User) != 0)
+            ::_exit(3);
+        const int iSocket = ::socket(AF_UNIX, SOCK_STREAM, 0);
+        if (::connect(iSocket, reinterpret_cast<sockaddr*>(&Address), sizeof(Address)) != 0)
+            ::_exit(2);
+        ::send(iSocket, pMessage, uiLength, MSG_NOSIGNAL);
+        ::close(iSocket);
+        ::_exit(0);
+    }
+    int iStatus = 0;
+    if (Child < 0 || ::waitpid(Child, &iStatus, 0) != Child || !WIFEXITED(iStatus))
+        return -1;
+    return WEXITSTATUS(iStatus);
+}
+
+// Whether the segment of the given key exists, without attaching to it (attaching and
+// detaching would remove a segment nobody else uses).
+bool SegmentExists(const QString& TempFolder, const QString& Key)
+{
+    const QByteArray SavedTemp = qgetenv("TMPDIR");
+    qputenv("TMPDIR", QFile::encodeName(TempFolder));
+    QSharedMemory Segment;
+    Segment.setKey(Key);
+    const QByteArray KeyFile = QFile::encodeName(Segment.nativeKey());
+    qputenv("TMPDIR", SavedTemp);
+    const key_t SystemKey = ::ftok(KeyFile.constData(), 'Q');
+    return SystemKey != -1 && ::shmget(SystemKey, 0, 0) != -1;
+}
+} // namespace
+
+class CSingleInstanceTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void HandOverBetweenProcesses();
+    void ConcurrentStarts();
+    void BusyFirstInstance();
+    void CrashedFirstInstance();
+    void MalformedMessages();
+    void SlowAndSilentSenders();
+    void OtherUsersAreKeptOut();
+};
+
+void CSingleInstanceTest::initTestCase()
+{
+    QVERIFY2(QFileInfo(HostProgram()).isExecutable(), qPrintable(HostProgram() + " is missing; run through ctest"));
+}
+
+void CSingleInstanceTest::HandOverBetweenProcesses()
+{
+    CSession Session;
+    const QString Shader = Session.MakeFile(QStringLiteral("lit mesh.frag"));
+    const QString Keyword = Session.MakeFile(QStringLiteral("raisebanana"));
+    {
+        CFirstInstance First(Session);
+        QVERIFY(First.WaitForLines(0));
+        QCOMPARE(First.Collect().first(), QStringLiteral("first ") + Session.ServerPath());
+
+        QCOMPARE(RunSecondStart(Session, {}), QString());
+        // A relative name is resolved in the second start's folder; only the first file counts.
+        QDir Folder(Session.Path());
+        QVERIFY(Folder.mkdir(QStringLiteral("elsewhere")));
+        QCOMPARE(RunSecondStart(Session, {"lit mesh.frag", Keyword}), QString());
+        QCOMPARE(RunSecondStart(Session, {"../raisebanana"}, Folder.filePath(QStringLiteral("elsewhere"))), QString());
+        QCOMPARE(RunSecondStart(Session, {Session.Path(QStringLiteral("missing.frag")), Shader}), QString());
+        First.Command(QStringLiteral("fileopen /work/effects/post chain.zfx"));
+        QVERIFY(First.WaitForLines(4));
+        const QStringList Expected = {"fileopen /work/effects/post chain.zfx", "message " + Shader, "message " + Keyword,
+                                      "message raisebanana"};
+        QCOMPARE(First.SortedReport(), Expected);
+
+        // A normal end takes the server with it.
+        First.Command(QStringLiteral("quit"));
+        QVERIFY(First.Process().waitForFinished(WaitMs));
+        QCOMPARE(First.Process().exitCode(), 0);
+        QVERIFY(!QFileInfo::exists(Session.ServerPath()));
+        QVERIFY(!SegmentExists(Session.Path(), QStringLiteral("ZamShaderEditor-") + QString::number(geteuid())));
+    }
+    CFirstInstance Next(Session);
+    QVERIFY(Next.WaitForLines(0));
+    QCOMPARE(RunSecondStart(Session, {Shader}), QString());
+    QVERIFY(Next.WaitForLines(1));
+    QCOMPARE(Next.SortedReport(), QStringList({"message " + Shader}));
+}
+
+void CSingleInstanceTest::ConcurrentStarts()
+{
+    CSession Session;
+    // Five first starts at once: one becomes the instance, the others hand their file to it.
+    const QStringList Racing = MakeFiles(Session, QStringLiteral("race"), 5);
+    ProcessList Starts = StartEach(Session, Racing);
+    int iFirst = -1;
+    QVERIFY(QTest::qWaitFor(
+        [&]() {
+            int iFinished = 0;
+            for (size_t i = 0; i < Starts.size(); ++i)
+            {
+                if (Starts[i]->state() == QProcess::NotRunning)
+                    ++iFinished;
+                else if (Starts[i]->canReadLine())
+                    iFirst = int(i);
+            }
+            return iFinished == 4 && iFirst >= 0;
+        },
+        WaitMs));
+    QVERIFY(QString::fromUtf8(Starts[size_t(iFirst)]->readLine()).startsWith(QStringLiteral("first ")));
+    for (size_t i = 0; i < Starts.size(); ++i)
+    {
+        if (int(i) != iFirst)
+            QCOMPARE(SecondStartFault(*Starts[i]), QString());
+    }
+    QProcess& Winner = *Starts[size_t(iFirst)];
+    QStringList Handed = Racing;
+    Handed.removeAt(iFirst);
+    QStringList Received;
+    QVERIFY(QTest::qWaitFor(
+        [&]() {
+            while (Winner.canReadLine())
+                Received << QString::fromUtf8(Winner.readLine()).trimmed();
+            return Received.size() >= 4;
+        },
+        WaitMs));
+    Received.sort();
+    QCOMPARE(Received, AsMessages(Handed));
+    Winner.closeWriteChannel();
+    QVERIFY(Winner.waitForFinished(WaitMs));
+
+    // Twenty second starts at once, each with its own file: all twenty arrive.
+    CFirstInstance First(Session);
+    QVERIFY(First.WaitForLines(0));
+    const QStringList Files = MakeFiles(Session, QStringLiteral("shader"), 20);
+    ProcessList Seconds = StartEach(Session, Files);
+    for (const auto& pSecond : Seconds)
+        QCOMPARE(SecondStartFault(*pSecond), QString());
+    QVERIFY(First.WaitForLines(20));
+    QCOMPARE(First.SortedReport(), AsMessages(Files));
+}
+
+void CSingleInstanceTest::BusyFirstInstance()
+{
+    CSession Session;
+    CFirstInstance First(Session);
+    QVERIFY(First.WaitForLines(0));
+    const QString Release = Session.Path(QStringLiteral("compile-finished"));
+    First.Command(QStringLiteral("block ") + Release);
+    QVERIFY(First.WaitForLines(1));
+
+    // The instance's event loop stays blocked until the release file exists, so every second
+    // start below finishes while nobody accepts: the kernel queues the connections.
+    const QStringList Files = MakeFiles(Session, QStringLiteral("queued"), 20);
+    ProcessList Seconds = StartEach(Session, Files);
+    for (const auto& pSecond : Seconds)
+        QCOMPARE(SecondStartFault(*pSecond), QString());
+    QCOMPARE(First.Collect().size(), 2);
+
+    QVERIFY(!Session.MakeFile(QStringLiteral("compile-finished")).isEmpty());
+    QVERIFY(First.WaitForLines(22));
+    QStringList Expected = AsMessages(Files);
+    Expected << "blocking " + Release << "unblocked " + Release;
+    Expected.sort();
+    QCOMPARE(First.SortedReport(), Expected);
+}
+
+void CSingleInstanceTest::CrashedFirstInstance()
+{
+    CSession Session;
+    const QString Key = QStringLiteral("ZamShaderEditor-") + QString::number(geteuid());
+    {
+        CFirstInstance Crashed(Session);
+        QVERIFY(Crashed.WaitForLines(0));
+        Crashed.Process().kill();
+        QVERIFY(Crashed.Process().waitForFinished(WaitMs));
+        QCOMPARE(Crashed.Process().exitStatus(), QProcess::CrashExit);
+    }
+    // Both marks of a first instance outlive it.
+    QVERIFY(QFileInfo::exists(Session.ServerPath()));
+    QVERIFY(SegmentExists(Session.Path(), Key));
+
+    const QString Shader = Session.MakeFile(QStringLiteral("after crash.vert"));
+    CFirstInstance Next(Session);
+    QVERIFY(Next.WaitForLines(0));
+    QCOMPARE(RunSecondStart(Session, {Shader}), QString());
+    QVERIFY(Next.WaitForLines(1));
+    QCOMPARE(Next.SortedReport(), QStringList({"message " + Shader}));
+    QVERIFY2(!Next.Errors().contains(QStringLiteral("Unable to create single instance.")), qPrintable(Next.Errors()));
+    QVERIFY(SegmentExists(Session.Path(), Key));
+}
+
+void CSingleInstanceTest::MalformedMessages()
+{
+    CSession Session;
+    CFirstInstance First(Session);
+    QVERIFY(First.WaitForLines(0));
+    const QString Shader = Session.MakeFile(QStringLiteral("valid.frag"));
+    const QByteArray Path = QFile::encodeName(Shader);
+
+    QVERIFY(SendRaw(Session.ServerPath(), "/tmp/\xFF\xFE\xC0\xAF.frag"));
+    QVERIFY(SendRaw(Session.ServerPath(), Path + QByteArray("\0.frag", 6)));
+    QVERIFY(SendRaw(Session.ServerPath(), QByteArray()));
+    // The instance cuts the connection once the limit is passed, so the write may fail.
+    SendRaw(Session.ServerPath(), QByteArray(1024 * 1024, 'a'));
+    QVERIFY(First.WaitForError(QStringLiteral("not valid UTF-8")));
+    QVERIFY(First.WaitForError(QStringLiteral("NUL byte")));
+    QVERIFY(First.WaitForError(QStringLiteral("longer than 65536 bytes")));
+
+    QCOMPARE(RunSecondStart(Session, {Shader}), QString());
+    QVERIFY(First.WaitForLines(1));
+    QCOMPARE(First.SortedReport(), QStringList({"message " + Shader}));
+    QCOMPARE(First.Process().state(), QProcess::Running);
+}
+
+void CSingleInstanceTest::SlowAndSilentSenders()
+{
+    CSession Session;
+    CFirstInstance First(Session);
+    QVERIFY(First.WaitForLines(0));
+
+    QLocalSocket Silent;
+    Silent.connectToServer(Session.ServerPath());
+    QVERIFY(Silent.waitForConnected(WaitMs));
+    const QByteArray Long = QFile::encodeName(Session.Path(QString(3000, QLatin1Char('d')) + QStringLiteral("/deep.frag")));
+    QLocalSocket Slow;
+    Slow.connectToServer(Session.ServerPath());
+    QVERIFY(Slow.waitForConnected(WaitMs));
+    Slow.write(Long.left(1000));
+    QVERIFY(Slow.waitForBytesWritten(WaitMs));
+
+    // Neither holds up a normal second start.
+    const QString Shader = Session.MakeFile(QStringLiteral("meanwhile.frag"));
+    QCOMPARE(RunSecondStart(Session, {Shader}), QString());
+    QVERIFY(First.WaitForLines(1));
+    QCOMPARE(First.SortedReport(), QStringList({"message " + Shader}));
+
+    // The slow message arrives whole, not as the part seen first.
+    Slow.write(Long.mid(1000));
+    Slow.disconnectFromServer();
+    QVERIFY(First.WaitForLines(2));
+    QCOMPARE(First.Collect().last(), QStringLiteral("message ") + QString::fromUtf8(Long));
+
+    // The silent one is dropped after its time.
+    QVERIFY(Silent.state() == QLocalSocket::UnconnectedState || Silent.waitForDisconnected(WaitMs));
+    QVERIFY(First.WaitForError(QStringLiteral("no complete message within 5000 ms")));
+}
+
+void CSingleInstanceTest::OtherUsersAreKeptOut()
+{
+    CSession Session;
+    CFirstInstance First(Session);
+    QVERIFY(First.WaitForLines(0));
+
+    struct stat Info;
+    QVERIFY(::lstat(QFile::encodeName(Session.Path()).constData(), &Info) == 0);
+    QCOMPARE(uint(Info.st_uid), uint(geteuid()));
+    QCOMPARE(Info.st_mode & 0777, mode_t(0700));
+    QVERIFY(::lstat(QFile::encodeName(Session.ServerPath()).constData(), &Info) == 0);
+    QVERIFY(S_ISSOCK(Info.st_mode));
+    QCOMPARE(uint(Info.st_uid), uint(geteuid()));
+    QCOMPARE(Info.st_mode & 0077, mode_t(0));
+
+    if (geteuid() != 0)
+        QSKIP("Connecting as another user needs root; the folder and socket modes were checked");
+    const QString Shader = Session.MakeFile(QStringLiteral("foreign.frag"));
+    const uid_t Nobody = 65534;
+    QCOMPARE(ConnectAsUser(Nobody, Session.ServerPath(), QFile::encodeName(Shader)), 2);
+
+    // Even with the folder and socket opened to everyone, the instance refuses the stranger.
+    QVERIFY(::chmod(QFile::encodeName(Session.Path()).constData(), 0777) == 0);
+    QVERIFY(::chmod(QFile::encodeName(Session.ServerPath()).constData(), 0777) == 0);
+    QCOMPARE(ConnectAsUser(Nobody, Session.ServerPath(), QFile::encodeName(Shader)), 0);
+    QVERIFY(First.WaitForError(QStringLiteral("a connection from user 65534 was refused")));
+    // (A start finding its runtime folder open to others would look for a private one elsewhere.)
+    QVERIFY(::chmod(QFile::encodeName(Session.Path()).constData(), 0700) == 0);
+
+    const QString Own = Session.MakeFile(QStringLiteral("own.frag"));
+    QCOMPARE(RunSecondStart(Session, {Own}), QString());
+    QVERIFY(First.WaitForLines(1));
+    QCOMPARE(First.SortedReport(), QStringList({"message " + Own}));
+}
+
+QTEST_GUILESS_MAIN(CSingleInstanceTest)
+#include "tst_SingleInstance.moc"
