@@ -12,6 +12,8 @@
 #include <QFile>
 #include <QThread>
 
+#include <utility>
+
 namespace
 {
 const char* const s_pApplicationScope = "ZamShaderEditor";
@@ -41,6 +43,12 @@ CShaderEditController::CShaderEditController(const SShaderEditControllerOptions&
     FillFileFormats(m_FileFormats);
     m_FileDialogFilter = BuildFileDialogFilter(m_FileFormats);
     LoadSettings(Options.iCompilerSelection);
+    m_pDetector = new CCompilerDetector(Options.iDetectionTimeoutMs, this);
+    m_pOpenCLDetector = new CCompilerDetector(Options.iDetectionTimeoutMs, this);
+    connect(m_pDetector, &CCompilerDetector::Detected, this,
+            [this](const QString&, const SCompilerDetection& Detection) { OnCompilerDetected(Detection); });
+    connect(m_pOpenCLDetector, &CCompilerDetector::Detected, this,
+            [this](const QString&, const SCompilerDetection& Detection) { OnOpenCLCompilerDetected(Detection); });
     DetectCompilers();
 }
 
@@ -107,21 +115,58 @@ void CShaderEditController::DetectCompilers()
 {
     m_OpenCLPath = FindBundledCompiler(OpenCLCompilerBaseName(), m_SearchPaths);
     if (!m_OpenCLPath.isEmpty())
-        m_OpenCLDetection = DetectCompiler(m_OpenCLPath, m_Options.iDetectionTimeoutMs);
+        m_pOpenCLDetector->Start(m_OpenCLPath);
     RunCompilerDetection();
 }
 
 void CShaderEditController::RunCompilerDetection()
 {
     m_CompilerPath = ResolveCompilerPath(m_Compiler, m_SearchPaths);
-    m_Detection =
-        m_CompilerPath.isEmpty() ? SCompilerDetection() : DetectCompiler(m_CompilerPath, m_Options.iDetectionTimeoutMs);
+    if (m_CompilerPath.isEmpty())
+    {
+        m_pDetector->Cancel();
+        OnCompilerDetected(SCompilerDetection());
+        return;
+    }
+    m_pDetector->Start(m_CompilerPath);
+}
+
+void CShaderEditController::OnCompilerDetected(const SCompilerDetection& Detection)
+{
+    m_Detection = Detection;
     const unsigned int uiFlags = m_Detection.uiOptionFlags & BackgroundOptions;
     if (uiFlags != m_uiCompilerFlags)
     {
         m_uiCompilerFlags = uiFlags;
         emit CompilerFlagsChanged(m_uiCompilerFlags);
     }
+    StartDeferredCompiles();
+}
+
+void CShaderEditController::OnOpenCLCompilerDetected(const SCompilerDetection& Detection)
+{
+    m_OpenCLDetection = Detection;
+    StartDeferredCompiles();
+}
+
+bool CShaderEditController::IsDetectingCompilers() const
+{
+    return m_pDetector->IsBusy() || m_pOpenCLDetector->IsBusy();
+}
+
+void CShaderEditController::WaitForCompilerDetection()
+{
+    m_pOpenCLDetector->WaitForResult();
+    m_pDetector->WaitForResult();
+}
+
+void CShaderEditController::StartDeferredCompiles()
+{
+    if (IsDetectingCompilers())
+        return;
+    const QVector<SDeferredCompile> Deferred = std::exchange(m_Deferred, {});
+    for (const SDeferredCompile& Request : Deferred)
+        StartCompile(Request);
 }
 
 QString CShaderEditController::GetCompileCommandLine(unsigned int uiFlags, EShaderDocType eType,
@@ -183,12 +228,13 @@ CCompiler* CShaderEditController::StartCompiler(const CZamTHash& PanelID, unsign
 void CShaderEditController::OnCompileFile(const CZamTHash& PanelID, const CZamTString& Filename,
                                           const CZamTString& CommandLine, EShaderDocType eType)
 {
-    emit BeginCompiling();
-    unsigned int uiKey = 0;
-    CCompiler* pCompiler = StartCompiler(PanelID, uiKey);
-    QMetaObject::invokeMethod(
-        pCompiler, [=] { pCompiler->OnCompileFile(PanelID, uiKey, Filename, CommandLine, eType); },
-        Qt::QueuedConnection);
+    SDeferredCompile Request;
+    Request.PanelID = PanelID;
+    Request.bToFile = true;
+    Request.Filename = Filename;
+    Request.CommandLine = CommandLine;
+    Request.eType = eType;
+    Enqueue(Request);
 }
 
 void CShaderEditController::OnCompilePanel(const CZamTHash& PanelID, const QString& Contents, EShaderDocType eType,
@@ -196,11 +242,44 @@ void CShaderEditController::OnCompilePanel(const CZamTHash& PanelID, const QStri
 {
     if (Contents.isEmpty())
         return;
+    SDeferredCompile Request;
+    Request.PanelID = PanelID;
+    Request.Contents = Contents;
+    Request.eType = eType;
+    Request.eInvocation = eInvocation;
+    Request.uiFlags = uiFlags;
+    Enqueue(Request);
+}
+
+void CShaderEditController::Enqueue(const SDeferredCompile& Request)
+{
     emit BeginCompiling();
+    if (IsDetectingCompilers())
+        m_Deferred.append(Request);
+    else
+        StartCompile(Request);
+}
+
+void CShaderEditController::StartCompile(const SDeferredCompile& Request)
+{
     unsigned int uiKey = 0;
-    CCompiler* pCompiler = StartCompiler(PanelID, uiKey);
-    if (eInvocation == CompileInvocation_Background)
+    CCompiler* pCompiler = StartCompiler(Request.PanelID, uiKey);
+    const CZamTHash PanelID = Request.PanelID;
+    const EShaderDocType eType = Request.eType;
+    if (Request.bToFile)
+    {
+        const CZamTString Filename = Request.Filename;
+        const CZamTString CommandLine = Request.CommandLine;
+        QMetaObject::invokeMethod(
+            pCompiler, [=] { pCompiler->OnCompileFile(PanelID, uiKey, Filename, CommandLine, eType); },
+            Qt::QueuedConnection);
+        return;
+    }
+    // The background switches are the ones the compiler listed, known only now.
+    unsigned int uiFlags = Request.uiFlags;
+    if (Request.eInvocation == CompileInvocation_Background)
         uiFlags |= m_uiCompilerFlags | BackgroundCompileFlag;
+    const QString Contents = Request.Contents;
     QMetaObject::invokeMethod(
         pCompiler, [=] { pCompiler->OnCompile(PanelID, uiKey, Contents, eType, uiFlags); }, Qt::QueuedConnection);
 }
@@ -233,6 +312,7 @@ void CShaderEditController::OnPanelCompileFinished(const CZamTHash& PanelID, uns
 
 void CShaderEditController::OnCancelCompile(const CZamTHash& PanelID)
 {
+    m_Deferred.removeIf([&PanelID](const SDeferredCompile& Request) { return Request.PanelID == PanelID; });
     const auto Panel = m_InFlight.find(PanelID);
     if (Panel != m_InFlight.end())
     {

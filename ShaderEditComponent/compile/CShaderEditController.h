@@ -66,6 +66,13 @@ public:
     // The GLSL ES compiler the selection resolves to, and what it said about itself.
     const QString& GetCompilerPath() const { return m_CompilerPath; }
     const SCompilerDetection& GetCompilerDetection() const { return m_Detection; }
+    // Compilers are asked about themselves on threads of their own, at start and whenever the
+    // selection or the custom path changes; until they have answered (or run out of time),
+    // the detection above is the previous one and compiles wait, without blocking anything.
+    bool IsDetectingCompilers() const;
+    // Blocks until the detections under way have been reported. For the command-line compile
+    // and for tests; the window never calls it.
+    void WaitForCompilerDetection();
     const CZamTArray<SFileFormatSpecifier>& GetFileFormats() const { return m_FileFormats; }
     const QString& GetFileDialogFilter() const { return m_FileDialogFilter; }
     // Compiles not yet finished or cancelled.
@@ -102,9 +109,27 @@ public slots:
     void OnEditorStateChanged(int iState);
 
 private:
+    // A compile requested while compilers were being detected, started once they are known.
+    struct SDeferredCompile
+    {
+        CZamTHash PanelID;
+        bool bToFile = false;
+        QString Contents;
+        CZamTString Filename;
+        CZamTString CommandLine;
+        EShaderDocType eType = DocType_PlainText;
+        ECompileInvocationType eInvocation = CompileInvocation_Manual;
+        unsigned int uiFlags = 0;
+    };
+
     void LoadSettings(qint64 iCompilerSelection);
     void DetectCompilers();
     void RunCompilerDetection();
+    void OnCompilerDetected(const SCompilerDetection& Detection);
+    void OnOpenCLCompilerDetected(const SCompilerDetection& Detection);
+    void StartDeferredCompiles();
+    void Enqueue(const SDeferredCompile& Request);
+    void StartCompile(const SDeferredCompile& Request);
     // Creates a compiler on the worker thread and enters it in the in-flight table.
     CCompiler* StartCompiler(const CZamTHash& PanelID, unsigned int& uiKey);
     // Cancels a compile in flight and hands the compiler over to its own deletion.
@@ -124,6 +149,9 @@ private:
     QString m_OpenCLPath;
     SCompilerDetection m_OpenCLDetection;
     unsigned int m_uiCompilerFlags = 0;
+    CCompilerDetector* m_pDetector = nullptr;
+    CCompilerDetector* m_pOpenCLDetector = nullptr;
+    QVector<SDeferredCompile> m_Deferred;
 
     QThread* m_pThread = nullptr;
     unsigned int m_uiNextKey = 0;

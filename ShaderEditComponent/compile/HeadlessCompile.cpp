@@ -139,6 +139,8 @@ int RunHeadlessCompile(const QStringList& Arguments, QIODevice& Out, QIODevice& 
     Options.bReadOnlySettings = true;
     Options.iCompilerSelection = Request.iSelection;
     CShaderEditController Controller(Options);
+    // Nothing to keep responsive here: the answer is needed before the first compile.
+    Controller.WaitForCompilerDetection();
     if (Controller.GetCompilerPath().isEmpty())
         Write(Err, QStringLiteral("warning: the selected compiler was not found\n"));
     else if (!Controller.GetCompilerDetection().bRan)

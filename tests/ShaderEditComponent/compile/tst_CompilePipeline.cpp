@@ -149,6 +149,7 @@ std::unique_ptr<CShaderEditController> CCompilePipelineTest::MakeController(SDel
     SShaderEditControllerOptions Options;
     Options.CompilerSearchPaths = {BinDir()};
     auto pController = std::make_unique<CShaderEditController>(Options);
+    pController->WaitForCompilerDetection();
     connect(pController.get(), &CShaderEditController::CompileCycleCountChanged, this,
             [&Delivery](const CZamTHash& PanelID, const CZamTArray<int>& Counts)
             { Delivery.CountsByPanel[PanelID.GetValue()] = Counts; });
