@@ -1,15 +1,73 @@
 #include "ZcLowering.h"
 
-#include "ZcLowerer.h"
+#include "ZcLowerCalls.h"
+#include "ZcLowerStatements.h"
+#include "ZcLowerTree.h"
 
 namespace ZamCompiler
 {
 
-bool LowerShader(glslang::TIntermediate& intermediate, ETxeStage eStage, const SSourceLimits& limits,
-                 STxeProgram& program, CDiagnosticList& aDiagnostics)
+using namespace glslang;
+
+namespace
+{
+
+// One lowering: the parts, wired to each other, for the life of one shader.
+class CShaderLowerer
+{
+public:
+    CShaderLowerer(ETxeStage eStage, const SSourceLimits& limits, STxeProgram& program, CDiagnosticList& aDiagnostics)
+        : m_builder(eStage, limits, program, aDiagnostics), m_variables(m_builder),
+          m_expressions(m_builder, m_variables, m_known, m_calls),
+          m_statements(m_builder, m_known, m_control, m_expressions),
+          m_calls(m_builder, m_variables, m_known, m_control, m_expressions, m_statements)
+    {
+    }
+
+    bool Run(TIntermediate& intermediate)
+    {
+        TIntermAggregate* pRoot = intermediate.getTreeRoot() ? intermediate.getTreeRoot()->getAsAggregate() : nullptr;
+        if (!pRoot)
+        {
+            m_builder.Fail(1, "the shader has no code");
+            return false;
+        }
+        m_calls.Collect(pRoot);
+        m_known.BeginRegion();
+        // Global initializers run before main.
+        for (TIntermNode* pChild : pRoot->getSequence())
+        {
+            TIntermAggregate* pAggregate = pChild ? pChild->getAsAggregate() : nullptr;
+            if (pAggregate && (pAggregate->getOp() == EOpFunction || pAggregate->getOp() == EOpLinkerObjects))
+                continue;
+            if (!m_statements.Lower(pChild))
+                return false;
+        }
+        const bool bOk = m_calls.RunEntryPoint();
+        m_known.EndRegion();
+        if (!bOk || m_builder.Failed())
+            return false;
+        m_builder.Finish(m_variables.InputSlotsRead());
+        return true;
+    }
+
+private:
+    CProgramBuilder m_builder;
+    CKnownValues m_known;
+    CControlStack m_control;
+    CVariableStore m_variables;
+    CExpressionLowerer m_expressions;
+    CStatementLowerer m_statements;
+    CCallInliner m_calls;
+};
+
+} // namespace
+
+bool LowerShader(TIntermediate& intermediate, ETxeStage eStage, const SSourceLimits& limits, STxeProgram& program,
+                 CDiagnosticList& aDiagnostics)
 {
     program = STxeProgram();
-    CLowerer lowerer(eStage, limits, program, aDiagnostics);
+    CShaderLowerer lowerer(eStage, limits, program, aDiagnostics);
     if (!lowerer.Run(intermediate))
     {
         if (!HasErrors(aDiagnostics))

@@ -1,0 +1,212 @@
+#include "ZcLowerProgram.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+namespace ZamCompiler
+{
+
+namespace
+{
+
+constexpr std::size_t k_uiRetargetWindow = 16;
+
+} // namespace
+
+CProgramBuilder::CProgramBuilder(ETxeStage eStage, const SSourceLimits& limits, STxeProgram& program,
+                                 CDiagnosticList& aDiagnostics)
+    : m_limits(limits), m_program(program), m_aDiagnostics(aDiagnostics)
+{
+    m_program.eStage = eStage;
+}
+
+void CProgramBuilder::Fail(int iLine, const std::string& text)
+{
+    if (!m_bFailed)
+        AddError(m_aDiagnostics, iLine > 0 ? iLine : 1, text);
+    m_bFailed = true;
+}
+
+STxeOperand CProgramBuilder::NewTemp(int iLanes)
+{
+    return TempOperand(m_iNextTemp++, iLanes);
+}
+
+int CProgramBuilder::Emit(ETxeOp eOp, const STxeOperand& dst, std::initializer_list<STxeOperand> aSrc, int iLine)
+{
+    if (m_bFailed)
+        return -1;
+    if (static_cast<int>(m_program.aInstructions.size()) >= m_limits.iMaxInstructions)
+    {
+        Fail(iLine, "the program is too large: more than " + std::to_string(m_limits.iMaxInstructions) +
+                        " instructions after inlining");
+        return -1;
+    }
+    STxeInstruction instr;
+    instr.eOp = eOp;
+    instr.dst = dst;
+    int i = 0;
+    for (const STxeOperand& src : aSrc)
+    {
+        if (i < 4)
+            instr.aSrc[i++] = src;
+    }
+    instr.iLine = iLine;
+    m_program.aInstructions.push_back(instr);
+    return static_cast<int>(m_program.aInstructions.size()) - 1;
+}
+
+STxeOperand CProgramBuilder::Compute(ETxeOp eOp, std::initializer_list<STxeOperand> aSrc, int iLanes, int iLine)
+{
+    STxeOperand dst = NewTemp(iLanes);
+    Emit(eOp, dst, aSrc, iLine);
+    return dst;
+}
+
+void CProgramBuilder::SetTrips(int iInstruction, const STxeTrips& trips)
+{
+    if (iInstruction >= 0 && iInstruction < static_cast<int>(m_program.aInstructions.size()))
+        m_program.aInstructions[static_cast<std::size_t>(iInstruction)].trips = trips;
+}
+
+void CProgramBuilder::MarkNonDependent(int iInstruction)
+{
+    if (iInstruction >= 0 && iInstruction < static_cast<int>(m_program.aInstructions.size()))
+        m_program.aInstructions[static_cast<std::size_t>(iInstruction)].bNonDependent = true;
+}
+
+void CProgramBuilder::EmitOneTripLoop(int iLine)
+{
+    STxeTrips once;
+    once.bKnown = true;
+    SetTrips(Emit(Op_Loop, STxeOperand(), {}, iLine), once);
+}
+
+bool CProgramBuilder::Touches(std::size_t uiInstruction, const STxeOperand& reg) const
+{
+    const STxeInstruction& instr = m_program.aInstructions[uiInstruction];
+    if (instr.dst.eFile == reg.eFile && instr.dst.iIndex == reg.iIndex)
+        return true;
+    for (const STxeOperand& op : instr.aSrc)
+    {
+        if ((op.eFile == reg.eFile && op.iIndex == reg.iIndex) || (reg.eFile == File_Temp && op.iRelative == reg.iIndex))
+            return true;
+    }
+    return reg.eFile == File_Temp && instr.dst.iRelative == reg.iIndex;
+}
+
+// Finds the fresh value's producer a few instructions back; when nothing after it touches
+// the value or the destination, writing the destination there is the same.
+bool CProgramBuilder::Retarget(const STxeOperand& dst, const STxeOperand& src)
+{
+    const std::size_t uiCount = m_program.aInstructions.size();
+    for (std::size_t uiBack = 1; uiBack <= k_uiRetargetWindow && uiBack <= uiCount; ++uiBack)
+    {
+        const std::size_t uiCandidate = uiCount - uiBack;
+        const STxeOperand produced = m_program.aInstructions[uiCandidate].dst;
+        const ETxeOp eOp = m_program.aInstructions[uiCandidate].eOp;
+        if (TxeOpInfo(eOp).eClass == Class_Flow)
+            return false;
+        if (produced.eFile != File_Temp || produced.iIndex != src.iIndex)
+            continue;
+        bool bFull = produced.uiCount == src.uiCount && produced.iRelative < 0 && eOp != Op_Stm;
+        for (int i = 0; i < produced.uiCount && bFull; ++i)
+            bFull = produced.auiSwizzle[i] == i;
+        for (std::size_t k = uiCandidate + 1; k < uiCount && bFull; ++k)
+            bFull = !Touches(k, src) && !Touches(k, dst);
+        if (!bFull)
+            return false;
+        m_program.aInstructions[uiCandidate].dst.eFile = dst.eFile;
+        m_program.aInstructions[uiCandidate].dst.iIndex = dst.iIndex;
+        return true;
+    }
+    return false;
+}
+
+void CProgramBuilder::MoveInto(const STxeOperand& dst, const STxeOperand& src, int iLine)
+{
+    bool bFresh = src.eFile == File_Temp && !src.bNegate && !src.bAbs && src.iRelative < 0 && dst.iRelative < 0 &&
+                  !IsVariable(src.iIndex) && !m_program.aInstructions.empty();
+    for (int i = 0; i < src.uiCount && bFresh; ++i)
+        bFresh = src.auiSwizzle[i] == i && dst.auiSwizzle[i] == i;
+    if (bFresh && !m_bFailed && Retarget(dst, src))
+        return;
+    Emit(Op_Mov, dst, {src}, iLine);
+}
+
+SValue CProgramBuilder::Materialize(const SValue& value, int iLine)
+{
+    SValue result;
+    for (const STxeOperand& op : value.aSlots)
+        result.aSlots.push_back(Compute(Op_Mov, {op}, op.uiCount, iLine));
+    return result;
+}
+
+STxeOperand CProgramBuilder::Immediate(const float afValues[4], int iLanes)
+{
+    std::vector<std::uint32_t> aKey(4, 0);
+    for (int i = 0; i < iLanes && i < 4; ++i)
+        std::memcpy(&aKey[i], &afValues[i], sizeof(float));
+    auto it = m_mapPool.find(aKey);
+    int iEntry = 0;
+    if (it != m_mapPool.end())
+    {
+        iEntry = it->second;
+    }
+    else
+    {
+        iEntry = static_cast<int>(m_program.aPool.size() / 4);
+        for (int i = 0; i < 4; ++i)
+            m_program.aPool.push_back(i < iLanes ? afValues[i] : 0.0f);
+        m_mapPool.emplace(aKey, iEntry);
+    }
+    STxeOperand op;
+    op.eFile = File_Immediate;
+    op.iIndex = iEntry;
+    op.uiCount = static_cast<std::uint8_t>(std::clamp(iLanes, 1, 4));
+    return op;
+}
+
+STxeOperand CProgramBuilder::Immediate(float fValue, int iLanes)
+{
+    const float afValues[4] = {fValue, fValue, fValue, fValue};
+    return Broadcast(Immediate(afValues, 1), iLanes);
+}
+
+float CProgramBuilder::ImmediateLane(const STxeOperand& op, int iLane) const
+{
+    const std::size_t uiIndex = static_cast<std::size_t>(op.iIndex) * 4 + op.auiSwizzle[iLane & 3];
+    float fValue = uiIndex < m_program.aPool.size() ? m_program.aPool[uiIndex] : 0.0f;
+    if (op.bAbs)
+        fValue = std::fabs(fValue);
+    return op.bNegate ? -fValue : fValue;
+}
+
+bool CProgramBuilder::IsBroadcastImmediate(const STxeOperand& op, float fValue) const
+{
+    return op.eFile == File_Immediate && !op.bNegate && !op.bAbs && ImmediateLane(op, 0) == fValue &&
+           (op.uiCount == 1 || op.auiSwizzle[1] == op.auiSwizzle[0]);
+}
+
+int CProgramBuilder::AllocateSlots(ETxeFile eFile, int iSlots)
+{
+    const int iBase = m_aiNextSlot[eFile & 7];
+    m_aiNextSlot[eFile & 7] += iSlots;
+    if (eFile == File_Scratch)
+        m_program.iScratchSlots = m_aiNextSlot[eFile];
+    return iBase;
+}
+
+void CProgramBuilder::AddBinding(const STxeBinding& binding)
+{
+    m_program.aBindings.push_back(binding);
+}
+
+void CProgramBuilder::Finish(int iInputSlotsRead)
+{
+    m_program.iTemps = m_iNextTemp;
+    m_program.iInputSlotsRead = iInputSlotsRead;
+}
+
+} // namespace ZamCompiler

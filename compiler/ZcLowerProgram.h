@@ -1,0 +1,82 @@
+#pragma once
+
+// Builds the TXE program of one lowering: virtual registers, the instruction list, the
+// immediate pool, register-file slots and bindings, and the first error. Instructions
+// are named by index, never by reference, because emitting grows the list.
+
+#include "ZcDiagnostics.h"
+#include "ZcLowerValue.h"
+#include "ZcSourceLimits.h"
+
+#include <initializer_list>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace ZamCompiler
+{
+
+class CProgramBuilder
+{
+public:
+    CProgramBuilder(ETxeStage eStage, const SSourceLimits& limits, STxeProgram& program, CDiagnosticList& aDiagnostics);
+
+    // Only the first error is reported: later ones follow from it.
+    void Fail(int iLine, const std::string& text);
+    bool Failed() const { return m_bFailed; }
+
+    // --- registers ---
+    STxeOperand NewTemp(int iLanes);
+    int NewRegister() { return m_iNextTemp++; }
+    int RegisterCount() const { return m_iNextTemp; }
+    // A register that holds a variable may be written again later, so an instruction that
+    // produced it cannot simply be retargeted.
+    void MarkVariable(int iRegister) { m_setVariableTemps.insert(iRegister); }
+    bool IsVariable(int iRegister) const { return m_setVariableTemps.count(iRegister) != 0; }
+    void MarkGlobal(int iRegister) { m_setGlobalTemps.insert(iRegister); }
+    bool IsGlobal(int iRegister) const { return m_setGlobalTemps.count(iRegister) != 0; }
+
+    // --- instructions ---
+    // Returns the new instruction's index, or -1 once the lowering has failed.
+    int Emit(ETxeOp eOp, const STxeOperand& dst, std::initializer_list<STxeOperand> aSrc, int iLine);
+    // A fresh temporary with iLanes lanes = eOp(sources).
+    STxeOperand Compute(ETxeOp eOp, std::initializer_list<STxeOperand> aSrc, int iLanes, int iLine);
+    void SetTrips(int iInstruction, const STxeTrips& trips);
+    void MarkNonDependent(int iInstruction);
+    // dst = src, folded into the instruction that produced a fresh src when possible.
+    void MoveInto(const STxeOperand& dst, const STxeOperand& src, int iLine);
+    SValue Materialize(const SValue& value, int iLine);
+    // Opens a one-trip loop: something to break out of.
+    void EmitOneTripLoop(int iLine);
+
+    // --- immediates ---
+    STxeOperand Immediate(const float afValues[4], int iLanes);
+    STxeOperand Immediate(float fValue, int iLanes = 1);
+    // The value of one lane of an immediate operand, modifiers applied.
+    float ImmediateLane(const STxeOperand& op, int iLane) const;
+    // An immediate without modifiers that repeats one pool lane holding fValue.
+    bool IsBroadcastImmediate(const STxeOperand& op, float fValue) const;
+
+    // --- register-file slots and bindings ---
+    int AllocateSlots(ETxeFile eFile, int iSlots);
+    void AddBinding(const STxeBinding& binding);
+    void CountNonDependentRead() { ++m_program.iNonDependentReads; }
+    void Finish(int iInputSlotsRead);
+
+private:
+    bool Touches(std::size_t uiInstruction, const STxeOperand& reg) const;
+    bool Retarget(const STxeOperand& dst, const STxeOperand& src);
+
+    const SSourceLimits& m_limits;
+    STxeProgram& m_program;
+    CDiagnosticList& m_aDiagnostics;
+    bool m_bFailed = false;
+    int m_iNextTemp = 0;
+    std::set<int> m_setVariableTemps;
+    std::set<int> m_setGlobalTemps;
+    std::map<std::vector<std::uint32_t>, int> m_mapPool;
+    int m_aiNextSlot[8] = {};
+};
+
+} // namespace ZamCompiler

@@ -1,0 +1,309 @@
+#include "ZcLowerStorage.h"
+
+#include "ZcLowerTree.h"
+
+#include <algorithm>
+
+namespace ZamCompiler
+{
+
+using namespace glslang;
+
+namespace
+{
+
+EStorage StorageOf(const TType& type, bool& bSupported)
+{
+    bSupported = true;
+    switch (type.getQualifier().storage)
+    {
+    case EvqUniform:
+        return type.getBasicType() == EbtSampler ? Storage_Sampler : Storage_Uniform;
+    case EvqConst:
+        return Storage_Uniform;
+    case EvqVaryingIn:
+    case EvqVertexId:
+    case EvqInstanceId:
+    case EvqFace:
+    case EvqFragCoord:
+    case EvqPointCoord:
+        return Storage_Input;
+    case EvqVaryingOut:
+    case EvqPosition:
+    case EvqPointSize:
+    case EvqFragColor:
+    case EvqFragDepth:
+        return Storage_Output;
+    case EvqTemporary:
+    case EvqGlobal:
+    case EvqIn:
+    case EvqOut:
+    case EvqInOut:
+    case EvqConstReadOnly:
+        return type.isArray() ? Storage_Scratch : Storage_Temp;
+    default:
+        bSupported = false;
+        return Storage_Temp;
+    }
+}
+
+ETxeFile FileOf(EStorage eStorage)
+{
+    switch (eStorage)
+    {
+    case Storage_Input: return File_Input;
+    case Storage_Uniform: return File_Uniform;
+    case Storage_Output: return File_Output;
+    case Storage_Sampler: return File_Sampler;
+    case Storage_Scratch: return File_Scratch;
+    default: return File_Temp;
+    }
+}
+
+// Locals of a function body; they are dropped when an inlined call ends.
+bool IsLocal(TStorageQualifier eQualifier)
+{
+    switch (eQualifier)
+    {
+    case EvqTemporary:
+    case EvqIn:
+    case EvqOut:
+    case EvqInOut:
+    case EvqConstReadOnly:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+SVariable* CVariableStore::Find(long long llId) const
+{
+    const auto it = m_mapVariables.find(llId);
+    return it == m_mapVariables.end() ? nullptr : it->second;
+}
+
+SVariable* CVariableStore::Variable(TIntermSymbol* pSymbol)
+{
+    if (SVariable* pExisting = Find(pSymbol->getId()))
+        return pExisting;
+
+    const TType& type = pSymbol->getType();
+    bool bSupported = true;
+    SVariable variable;
+    variable.eStorage = StorageOf(type, bSupported);
+    variable.name = UserName(pSymbol);
+    const int iLine = std::max(0, pSymbol->getLoc().line);
+    if (!bSupported)
+    {
+        m_builder.Fail(iLine, "'" + std::string(pSymbol->getName().c_str()) +
+                                  "' : this kind of variable is not supported by the TXE code generator");
+        return nullptr;
+    }
+    variable.aLanes = SlotLanes(type);
+    if (variable.aLanes.empty())
+    {
+        m_builder.Fail(iLine, "'" + std::string(pSymbol->getName().c_str()) + "' : unsized arrays are not supported");
+        return nullptr;
+    }
+
+    variable.bGlobal = type.getQualifier().storage == EvqGlobal;
+    if (variable.eStorage == Storage_Temp)
+    {
+        for (std::size_t i = 0; i < variable.aLanes.size(); ++i)
+        {
+            const int iRegister = m_builder.NewRegister();
+            variable.aTemps.push_back(iRegister);
+            m_builder.MarkVariable(iRegister);
+            if (variable.bGlobal)
+                m_builder.MarkGlobal(iRegister);
+        }
+    }
+    else
+    {
+        STxeBinding binding;
+        binding.eFile = FileOf(variable.eStorage);
+        binding.iSlots = static_cast<int>(variable.aLanes.size());
+        binding.iBase = variable.iBase = m_builder.AllocateSlots(binding.eFile, binding.iSlots);
+        binding.name = pSymbol->getName().c_str();
+        if (type.getQualifier().storage == EvqConst)
+            binding.aValues = ConstantSlots(type, pSymbol->getConstArray());
+        m_builder.AddBinding(binding);
+    }
+    if (IsLocal(type.getQualifier().storage))
+        m_aCreated.push_back(pSymbol->getId());
+    return Bind(pSymbol->getId(), variable);
+}
+
+SVariable* CVariableStore::Bind(long long llId, const SVariable& variable)
+{
+    m_aArena.push_back(variable);
+    SVariable* pVariable = &m_aArena.back();
+    m_mapVariables[llId] = pVariable;
+    return pVariable;
+}
+
+SVariable* CVariableStore::ConstantArray(TIntermConstantUnion* pConstant, int iLine)
+{
+    const auto it = m_mapConstantArrays.find(pConstant);
+    if (it != m_mapConstantArrays.end())
+        return it->second;
+    SVariable constant;
+    constant.eStorage = Storage_Uniform;
+    constant.aLanes = SlotLanes(pConstant->getType());
+    STxeBinding binding;
+    binding.eFile = File_Uniform;
+    binding.iSlots = static_cast<int>(constant.aLanes.size());
+    binding.iBase = constant.iBase = m_builder.AllocateSlots(File_Uniform, binding.iSlots);
+    binding.name = "(constant array, line " + std::to_string(iLine) + ")";
+    constant.name = binding.name;
+    binding.aValues = ConstantSlots(pConstant->getType(), pConstant->getConstArray());
+    m_builder.AddBinding(binding);
+    m_aArena.push_back(constant);
+    SVariable* pVariable = &m_aArena.back();
+    m_mapConstantArrays.emplace(pConstant, pVariable);
+    return pVariable;
+}
+
+void CVariableStore::DropLocals(std::size_t uiMark)
+{
+    for (std::size_t i = uiMark; i < m_aCreated.size(); ++i)
+        m_mapVariables.erase(m_aCreated[i]);
+    m_aCreated.resize(std::min(uiMark, m_aCreated.size()));
+}
+
+SAccess CVariableStore::WholeOf(SVariable* pVariable)
+{
+    SAccess access;
+    access.pVariable = pVariable;
+    access.iSlotCount = static_cast<int>(pVariable->aLanes.size());
+    if (access.iSlotCount == 1)
+        access.aLanes = IdentityLanes(pVariable->aLanes[0]);
+    return access;
+}
+
+STxeOperand CVariableStore::SlotOperand(const SAccess& access, int iSlot, int iLine)
+{
+    const SVariable& variable = *access.pVariable;
+    STxeOperand op;
+    op.uiCount = variable.aLanes[iSlot];
+    switch (variable.eStorage)
+    {
+    case Storage_Alias:
+        return variable.alias.aSlots[iSlot];
+    case Storage_Temp:
+        return TempOperand(variable.aTemps[iSlot], op.uiCount);
+    case Storage_Sampler:
+        op.eFile = File_Sampler;
+        op.iIndex = variable.iBase + iSlot;
+        op.uiCount = 1;
+        return op;
+    default:
+        break;
+    }
+    op.eFile = FileOf(variable.eStorage);
+    op.iIndex = variable.iBase + iSlot;
+    if (variable.eStorage != Storage_Scratch && access.iDynamic < 0)
+        return op;
+    op.iRelative = access.iDynamic;
+    STxeOperand loaded = m_builder.NewTemp(op.uiCount);
+    m_builder.Emit(variable.eStorage == Storage_Scratch ? Op_Ldm : Op_Ldc, loaded, {op}, iLine);
+    return loaded;
+}
+
+bool CVariableStore::Load(const SAccess& access, int iLine, SValue& value)
+{
+    SVariable& variable = *access.pVariable;
+    value.aSlots.clear();
+    const bool bSelect = access.iSlotCount == 1 && !access.aLanes.empty();
+    if (variable.eStorage == Storage_Input)
+        variable.bRead = true;
+
+    for (int k = 0; k < access.iSlotCount; ++k)
+    {
+        const int iSlot = access.iSlot + k;
+        const bool bInRange = iSlot < static_cast<int>(variable.aLanes.size()) &&
+                              (variable.eStorage != Storage_Alias || iSlot < static_cast<int>(variable.alias.aSlots.size()));
+        if (!bInRange)
+        {
+            m_builder.Fail(iLine, "access out of range");
+            return false;
+        }
+        const STxeOperand op = SlotOperand(access, iSlot, iLine);
+        value.aSlots.push_back(bSelect ? Swizzled(op, access.aLanes) : op);
+    }
+    return !m_builder.Failed();
+}
+
+bool CVariableStore::StoreSlot(const SAccess& access, int k, const STxeOperand& source, int iLine)
+{
+    const SVariable& variable = *access.pVariable;
+    const int iSlot = access.iSlot + k;
+    const std::vector<std::uint8_t> aTarget =
+        access.iSlotCount == 1 && !access.aLanes.empty() ? access.aLanes : IdentityLanes(variable.aLanes[iSlot]);
+    const STxeOperand src = Broadcast(source, static_cast<int>(aTarget.size()));
+
+    STxeOperand dst;
+    dst.eFile = variable.eStorage == Storage_Temp ? File_Temp : FileOf(variable.eStorage);
+    dst.iIndex = variable.eStorage == Storage_Temp ? variable.aTemps[iSlot] : variable.iBase + iSlot;
+    dst.iRelative = access.iDynamic;
+
+    // Destination lanes ascend; the source swizzle follows them.
+    std::vector<std::pair<std::uint8_t, std::uint8_t>> aPairs;
+    for (std::size_t i = 0; i < aTarget.size() && i < src.uiCount; ++i)
+        aPairs.emplace_back(aTarget[i], src.auiSwizzle[i]);
+    std::sort(aPairs.begin(), aPairs.end());
+    dst.uiCount = static_cast<std::uint8_t>(aPairs.size());
+    STxeOperand mapped = src;
+    bool bIdentityTarget = true;
+    for (std::size_t i = 0; i < aPairs.size(); ++i)
+    {
+        dst.auiSwizzle[i] = aPairs[i].first;
+        mapped.auiSwizzle[i] = aPairs[i].second;
+        bIdentityTarget = bIdentityTarget && aPairs[i].first == i;
+    }
+    mapped.uiCount = dst.uiCount;
+
+    if (variable.eStorage == Storage_Scratch)
+        m_builder.Emit(Op_Stm, dst, {mapped}, iLine);
+    else if (bIdentityTarget)
+        m_builder.MoveInto(dst, mapped, iLine);
+    else
+        m_builder.Emit(Op_Mov, dst, {mapped}, iLine);
+    return !m_builder.Failed();
+}
+
+bool CVariableStore::Store(const SAccess& access, const SValue& value, int iLine)
+{
+    const EStorage eStorage = access.pVariable->eStorage;
+    if (eStorage != Storage_Temp && eStorage != Storage_Output && eStorage != Storage_Scratch)
+    {
+        m_builder.Fail(iLine, "this variable cannot be written");
+        return false;
+    }
+    if (static_cast<int>(value.aSlots.size()) != access.iSlotCount)
+    {
+        m_builder.Fail(iLine, "assignment of a value with the wrong shape");
+        return false;
+    }
+    for (int k = 0; k < access.iSlotCount; ++k)
+    {
+        if (!StoreSlot(access, k, value.aSlots[k], iLine))
+            return false;
+    }
+    return true;
+}
+
+int CVariableStore::InputSlotsRead() const
+{
+    int iSlots = 0;
+    for (const auto& [llId, pVariable] : m_mapVariables)
+    {
+        if (pVariable->eStorage == Storage_Input && pVariable->bRead)
+            iSlots += static_cast<int>(pVariable->aLanes.size());
+    }
+    return iSlots;
+}
+
+} // namespace ZamCompiler

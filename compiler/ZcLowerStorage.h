@@ -1,0 +1,95 @@
+#pragma once
+
+// Where every variable lives: temporaries, scratch memory or a slot of a register file,
+// and how values are read from and written to a place inside one.
+
+#include "ZcLowerProgram.h"
+
+#include <deque>
+#include <map>
+#include <string>
+
+namespace glslang
+{
+class TIntermSymbol;
+class TIntermConstantUnion;
+} // namespace glslang
+
+namespace ZamCompiler
+{
+
+enum EStorage
+{
+    Storage_Temp,
+    Storage_Alias, // an in-parameter bound straight to the caller's operands
+    Storage_Scratch,
+    Storage_Input,
+    Storage_Uniform,
+    Storage_Output,
+    Storage_Sampler,
+};
+
+struct SVariable
+{
+    EStorage eStorage = Storage_Temp;
+    std::string name;                 // as the user wrote it, for messages
+    std::vector<std::uint8_t> aLanes; // lanes per slot
+    std::vector<int> aTemps;          // Storage_Temp: one virtual register per slot
+    SValue alias;                     // Storage_Alias
+    int iBase = 0;                    // first slot in its file
+    bool bRead = false;
+    bool bGlobal = false;
+};
+
+// A place inside a variable, as an access path (a.b[i].xy) resolves it.
+struct SAccess
+{
+    SVariable* pVariable = nullptr;
+    int iSlot = 0;                    // constant slot offset
+    int iSlotCount = 0;
+    int iDynamic = -1;                // virtual register with a slot offset, -1 none
+    std::vector<std::uint8_t> aLanes; // selected lanes when the access is one slot
+};
+
+class CVariableStore
+{
+public:
+    explicit CVariableStore(CProgramBuilder& builder) : m_builder(builder) {}
+
+    // The symbol's variable, created on first use; null (and an error) for a kind of
+    // variable the code generator does not handle.
+    SVariable* Variable(glslang::TIntermSymbol* pSymbol);
+    // The variable a symbol id is bound to now, or null.
+    SVariable* Find(long long llId) const;
+    // Binds the id to a copy of the variable (an alias or a variable written in place).
+    SVariable* Bind(long long llId, const SVariable& variable);
+    void Unbind(long long llId) { m_mapVariables.erase(llId); }
+    // A literal array indexed at run time, placed in the constant bank once.
+    SVariable* ConstantArray(glslang::TIntermConstantUnion* pConstant, int iLine);
+
+    // Locals created after the mark are dropped by DropLocals, so that every inlined call
+    // gets fresh registers.
+    std::size_t MarkLocals() const { return m_aCreated.size(); }
+    void DropLocals(std::size_t uiMark);
+
+    bool Load(const SAccess& access, int iLine, SValue& value);
+    bool Store(const SAccess& access, const SValue& value, int iLine);
+    // The whole variable, or one slot of it.
+    static SAccess WholeOf(SVariable* pVariable);
+
+    int InputSlotsRead() const;
+
+private:
+    bool StoreSlot(const SAccess& access, int k, const STxeOperand& source, int iLine);
+    STxeOperand SlotOperand(const SAccess& access, int iSlot, int iLine);
+
+    CProgramBuilder& m_builder;
+    // Variables live in an arena that only grows, so an SVariable* stays valid for the
+    // whole lowering, even after its symbol is unbound at the end of an inlined call.
+    std::deque<SVariable> m_aArena;
+    std::map<long long, SVariable*> m_mapVariables;
+    std::map<const void*, SVariable*> m_mapConstantArrays;
+    std::vector<long long> m_aCreated; // locals, in creation order
+};
+
+} // namespace ZamCompiler

@@ -1,0 +1,396 @@
+#include "ZcLowerTree.h"
+
+#include <algorithm>
+
+namespace ZamCompiler
+{
+
+using namespace glslang;
+
+namespace
+{
+
+class CWriteFinder : public TIntermTraverser
+{
+public:
+    explicit CWriteFinder(long long llId) : m_llId(llId) {}
+    bool bFound = false;
+
+    bool visitBinary(TVisit, TIntermBinary* pNode) override
+    {
+        if (IsAssignment(pNode->getOp()) && Targets(pNode->getLeft()))
+            bFound = true;
+        return !bFound;
+    }
+    bool visitUnary(TVisit, TIntermUnary* pNode) override
+    {
+        if (IsIncDec(pNode->getOp()) && Targets(pNode->getOperand()))
+            bFound = true;
+        return !bFound;
+    }
+    bool visitAggregate(TVisit, TIntermAggregate* pNode) override
+    {
+        if (pNode->getOp() == EOpFunctionCall)
+        {
+            const TQualifierList& aQualifiers = pNode->getQualifierList();
+            const TIntermSequence& aArgs = pNode->getSequence();
+            for (std::size_t i = 0; i < aArgs.size(); ++i)
+            {
+                // Without qualifiers recorded, any argument might be written.
+                const bool bWritable = i >= aQualifiers.size() || aQualifiers[i] == EvqOut || aQualifiers[i] == EvqInOut;
+                if (bWritable && aArgs[i] && aArgs[i]->getAsTyped() && Targets(aArgs[i]->getAsTyped()))
+                    bFound = true;
+            }
+        }
+        return !bFound;
+    }
+
+private:
+    bool Targets(TIntermTyped* pNode) const
+    {
+        TIntermSymbol* pRoot = RootOf(pNode);
+        return pRoot && pRoot->getId() == m_llId;
+    }
+    long long m_llId;
+};
+
+class CSideEffectFinder : public TIntermTraverser
+{
+public:
+    bool bFound = false;
+
+    bool visitBinary(TVisit, TIntermBinary* pNode) override
+    {
+        if (IsAssignment(pNode->getOp()))
+            bFound = true;
+        return !bFound;
+    }
+    bool visitUnary(TVisit, TIntermUnary* pNode) override
+    {
+        if (IsIncDec(pNode->getOp()))
+            bFound = true;
+        return !bFound;
+    }
+    bool visitAggregate(TVisit, TIntermAggregate* pNode) override
+    {
+        if (pNode->getOp() == EOpFunctionCall)
+            bFound = true;
+        return !bFound;
+    }
+    bool visitBranch(TVisit, TIntermBranch*) override
+    {
+        bFound = true;
+        return false;
+    }
+    bool visitSelection(TVisit, TIntermSelection* pNode) override
+    {
+        // Statements inside an expression (never produced for GLSL ES) count as effects.
+        if (pNode->getBasicType() == EbtVoid)
+            bFound = true;
+        return !bFound;
+    }
+    bool visitLoop(TVisit, TIntermLoop*) override
+    {
+        bFound = true;
+        return false;
+    }
+};
+
+// Loops and switches both leave through a flag when a return sits inside them.
+class CReturnFinder : public TIntermTraverser
+{
+public:
+    CReturnFinder() : TIntermTraverser(true, false, true) {}
+    SReturnCount count;
+
+    bool visitBranch(TVisit eVisit, TIntermBranch* pNode) override
+    {
+        if (eVisit == EvPreVisit && pNode->getFlowOp() == EOpReturn)
+        {
+            ++count.iReturns;
+            count.bInsideLevel = count.bInsideLevel || m_iLevels > 0;
+        }
+        return true;
+    }
+    bool visitLoop(TVisit eVisit, TIntermLoop*) override
+    {
+        m_iLevels += eVisit == EvPreVisit ? 1 : -1;
+        return true;
+    }
+    bool visitSwitch(TVisit eVisit, TIntermSwitch*) override
+    {
+        m_iLevels += eVisit == EvPreVisit ? 1 : -1;
+        return true;
+    }
+
+private:
+    int m_iLevels = 0;
+};
+
+} // namespace
+
+std::vector<std::uint8_t> SlotLanes(const TType& type)
+{
+    std::vector<std::uint8_t> aLanes;
+    if (type.isArray())
+    {
+        const TType element(type, 0);
+        const std::vector<std::uint8_t> aElement = SlotLanes(element);
+        const int iCount = type.isSizedArray() ? std::max(0, type.getOuterArraySize()) : 0;
+        for (int i = 0; i < iCount; ++i)
+            aLanes.insert(aLanes.end(), aElement.begin(), aElement.end());
+    }
+    else if (type.isStruct())
+    {
+        for (const TTypeLoc& member : *type.getStruct())
+        {
+            const std::vector<std::uint8_t> aMember = SlotLanes(*member.type);
+            aLanes.insert(aLanes.end(), aMember.begin(), aMember.end());
+        }
+    }
+    else if (type.isMatrix())
+    {
+        for (int i = 0; i < type.getMatrixCols(); ++i)
+            aLanes.push_back(static_cast<std::uint8_t>(type.getMatrixRows()));
+    }
+    else
+    {
+        aLanes.push_back(static_cast<std::uint8_t>(std::clamp(type.getVectorSize(), 1, 4)));
+    }
+    return aLanes;
+}
+
+int LanesOf(const TType& type)
+{
+    if (type.isMatrix())
+        return type.getMatrixRows();
+    return std::clamp(type.getVectorSize(), 1, 4);
+}
+
+bool IsFloatType(TBasicType eType)
+{
+    return eType == EbtFloat || eType == EbtDouble || eType == EbtFloat16;
+}
+
+bool IsIntegerType(TBasicType eType)
+{
+    return eType == EbtInt || eType == EbtUint || eType == EbtInt8 || eType == EbtUint8 || eType == EbtInt16 ||
+           eType == EbtUint16 || eType == EbtInt64 || eType == EbtUint64;
+}
+
+double ConstantAsDouble(const TConstUnion& constant)
+{
+    switch (constant.getType())
+    {
+    case EbtInt: return constant.getIConst();
+    case EbtUint: return constant.getUConst();
+    case EbtBool: return constant.getBConst() ? 1.0 : 0.0;
+    case EbtFloat:
+    case EbtDouble: return constant.getDConst();
+    default: return 0.0;
+    }
+}
+
+std::vector<float> ConstantSlots(const TType& type, const TConstUnionArray& aConstants)
+{
+    std::vector<float> aValues;
+    int iNext = 0;
+    for (std::uint8_t uiLanes : SlotLanes(type))
+    {
+        for (int i = 0; i < 4; ++i)
+        {
+            const bool bPresent = i < uiLanes && iNext < aConstants.size();
+            aValues.push_back(bPresent ? static_cast<float>(ConstantAsDouble(aConstants[iNext])) : 0.0f);
+            iNext += i < uiLanes ? 1 : 0;
+        }
+    }
+    return aValues;
+}
+
+bool IsAssignment(TOperator eOp)
+{
+    return eOp == EOpAssign || BaseOfCompound(eOp) != EOpNull;
+}
+
+TOperator BaseOfCompound(TOperator eOp)
+{
+    switch (eOp)
+    {
+    case EOpAddAssign: return EOpAdd;
+    case EOpSubAssign: return EOpSub;
+    case EOpMulAssign: return EOpMul;
+    case EOpVectorTimesMatrixAssign: return EOpVectorTimesMatrix;
+    case EOpVectorTimesScalarAssign: return EOpVectorTimesScalar;
+    case EOpMatrixTimesScalarAssign: return EOpMatrixTimesScalar;
+    case EOpMatrixTimesMatrixAssign: return EOpMatrixTimesMatrix;
+    case EOpDivAssign: return EOpDiv;
+    case EOpModAssign: return EOpMod;
+    case EOpAndAssign: return EOpAnd;
+    case EOpInclusiveOrAssign: return EOpInclusiveOr;
+    case EOpExclusiveOrAssign: return EOpExclusiveOr;
+    case EOpLeftShiftAssign: return EOpLeftShift;
+    case EOpRightShiftAssign: return EOpRightShift;
+    default: return EOpNull;
+    }
+}
+
+bool IsIncDec(TOperator eOp)
+{
+    return eOp == EOpPostIncrement || eOp == EOpPostDecrement || eOp == EOpPreIncrement || eOp == EOpPreDecrement;
+}
+
+bool IsArithmetic(TOperator eOp)
+{
+    switch (eOp)
+    {
+    case EOpAdd:
+    case EOpSub:
+    case EOpMul:
+    case EOpDiv:
+    case EOpMod:
+    case EOpVectorTimesScalar:
+    case EOpMatrixTimesScalar:
+    case EOpVectorTimesMatrix:
+    case EOpMatrixTimesVector:
+    case EOpMatrixTimesMatrix:
+    case EOpAnd:
+    case EOpInclusiveOr:
+    case EOpExclusiveOr:
+    case EOpLeftShift:
+    case EOpRightShift:
+    case EOpLogicalXor:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool IsComparison(TOperator eOp)
+{
+    switch (eOp)
+    {
+    case EOpEqual:
+    case EOpNotEqual:
+    case EOpVectorEqual:
+    case EOpVectorNotEqual:
+    case EOpLessThan:
+    case EOpGreaterThan:
+    case EOpLessThanEqual:
+    case EOpGreaterThanEqual:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool IsConversion(TOperator eOp)
+{
+    return eOp >= EOpConvInt8ToBool && eOp <= EOpConvDoubleToFloat;
+}
+
+TIntermSymbol* RootOf(TIntermTyped* pNode)
+{
+    while (pNode)
+    {
+        if (TIntermSymbol* pSymbol = pNode->getAsSymbolNode())
+            return pSymbol;
+        TIntermBinary* pBinary = pNode->getAsBinaryNode();
+        if (!pBinary)
+            return nullptr;
+        pNode = pBinary->getLeft();
+    }
+    return nullptr;
+}
+
+bool IsAccessNode(TIntermTyped* pNode)
+{
+    while (pNode)
+    {
+        if (pNode->getAsSymbolNode())
+            return true;
+        if (pNode->getAsConstantUnion())
+            return pNode->getType().isArray();
+        TIntermBinary* pBinary = pNode->getAsBinaryNode();
+        if (!pBinary)
+            return false;
+        switch (pBinary->getOp())
+        {
+        case EOpIndexDirect:
+        case EOpIndexIndirect:
+        case EOpIndexDirectStruct:
+        case EOpVectorSwizzle:
+            pNode = pBinary->getLeft();
+            break;
+        default:
+            return false;
+        }
+    }
+    return false;
+}
+
+bool WritesVariable(TIntermNode* pNode, long long llId)
+{
+    if (!pNode)
+        return false;
+    CWriteFinder finder(llId);
+    pNode->traverse(&finder);
+    return finder.bFound;
+}
+
+bool HasSideEffects(TIntermNode* pNode)
+{
+    if (!pNode)
+        return false;
+    CSideEffectFinder finder;
+    pNode->traverse(&finder);
+    return finder.bFound;
+}
+
+SReturnCount CountReturns(TIntermNode* pBody)
+{
+    CReturnFinder finder;
+    if (pBody)
+        pBody->traverse(&finder);
+    return finder.count;
+}
+
+bool EndsWithReturn(TIntermNode* pBody)
+{
+    TIntermAggregate* pSequence = pBody ? pBody->getAsAggregate() : nullptr;
+    if (!pSequence || pSequence->getSequence().empty())
+        return false;
+    TIntermBranch* pLast = pSequence->getSequence().back() ? pSequence->getSequence().back()->getAsBranchNode() : nullptr;
+    return pLast && pLast->getFlowOp() == EOpReturn;
+}
+
+TIntermAggregate* ParametersOf(TIntermAggregate* pDefinition)
+{
+    TIntermSequence& sequence = pDefinition->getSequence();
+    if (sequence.empty() || !sequence[0])
+        return nullptr;
+    TIntermAggregate* pParameters = sequence[0]->getAsAggregate();
+    return pParameters && pParameters->getOp() == EOpParameters ? pParameters : nullptr;
+}
+
+TIntermNode* BodyOf(TIntermAggregate* pDefinition)
+{
+    TIntermSequence& sequence = pDefinition->getSequence();
+    return sequence.size() > 1 ? sequence[1] : nullptr;
+}
+
+std::string FunctionName(const TString& mangled)
+{
+    std::string name = mangled.c_str();
+    const std::size_t uiParen = name.find('(');
+    return uiParen == std::string::npos ? name : name.substr(0, uiParen);
+}
+
+std::string UserName(const TIntermSymbol* pSymbol)
+{
+    const std::string name = pSymbol->getName().c_str();
+    if (name.rfind("anon@", 0) == 0 && pSymbol->getType().getBasicType() == EbtBlock)
+        return pSymbol->getType().getTypeName().c_str();
+    return name;
+}
+
+} // namespace ZamCompiler

@@ -1,0 +1,60 @@
+#pragma once
+
+// Questions the lowering asks of glslang's typed tree: shapes of types, constants,
+// what a node writes or returns, and the names the user wrote.
+
+#include <glslang/MachineIndependent/localintermediate.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace ZamCompiler
+{
+
+// --- types and constants ---
+// Lanes of each four-lane slot the type occupies (a mat3 is {3, 3, 3}).
+std::vector<std::uint8_t> SlotLanes(const glslang::TType& type);
+// Lanes of one slot: a vector's size, a matrix's rows.
+int LanesOf(const glslang::TType& type);
+bool IsFloatType(glslang::TBasicType eType);
+bool IsIntegerType(glslang::TBasicType eType);
+double ConstantAsDouble(const glslang::TConstUnion& constant);
+// Four floats per slot, unused lanes 0.
+std::vector<float> ConstantSlots(const glslang::TType& type, const glslang::TConstUnionArray& aConstants);
+
+// --- operators ---
+bool IsAssignment(glslang::TOperator eOp);
+// The operator of a compound assignment (+= gives +), EOpNull for anything else.
+glslang::TOperator BaseOfCompound(glslang::TOperator eOp);
+bool IsIncDec(glslang::TOperator eOp);
+// Binary operators lowered lane by lane or as matrix products.
+bool IsArithmetic(glslang::TOperator eOp);
+bool IsComparison(glslang::TOperator eOp);
+bool IsConversion(glslang::TOperator eOp);
+
+// --- nodes ---
+// The variable at the root of an access path (a.b[2].xy gives a), or null.
+glslang::TIntermSymbol* RootOf(glslang::TIntermTyped* pNode);
+// A variable, or an index, member or swizzle of one (a literal array counts).
+bool IsAccessNode(glslang::TIntermTyped* pNode);
+// Any write to the variable, including passing it as an out or inout argument.
+bool WritesVariable(TIntermNode* pNode, long long llId);
+bool HasSideEffects(TIntermNode* pNode);
+
+// --- functions ---
+struct SReturnCount
+{
+    int iReturns = 0;
+    bool bInsideLevel = false; // a return sits inside a loop or switch
+};
+SReturnCount CountReturns(TIntermNode* pBody);
+bool EndsWithReturn(TIntermNode* pBody);
+glslang::TIntermAggregate* ParametersOf(glslang::TIntermAggregate* pDefinition);
+TIntermNode* BodyOf(glslang::TIntermAggregate* pDefinition);
+// "f(vf2;" gives "f".
+std::string FunctionName(const glslang::TString& mangled);
+// The name as the user wrote it: an anonymous block is known by its block name.
+std::string UserName(const glslang::TIntermSymbol* pSymbol);
+
+} // namespace ZamCompiler
