@@ -138,6 +138,8 @@ bool CExpressionLowerer::Aggregate(TIntermAggregate* pNode, SValue& value)
     const int iLine = LineOf(pNode);
     if (pNode->getOp() == EOpFunctionCall)
         return m_calls.Inline(pNode, value);
+    if (pNode->getOp() == EOpComma)
+        return Comma(pNode, value);
 
     std::vector<TIntermTyped*> aNodes;
     for (TIntermNode* pChild : pNode->getSequence())
@@ -159,6 +161,22 @@ bool CExpressionLowerer::Aggregate(TIntermAggregate* pNode, SValue& value)
             return false;
     }
     return LowerConstructor(m_builder, pNode->getType(), aArgs, iLine, value);
+}
+
+// "a, b, c": every part in order, the last one's value.
+bool CExpressionLowerer::Comma(TIntermAggregate* pNode, SValue& value)
+{
+    for (TIntermNode* pChild : pNode->getSequence())
+    {
+        TIntermTyped* pPart = pChild ? pChild->getAsTyped() : nullptr;
+        if (!pPart || !Lower(pPart, value))
+        {
+            if (!m_builder.Failed())
+                m_builder.Fail(LineOf(pNode), "',' : this sequence is not supported by the TXE code generator");
+            return false;
+        }
+    }
+    return true;
 }
 
 bool CExpressionLowerer::LowerAll(const std::vector<TIntermTyped*>& aNodes, int iLine, std::vector<SValue>& aValues)

@@ -77,9 +77,29 @@ bool ReadTest(TIntermLoop* pNode, SCounterTest& test)
     return true;
 }
 
+double StepOf(TIntermTyped* pTerminal, long long llCounter);
+
+// "i++, j--": the one part that writes the counter steps it.
+double StepOfSequence(TIntermAggregate* pSequence, long long llCounter)
+{
+    double dStep = 0.0;
+    int iWriters = 0;
+    for (TIntermNode* pPart : pSequence->getSequence())
+    {
+        if (!WritesVariable(pPart, llCounter))
+            continue;
+        ++iWriters;
+        dStep = pPart->getAsTyped() ? StepOf(pPart->getAsTyped(), llCounter) : 0.0;
+    }
+    return iWriters == 1 ? dStep : 0.0;
+}
+
 // The constant step of "counter++", "--counter", "counter += k" or "counter -= k"; 0 otherwise.
 double StepOf(TIntermTyped* pTerminal, long long llCounter)
 {
+    TIntermAggregate* pSequence = pTerminal ? pTerminal->getAsAggregate() : nullptr;
+    if (pSequence && pSequence->getOp() == EOpComma)
+        return StepOfSequence(pSequence, llCounter);
     if (TIntermUnary* pUnary = pTerminal ? pTerminal->getAsUnaryNode() : nullptr)
     {
         TIntermSymbol* pTarget = pUnary->getOperand()->getAsSymbolNode();

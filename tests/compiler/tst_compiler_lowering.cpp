@@ -51,6 +51,8 @@ private slots:
     void cleanupTestCase() { m_pProcess.reset(); }
     void returnsOfCalls_data();
     void returnsOfCalls();
+    void commaOperator_data();
+    void commaOperator();
 
 private:
     void AddRows();
@@ -120,6 +122,36 @@ void CCompilerLoweringTest::returnsOfCalls_data()
 }
 
 void CCompilerLoweringTest::returnsOfCalls()
+{
+    CheckRow();
+}
+
+void CCompilerLoweringTest::commaOperator_data()
+{
+    AddRows();
+    using V = QVector<double>;
+    QTest::addRow("statement")
+        << Es3("", "float a, b;\na = 1.0, b = uF * 2.0;\no = vec4(a, b, 0.0, 0.0);") << V{1, 1.5, 0, 0};
+    QTest::addRow("two loop counters")
+        << Es3("", "float s = 0.0;\nfor (int i = 0, j = 4; i < 4; ++i, --j) s += float(i * j);\no = vec4(s);")
+        << V{10, 10, 10, 10};
+    QTest::addRow("continue runs the whole increment")
+        << Es3("", "float s = 0.0; int k = 0;\n"
+                   "for (int i = 0, j = 10; i < 5; i++, j -= 2) { if (i == 2) continue; s += float(j); k++; }\n"
+                   "o = vec4(s, float(k), 0.0, 0.0);")
+        << V{24, 4, 0, 0};
+    QTest::addRow("inside an expression")
+        << Es3("", "float a = uF;\nfloat c = (a += 1.0, a * 2.0);\no = vec4(a, c, 0.0, 0.0);") << V{1.75, 3.5, 0, 0};
+    QTest::addRow("with effects in a conditional")
+        << Es3("", "float n = 0.0;\nfloat r = uF > 0.5 ? (n += 1.0, n * 10.0) : -1.0;\n"
+                   "float q = uF > 1.0 ? (n += 5.0, n) : -2.0;\no = vec4(n, r, q, 0.0);")
+        << V{1, 10, -2, 0};
+    QTest::addRow("as a call argument")
+        << Es1("float twice(float x) { return 2.0 * x; }", "float a = 0.0;\ngl_FragColor = vec4(twice((a = uB.y, a + 1.0)), a, 0.0, 0.0);")
+        << V{10, 4, 0, 0};
+}
+
+void CCompilerLoweringTest::commaOperator()
 {
     CheckRow();
 }

@@ -245,6 +245,8 @@ void CCompilerModelTest::loopTripCounts_data()
     QTest::addRow("counter written in body") << "for (int i = 0; i < 8; i++) { c += uK; if (c.x > 1.0) i += 1; }" << -1;
     QTest::addRow("uniform bound") << "for (int i = 0; i < 8; i++) { if (float(i) > uK.x) break; c += uK; }" << 8;
     QTest::addRow("unknown start") << "int n = int(uK.x); for (int i = n; i < 8; i++) c += uK;" << -1;
+    QTest::addRow("two counters") << "for (int i = 0, j = 4; i < 4; ++i, --j) c += uK * float(j);" << 4;
+    QTest::addRow("counter stepped twice") << "for (int i = 0; i < 8; i++, i += 2) c += uK;" << -1;
 }
 
 void CCompilerModelTest::loopTripCounts()
