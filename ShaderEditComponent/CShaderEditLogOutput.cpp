@@ -1,0 +1,58 @@
+#include "CShaderEditLogOutput.h"
+
+#include "COutputHighlighter.h"
+#include "CShaderEditController.h"
+#include "OutputViewSupport.h"
+
+#include <QMouseEvent>
+#include <QTextBlock>
+
+namespace
+{
+constexpr unsigned int s_uiFormatSettings =
+    Settings::CompilerSetting_ShouldFormat | Settings::CompilerSetting_ErrorFormat |
+    Settings::CompilerSetting_WarningFormat;
+} // namespace
+
+CShaderEditLogOutput::CShaderEditLogOutput(CShaderEditController* pController, QWidget* pParent)
+    : QPlainTextEdit(pParent)
+    , m_pHighlighter(new COutputHighlighter(document(), pController->GetCompilerSettings()))
+    , m_Message(QStringLiteral("(ERROR|WARNING): (\\d+):(\\d+)[^\\n]*"), Qt::CaseSensitive, QRegExp::RegExp)
+{
+    setObjectName(QStringLiteral("ShaderEditLogOutput"));
+    setReadOnly(true);
+
+    connect(pController, &CShaderEditController::CompileOutputChanged, this,
+            &CShaderEditLogOutput::OnCompileOutputChanged);
+    connect(pController, &CShaderEditController::ClearCompileOutput, this, &QPlainTextEdit::clear);
+    connect(pController, &CShaderEditController::CompilerSettingsChanged, this,
+            &CShaderEditLogOutput::OnCompilerSettingsChanged);
+}
+
+void CShaderEditLogOutput::OnCompileOutputChanged(const QString& Log)
+{
+    setPlainText(BreakOverlongLines(Log));
+}
+
+void CShaderEditLogOutput::OnCompilerSettingsChanged(const Settings::SCompiler& settings, unsigned int uiSettingMask)
+{
+    if (uiSettingMask & s_uiFormatSettings)
+        m_pHighlighter->SetSettings(settings);
+}
+
+void CShaderEditLogOutput::mouseDoubleClickEvent(QMouseEvent* pEvent)
+{
+    QPlainTextEdit::mouseDoubleClickEvent(pEvent);
+
+    const QPoint Position = pEvent->position().toPoint();
+    const QTextBlock Block = cursorForPosition(Position).block();
+    // Below the last line the nearest block is the last one; that is not a click on it.
+    if (!Block.isValid() || !blockBoundingGeometry(Block).translated(contentOffset()).contains(Position))
+        return;
+    if (m_Message.indexIn(Block.text()) < 0)
+        return;
+    bool bNumber = false;
+    const int iLine = m_Message.cap(3).toInt(&bNumber);
+    if (bNumber)
+        emit JumpToLine(iLine);
+}
