@@ -430,6 +430,7 @@ SLanes CTxeMachine::Texture(const STxeInstruction& instr, const std::array<SLane
         return m_pSampler->Size(instr.aSrc[1].iIndex, static_cast<int>(Integer(sources[0][0])));
     STxeSample sample;
     sample.eOp = instr.eOp;
+    sample.iInvocation = iInvocation;
     sample.iUnit = instr.aSrc[1].iIndex;
     sample.coordinate = sources[0];
     sample.iCoordinateLanes = instr.aSrc[0].uiCount;

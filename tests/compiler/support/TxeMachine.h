@@ -23,6 +23,7 @@ constexpr int k_iInvocations = 4;
 struct STxeSample
 {
     ZamCompiler::ETxeOp eOp = ZamCompiler::Op_Tex;
+    int iInvocation = 0;
     int iUnit = 0;
     SLanes coordinate = {0, 0, 0, 0};
     int iCoordinateLanes = 0;
