@@ -66,6 +66,8 @@ public:
     // The GLSL ES compiler the selection resolves to, and what it said about itself.
     const QString& GetCompilerPath() const { return m_CompilerPath; }
     const SCompilerDetection& GetCompilerDetection() const { return m_Detection; }
+    // Where the bundled compilers of the selection are looked for.
+    const QStringList& GetCompilerSearchPaths() const { return m_SearchPaths; }
     // Compilers are asked about themselves on threads of their own, at start and whenever the
     // selection or the custom path changes; until they have answered (or run out of time),
     // the detection above is the previous one and compiles wait, without blocking anything.

@@ -4,9 +4,12 @@
 // left behind (children, zombies, open files, peak memory).
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QString>
 #include <QStringList>
+#include <QTest>
+#include <QTimer>
 
 #include <unistd.h>
 
@@ -93,6 +96,27 @@ inline qint64 PeakMemoryKiB()
             return Line.mid(6).trimmed().split(' ').value(0).toLongLong();
     }
     return -1;
+}
+
+// The longest time, in ms, a 10 ms timer had to wait for the event loop while Done was false:
+// how long the GUI thread was held up. -1 when Done did not come true within the limit.
+template <typename FDone> qint64 LongestStall(FDone Done, int iLimitMs)
+{
+    QElapsedTimer Clock;
+    Clock.start();
+    qint64 iLast = 0;
+    qint64 iLongest = 0;
+    QTimer Tick;
+    QObject::connect(&Tick, &QTimer::timeout,
+                     [&]
+                     {
+                         iLongest = qMax(iLongest, Clock.elapsed() - iLast);
+                         iLast = Clock.elapsed();
+                     });
+    Tick.start(10);
+    if (!QTest::qWaitFor(Done, iLimitMs))
+        return -1;
+    return qMax(iLongest, Clock.elapsed() - iLast);
 }
 
 // Sets an environment variable for the fakes a test starts, and removes it afterwards.

@@ -30,25 +30,6 @@ QString WriteScript(const QTemporaryDir& Folder, const QString& Name, const QByt
     File.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     return Path;
 }
-
-// The longest stretch, in ms, in which a 10 ms timer did not get to run while Done was false;
-// -1 when Done did not come true within the limit.
-template <typename FDone> qint64 LongestStall(FDone Done, int iLimitMs)
-{
-    QElapsedTimer Clock;
-    Clock.start();
-    qint64 iLast = 0;
-    qint64 iLongest = 0;
-    QTimer Tick;
-    QObject::connect(&Tick, &QTimer::timeout, [&] {
-        iLongest = qMax(iLongest, Clock.elapsed() - iLast);
-        iLast = Clock.elapsed();
-    });
-    Tick.start(10);
-    if (!QTest::qWaitFor(Done, iLimitMs))
-        return -1;
-    return qMax(iLongest, Clock.elapsed() - iLast);
-}
 } // namespace
 
 class CCompilerDetectorTest : public QObject

@@ -1,0 +1,35 @@
+#include "PreferenceText.h"
+
+#include <iterator>
+
+namespace
+{
+const char* const s_apEnglish[] = {
+    "Custom compiler",
+    "Checking the compiler\u2026",
+    "Temporary files need an existing folder that you can write to.",
+    "The tab size must be a whole number from 1 to 64.",
+    "All Files (*)",
+    "Select the compiler",
+    "Select the folder for temporary files",
+    "Element",
+    "Foreground",
+    "Background",
+    "Bold",
+    "Underline",
+    "Defaults",
+    "All Defaults",
+    "Font",
+    "Size",
+    "Preview",
+    "General",
+};
+static_assert(std::size(s_apEnglish) == PrefText_Count, "every text needs exactly one entry");
+} // namespace
+
+QString PreferenceText(EPreferenceText eText)
+{
+    if (eText < 0 || eText >= PrefText_Count)
+        return QString();
+    return QString::fromUtf8(s_apEnglish[eText]);
+}
