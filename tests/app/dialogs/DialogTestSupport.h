@@ -1,0 +1,57 @@
+#pragma once
+
+// The controllers behind the dialogs, on a preference file in the test's configuration folder,
+// with the fake compiler (see tests/ShaderEditComponent/compile/fakes) as the custom compiler.
+
+#include "../../ShaderEditComponent/compile/CompileTestSupport.h"
+#include "CGUIController.h"
+#include "CShaderEditController.h"
+#include "CompilerLocator.h"
+#include "MetaTypes.h"
+#include "ShaderHighlightController.h"
+#include "ZamPreferences.h"
+
+#include <QTemporaryDir>
+
+#include <memory>
+
+namespace DialogTest
+{
+inline QString StorePath()
+{
+    return CZamPreferences(QStringLiteral("ZamShaderEditor")).GetFilePath();
+}
+
+// Writes the starting preference file: the custom compiler Compiler (selection 4).
+inline void WriteStartingFile(const QString& Compiler, const QString& TempDirectory)
+{
+    QFile::remove(StorePath());
+    CZamPreferences Store(QStringLiteral("ZamShaderEditor"));
+    Store.Load();
+    Store.SetString(QStringLiteral("Compiler/GLSLES"), Compiler);
+    Store.SetInteger(QStringLiteral("Compiler/CompilerSelection"), CustomCompilerSelection);
+    Store.SetString(QStringLiteral("Compiler/TempDirectory"), TempDirectory);
+    Store.Save();
+}
+
+struct SControllers
+{
+    std::unique_ptr<CGUIController> pGUI;
+    std::unique_ptr<CShaderEditController> pEdit;
+    std::unique_ptr<CShaderHighlightController> pHighlight;
+};
+
+// The three controllers as the main window makes them: one store, lent to all.
+inline SControllers MakeControllers(const QString& SearchPath)
+{
+    SControllers Made;
+    Made.pGUI = std::make_unique<CGUIController>(std::make_unique<CZamPreferences>(QStringLiteral("ZamShaderEditor")));
+    SShaderEditControllerOptions Options;
+    Options.pPreferences = &Made.pGUI->GetPreferences();
+    Options.CompilerSearchPaths = {SearchPath};
+    Made.pEdit = std::make_unique<CShaderEditController>(Options);
+    Made.pEdit->WaitForCompilerDetection();
+    Made.pHighlight = std::make_unique<CShaderHighlightController>(&Made.pGUI->GetPreferences());
+    return Made;
+}
+} // namespace DialogTest

@@ -1,0 +1,280 @@
+// The preferences window with its four pages, driven through its widgets against the real
+// controllers and the real preference file, including files a save must not lose.
+
+#include "ApplicationText.h"
+#include "CCompilerPreferencesWidget.h"
+#include "CEditorPreferencesWidget.h"
+#include "CPreferencesDialog.h"
+#include "DialogTestSupport.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QLineEdit>
+#include <QMetaMethod>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTabWidget>
+#include <QtTest>
+
+#include <sys/stat.h>
+
+using namespace CompileTest;
+using namespace DialogTest;
+
+class CPreferencesDialogTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void InterfaceAndTexts();
+    void OkStoresEachPageWithItsMask();
+    void CancelStoresNothing();
+    void OkFollowsEveryPage();
+    void SavingKeepsTheUsersFile();
+
+private:
+    std::unique_ptr<CPreferencesDialog> Open();
+    QPushButton* Button(CPreferencesDialog& Dialog, QDialogButtonBox::StandardButton eButton);
+    template <typename TWidget> TWidget* Child(CPreferencesDialog& Dialog, const char* pName)
+    {
+        return Dialog.findChild<TWidget*>(QLatin1String(pName));
+    }
+    // Waits until the compiler page has its answer; then OK says what the pages think.
+    bool Settle(CPreferencesDialog& Dialog);
+
+    QTemporaryDir m_Temp;
+    SControllers m_Controllers;
+};
+
+void CPreferencesDialogTest::initTestCase()
+{
+    RegisterCompileMetaTypes();
+    QVERIFY(QFileInfo(Fake("print")).isExecutable());
+}
+
+void CPreferencesDialogTest::init()
+{
+    WriteStartingFile(Fake("print"), m_Temp.path() + "/");
+    m_Controllers = MakeControllers(m_Temp.filePath(QStringLiteral("no-bundled")));
+}
+
+void CPreferencesDialogTest::cleanup()
+{
+    m_Controllers = SControllers();
+    QTRY_COMPARE_WITH_TIMEOUT(Children().iLiving + Children().iZombies, 0, 5000);
+}
+
+std::unique_ptr<CPreferencesDialog> CPreferencesDialogTest::Open()
+{
+    auto pDialog = std::make_unique<CPreferencesDialog>(nullptr, *m_Controllers.pGUI, *m_Controllers.pEdit,
+                                                        *m_Controllers.pHighlight);
+    // As the main window does.
+    QMetaObject::invokeMethod(pDialog.get(), "OnRetranslate");
+    return pDialog;
+}
+
+QPushButton* CPreferencesDialogTest::Button(CPreferencesDialog& Dialog, QDialogButtonBox::StandardButton eButton)
+{
+    return Child<QDialogButtonBox>(Dialog, "buttonBox")->button(eButton);
+}
+
+bool CPreferencesDialogTest::Settle(CPreferencesDialog& Dialog)
+{
+    return QTest::qWaitFor([&] { return !Dialog.GetCompilerPage()->IsCheckingCompiler(); }, 10000);
+}
+
+void CPreferencesDialogTest::InterfaceAndTexts()
+{
+    const QMetaObject& Meta = CPreferencesDialog::staticMetaObject;
+    QStringList Found;
+    for (int i = Meta.methodOffset(); i < Meta.methodCount(); ++i)
+        Found << QString::fromLatin1(Meta.method(i).methodSignature());
+    QCOMPARE(Found, (QStringList{"CompileInBackgroundChanged(bool)", "CloseWithMiddleMouseChanged(bool)",
+                                 "OpenPreviousTabsChanged(bool)", "Save()", "Retranslate()", "OnRetranslate()",
+                                 "OnSave()"}));
+
+    auto pDialog = Open();
+    QCOMPARE(pDialog->windowTitle(), QStringLiteral("Preferences"));
+    auto* pTabs = Child<QTabWidget>(*pDialog, "preferencesTabWidget");
+    QStringList Tabs;
+    for (int i = 0; i < pTabs->count(); ++i)
+        Tabs << pTabs->tabText(i);
+    QCOMPARE(Tabs, (QStringList{"General", "Compiler Settings", "Editor Settings", "Editor Colours"}));
+    QCOMPARE(Child<QCheckBox>(*pDialog, "closeTabsMiddleMouseCheckbox")->text(),
+             QStringLiteral("Close tabs with middle mouse button"));
+    QCOMPARE(Child<QCheckBox>(*pDialog, "compileInBackgroundCheckbox")->text(),
+             QStringLiteral("Compile shaders in background when possible"));
+    QCOMPARE(Child<QCheckBox>(*pDialog, "saveSessionCheckbox")->text(),
+             QStringLiteral("Save session on exit and reload on start"));
+    QCOMPARE(Button(*pDialog, QDialogButtonBox::Ok)->text(), QStringLiteral("OK"));
+    QCOMPARE(Button(*pDialog, QDialogButtonBox::Cancel)->text(), QStringLiteral("Cancel"));
+    QCOMPARE(Child<QLineEdit>(*pDialog, "GLSLESPath")->parentWidget()->parentWidget()->objectName(),
+             QStringLiteral("tabCompiler"));
+}
+
+void CPreferencesDialogTest::OkStoresEachPageWithItsMask()
+{
+    // With nothing changed, OK still writes the three General settings under their keys.
+    {
+        auto pDialog = Open();
+        QVERIFY(Settle(*pDialog));
+        QVERIFY(!Child<QCheckBox>(*pDialog, "closeTabsMiddleMouseCheckbox")->isChecked());
+        QVERIFY(Child<QCheckBox>(*pDialog, "compileInBackgroundCheckbox")->isChecked());
+        QVERIFY(!Child<QCheckBox>(*pDialog, "saveSessionCheckbox")->isChecked());
+        QSignalSpy Compiler(m_Controllers.pEdit.get(), &CShaderEditController::CompilerSettingsChanged);
+        QSignalSpy General(m_Controllers.pGUI.get(), &CGUIController::GeneralSettingsChanged);
+        Button(*pDialog, QDialogButtonBox::Ok)->click();
+        QCOMPARE(pDialog->result(), int(QDialog::Accepted));
+        QCOMPARE(Compiler.size(), 2);
+        QCOMPARE(Compiler.at(0).at(1).toUInt(), 1u);           // the General page's flag
+        QCOMPARE(Compiler.at(1).at(1).toUInt(), 250u);         // the compiler page's fields
+        QCOMPARE(General.size(), 1);
+    }
+    CZamPreferences File(QStringLiteral("ZamShaderEditor"));
+    QVERIFY(File.Load());
+    QCOMPARE(File.GetBool(QStringLiteral("Compiler/AutoCompile"), false), true);
+    QCOMPARE(File.GetBool(QStringLiteral("Editor/CloseTabsMiddleMouse"), true), false);
+    QCOMPARE(File.GetBool(QStringLiteral("General/OpenLastTabs"), true), false);
+    QVERIFY(!File.HasKey(QStringLiteral("General/CustomCommand"))); // not this dialog's
+
+    // Each check box goes to its own record; the next dialog starts from what was stored.
+    auto pDialog = Open();
+    QVERIFY(Settle(*pDialog));
+    Child<QCheckBox>(*pDialog, "closeTabsMiddleMouseCheckbox")->setChecked(true);
+    Child<QCheckBox>(*pDialog, "compileInBackgroundCheckbox")->setChecked(false);
+    Child<QCheckBox>(*pDialog, "saveSessionCheckbox")->setChecked(true);
+    Button(*pDialog, QDialogButtonBox::Ok)->click();
+    QCOMPARE(m_Controllers.pEdit->GetCompilerSettings().bAutoCompile, false);
+    QCOMPARE(m_Controllers.pEdit->GetEditorSettings().bCloseTabsMiddleMouse, true);
+    QCOMPARE(m_Controllers.pGUI->GetGeneralSettings().bOpenLastTabs, true);
+    auto pNext = Open();
+    QVERIFY(Child<QCheckBox>(*pNext, "closeTabsMiddleMouseCheckbox")->isChecked());
+    QVERIFY(!Child<QCheckBox>(*pNext, "compileInBackgroundCheckbox")->isChecked());
+    QVERIFY(Child<QCheckBox>(*pNext, "saveSessionCheckbox")->isChecked());
+}
+
+void CPreferencesDialogTest::CancelStoresNothing()
+{
+    const QByteArray Before = ReadAll(StorePath());
+    QSignalSpy Compiler(m_Controllers.pEdit.get(), &CShaderEditController::CompilerSettingsChanged);
+    QSignalSpy Editor(m_Controllers.pEdit.get(), &CShaderEditController::EditorSettingsChanged);
+    QSignalSpy General(m_Controllers.pGUI.get(), &CGUIController::GeneralSettingsChanged);
+    QSignalSpy Colours(m_Controllers.pHighlight.get(), &CShaderHighlightController::SyntaxColoursChanged);
+    auto pDialog = Open();
+    QVERIFY(Settle(*pDialog));
+    Child<QCheckBox>(*pDialog, "saveSessionCheckbox")->setChecked(true);
+    Child<QLineEdit>(*pDialog, "TabSize")->setText(QStringLiteral("8"));
+    Child<QComboBox>(*pDialog, "CompilerCombobox")->setCurrentIndex(2);
+    Child<QCheckBox>(*pDialog, "BoldCheckbox")->setChecked(true);
+    Button(*pDialog, QDialogButtonBox::Cancel)->click();
+    QCOMPARE(pDialog->result(), int(QDialog::Rejected));
+    pDialog.reset();
+    QCOMPARE(Compiler.size() + Editor.size() + General.size() + Colours.size(), 0);
+    QCOMPARE(ReadAll(StorePath()), Before);
+}
+
+void CPreferencesDialogTest::OkFollowsEveryPage()
+{
+    auto pDialog = Open();
+    QPushButton* pOK = Button(*pDialog, QDialogButtonBox::Ok);
+    QVERIFY(!pOK->isEnabled()); // the compiler is still being asked
+    QVERIFY(Settle(*pDialog));
+    QVERIFY(pOK->isEnabled());
+
+    auto* pTabSize = Child<QLineEdit>(*pDialog, "TabSize");
+    pTabSize->setText(QStringLiteral("four"));
+    QVERIFY(!pOK->isEnabled());
+    // Another page saying "fine" does not overrule it.
+    emit pDialog->GetCompilerPage()->CompilerTempPathChanged(m_Temp.path());
+    QVERIFY(!pOK->isEnabled());
+    emit pDialog->GetCompilerPage()->GLSLESPathChanged(m_Temp.path()); // a folder, not a program
+    QVERIFY(Settle(*pDialog));
+    pTabSize->setText(QStringLiteral("4"));
+    QVERIFY(!pOK->isEnabled());
+    emit pDialog->GetCompilerPage()->GLSLESPathChanged(Fake("print"));
+    QVERIFY(Settle(*pDialog));
+    QVERIFY(pOK->isEnabled());
+
+    // A disabled OK stores nothing.
+    pTabSize->setText(QString());
+    QSignalSpy Editor(m_Controllers.pEdit.get(), &CShaderEditController::EditorSettingsChanged);
+    pOK->click();
+    QCOMPARE(Editor.size(), 0);
+    QVERIFY(pDialog->result() != QDialog::Accepted);
+}
+
+void CPreferencesDialogTest::SavingKeepsTheUsersFile()
+{
+    const QString Path = StorePath();
+    // A file that cannot be read is kept aside by the save that OK makes, and the user hears of it.
+    const QByteArray Damaged = "<?xml version=\"1.0\"?><plist><dict><key>General</key><dict><key>Open";
+    m_Controllers = SControllers();
+    {
+        QFile File(Path);
+        QVERIFY(File.open(QIODevice::WriteOnly | QIODevice::Truncate) && File.write(Damaged) > 0);
+    }
+    m_Controllers = MakeControllers(m_Temp.filePath(QStringLiteral("no-bundled")));
+    QList<SPreferencesNotice> Notices;
+    m_Controllers.pGUI->GetPreferences().SetNoticeHandler(
+        [&Notices](const SPreferencesNotice& Notice) { Notices.append(Notice); });
+    {
+        auto pDialog = Open();
+        Child<QComboBox>(*pDialog, "CompilerCombobox")->setCurrentIndex(4);
+        emit pDialog->GetCompilerPage()->GLSLESPathChanged(Fake("print"));
+        QVERIFY(Settle(*pDialog));
+        Button(*pDialog, QDialogButtonBox::Ok)->click();
+        QCOMPARE(pDialog->result(), int(QDialog::Accepted));
+    }
+    QCOMPARE(Notices.size(), 1);
+    QCOMPARE(Notices.first().eKind, SPreferencesNotice::Kind_SetAside);
+    QCOMPARE(ReadAll(Notices.first().AsidePath), Damaged);
+    QVERIFY(ReadAll(Path).contains("<key>OpenLastTabs</key>"));
+
+    // A linked file stays linked; its target gets the settings.
+    m_Controllers = SControllers();
+    const QString Target = m_Temp.filePath(QStringLiteral("dotfiles.plist"));
+    QFile::remove(Target);
+    QVERIFY(QFile::rename(Path, Target));
+    QVERIFY(QFile::link(Target, Path));
+    m_Controllers = MakeControllers(m_Temp.filePath(QStringLiteral("no-bundled")));
+    {
+        auto pDialog = Open();
+        QVERIFY(Settle(*pDialog));
+        Child<QCheckBox>(*pDialog, "saveSessionCheckbox")->setChecked(true);
+        QVERIFY(Button(*pDialog, QDialogButtonBox::Ok)->isEnabled());
+        Button(*pDialog, QDialogButtonBox::Ok)->click();
+    }
+    QVERIFY(QFileInfo(Path).isSymLink());
+    CZamPreferences Linked(QStringLiteral("ZamShaderEditor"));
+    QVERIFY(Linked.Load());
+    QCOMPARE(Linked.GetBool(QStringLiteral("General/OpenLastTabs"), false), true);
+
+    // A read-only file is left as it is, and the user is told why.
+    m_Controllers = SControllers();
+    QVERIFY(::chmod(QFile::encodeName(Target).constData(), 0444) == 0);
+    const QByteArray Kept = ReadAll(Target);
+    m_Controllers = MakeControllers(m_Temp.filePath(QStringLiteral("no-bundled")));
+    QSignalSpy Failed(m_Controllers.pGUI.get(), &CGUIController::PreferencesSaveFailed);
+    {
+        auto pDialog = Open();
+        QVERIFY(Settle(*pDialog));
+        Child<QCheckBox>(*pDialog, "saveSessionCheckbox")->setChecked(false);
+        Button(*pDialog, QDialogButtonBox::Ok)->click();
+    }
+    QCOMPARE(ReadAll(Target), Kept);
+    QCOMPARE(Failed.size(), 1);
+    QVERIFY2(Failed.first().at(0).toString().contains("read-only"), qPrintable(Failed.first().at(0).toString()));
+    const QList<SPreferencesNotice> ReadOnly = m_Controllers.pGUI->GetPreferences().TakeNotices();
+    QCOMPARE(ReadOnly.size(), 1);
+    QCOMPARE(ReadOnly.first().eKind, SPreferencesNotice::Kind_ReadOnly);
+    m_Controllers = SControllers();
+    ::chmod(QFile::encodeName(Target).constData(), 0644);
+    QFile::remove(Path);
+}
+
+QTEST_MAIN(CPreferencesDialogTest)
+#include "tst_PreferencesDialog.moc"
