@@ -1,0 +1,3 @@
+#include "HelpLog.h"
+
+Q_LOGGING_CATEGORY(lcZamHelp, "zam.help")

@@ -1,0 +1,120 @@
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace
+{
+struct SCompileRun
+{
+    int iExitCode = -1;
+    QString Output;
+};
+
+// The editor's command-line compile, as a build script would run it.
+SCompileRun CompileWithEditor(const QStringList& Arguments)
+{
+    QProcess Process;
+    Process.setProcessChannelMode(QProcess::MergedChannels);
+    Process.start(QDir(qEnvironmentVariable("ZAM_BIN_DIR")).filePath(QStringLiteral("zamshadereditor")),
+                  QStringList{QStringLiteral("--compile")} + Arguments);
+    SCompileRun Run;
+    if (!Process.waitForFinished(120000))
+    {
+        Process.kill();
+        Process.waitForFinished();
+        Run.Output = QStringLiteral("did not finish");
+        return Run;
+    }
+    Run.iExitCode = Process.exitStatus() == QProcess::NormalExit ? Process.exitCode() : -1;
+    Run.Output = QString::fromUtf8(Process.readAll());
+    return Run;
+}
+
+QFileInfoList ExampleShaders()
+{
+    const QDir Examples(qEnvironmentVariable("ZAM_SOURCE_DIR") + QStringLiteral("/examples"));
+    return Examples.entryInfoList({QStringLiteral("*.vsh"), QStringLiteral("*.fsh"), QStringLiteral("*.zfx"),
+                                   QStringLiteral("*.cl")},
+                                  QDir::Files, QDir::Name);
+}
+
+// Each compiled unit reports one line; a clean compile has no other.
+void VerifyClean(const SCompileRun& Run, int iUnits, const QString& What)
+{
+    QVERIFY2(Run.iExitCode == 0, qPrintable(What + QStringLiteral(":\n") + Run.Output));
+    const QStringList Lines = Run.Output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QCOMPARE(Lines.size(), iUnits);
+    for (const QString& Line : Lines)
+        QVERIFY2(Line.endsWith(QStringLiteral(": Compile succeeded.")), qPrintable(What + QStringLiteral(": ") + Line));
+}
+} // namespace
+
+class tst_Examples : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void everyExampleCompilesCleanly();
+    void glslExamplesCompileOnEveryCore();
+    void examplesAreBesideTheBuild();
+
+private:
+    QTemporaryDir m_Config;
+};
+
+void tst_Examples::initTestCase()
+{
+    // The command-line compile reads the user's preferences; it gets an empty folder.
+    QVERIFY(m_Config.isValid());
+    qputenv("XDG_CONFIG_HOME", m_Config.path().toUtf8());
+    QVERIFY(ExampleShaders().size() >= 5);
+}
+
+void tst_Examples::everyExampleCompilesCleanly()
+{
+    QStringList Kinds;
+    for (const QFileInfo& Example : ExampleShaders())
+    {
+        // Effect files compile shader by shader; the post-processing chain has three.
+        const bool bEffect = Example.suffix() == QStringLiteral("zfx");
+        VerifyClean(CompileWithEditor({Example.absoluteFilePath()}), bEffect ? 3 : 1, Example.fileName());
+        Kinds << Example.suffix();
+    }
+    for (const char* pKind : {"vsh", "fsh", "zfx", "cl"})
+        QVERIFY2(Kinds.contains(QString::fromLatin1(pKind)), pKind);
+}
+
+void tst_Examples::glslExamplesCompileOnEveryCore()
+{
+    QStringList Files;
+    int iUnits = 0;
+    for (const QFileInfo& Example : ExampleShaders())
+    {
+        if (Example.suffix() == QStringLiteral("cl"))
+            continue;
+        Files << Example.absoluteFilePath();
+        iUnits += Example.suffix() == QStringLiteral("zfx") ? 3 : 1;
+    }
+    for (const char* pCore : {"zc1", "zc2", "zc3", "zd1"})
+        VerifyClean(CompileWithEditor(QStringList{QStringLiteral("--core"), QString::fromLatin1(pCore)} + Files), iUnits,
+                    QString::fromLatin1(pCore));
+}
+
+void tst_Examples::examplesAreBesideTheBuild()
+{
+    // Where the program looks for them, from its own folder, in a build as when installed.
+    const QDir Beside(qEnvironmentVariable("ZAM_BIN_DIR") + QStringLiteral("/../share/zamshadereditor/examples"));
+    for (const QFileInfo& Example : ExampleShaders())
+    {
+        QFile Built(Beside.filePath(Example.fileName()));
+        QFile Source(Example.absoluteFilePath());
+        QVERIFY(Built.open(QIODevice::ReadOnly) && Source.open(QIODevice::ReadOnly));
+        QCOMPARE(Built.readAll(), Source.readAll());
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_Examples)
+#include "tst_Examples.moc"

@@ -1,0 +1,274 @@
+#include "BuildInfo.h"
+#include "CAboutBoxDialog.h"
+#include "CFeedbackDialog.h"
+#include "CUpdateChecker.h"
+#include "ZamPreferences.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QFile>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QSysInfo>
+#include <QTemporaryDir>
+#include <QUrlQuery>
+#include <QtTest>
+
+#include <memory>
+
+namespace
+{
+const QString kSplash = QStringLiteral(":/ZamShaderEditor/Graphics/SplashZamShaderEditor.png");
+const QString kAppText = QStringLiteral("ZamShaderEditor 2.0");
+
+// A fresh store on the preference file, as the next start of the program reads it.
+std::unique_ptr<CZamPreferences> LoadStore()
+{
+    auto pStore = std::make_unique<CZamPreferences>(QStringLiteral("ZamShaderEditor"));
+    pStore->Load();
+    return pStore;
+}
+
+// Runs the box and presses OK if it comes up; true when it was shown modally.
+bool RunAndAnswer(CAboutBoxDialog& Box)
+{
+    bool bShown = false;
+    QTimer::singleShot(0, &Box, [&Box, &bShown] {
+        if (QApplication::activeModalWidget() != &Box)
+            return;
+        bShown = true;
+        Box.findChild<QPushButton*>(QStringLiteral("OkButton"))->click();
+    });
+    Box.Run();
+    // When Run did not block, the answer above runs now and finds no modal box.
+    QCoreApplication::processEvents();
+    return bShown;
+}
+
+// The href of the first link in a label's rich text, with the HTML escapes undone.
+QString LinkOf(const QLabel* pLabel)
+{
+    static const QRegularExpression s_Href(QStringLiteral("href=\"([^\"]*)\""));
+    QString Href = s_Href.match(pLabel->text()).captured(1);
+    Href.replace(QStringLiteral("&quot;"), QStringLiteral("\""));
+    Href.replace(QStringLiteral("&lt;"), QStringLiteral("<"));
+    Href.replace(QStringLiteral("&gt;"), QStringLiteral(">"));
+    Href.replace(QStringLiteral("&amp;"), QStringLiteral("&"));
+    return Href;
+}
+
+// Answers the next message box that comes up, remembering its title and text.
+void AnswerNextMessageBox(QString& Title, QString& Text)
+{
+    QTimer::singleShot(0, [&Title, &Text] {
+        QMessageBox* pBox = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!pBox)
+            return;
+        Title = pBox->windowTitle();
+        Text = pBox->text();
+        pBox->accept();
+    });
+}
+} // namespace
+
+class tst_HelpDialogs : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void aboutBoxShowAtStartupPersists();
+    void aboutBoxWidgetsAndLinks();
+    void feedbackIdentifiesBuildAndMailLink();
+    void updateCheckTellsInstalledVersion();
+
+private:
+    QTemporaryDir m_Config;
+};
+
+void tst_HelpDialogs::initTestCase()
+{
+    QVERIFY(m_Config.isValid());
+    qputenv("XDG_CONFIG_HOME", m_Config.path().toUtf8());
+}
+
+void tst_HelpDialogs::init()
+{
+    QFile::remove(LoadStore()->GetFilePath());
+}
+
+void tst_HelpDialogs::aboutBoxShowAtStartupPersists()
+{
+    // First start: no preference yet, the splash shows and offers to stay.
+    {
+        std::unique_ptr<CZamPreferences> pStore = LoadStore();
+        CAboutBoxDialog Box(nullptr, kAppText, kSplash, *pStore, false);
+        QCheckBox* pShow = Box.findChild<QCheckBox*>(QStringLiteral("ShowAtStartUpCB"));
+        QVERIFY(pShow);
+        QCOMPARE(pShow->text(), QStringLiteral("Show at startup"));
+        QVERIFY(pShow->isChecked());
+        QVERIFY(RunAndAnswer(Box));
+        // Only looking at the box writes nothing.
+        QVERIFY(!LoadStore()->HasKey(CAboutBoxDialog::ShowSplashKey()));
+        pShow->click();
+        QVERIFY(!pShow->isChecked());
+    }
+    // The next start reads the file afresh: no splash.
+    {
+        std::unique_ptr<CZamPreferences> pStore = LoadStore();
+        QCOMPARE(pStore->GetBool(QStringLiteral("About/ShowSplash"), true), false);
+        CAboutBoxDialog Splash(nullptr, kAppText, kSplash, *pStore, false);
+        QVERIFY(!Splash.IsShowFlagSet());
+        QCOMPARE(Splash.Run(), int(QDialog::Accepted));
+        QVERIFY(!RunAndAnswer(Splash));
+
+        // The Help menu still shows the box, with the box unticked; ticking it brings the
+        // splash back.
+        CAboutBoxDialog About(nullptr, kAppText, kSplash, *pStore, true);
+        QVERIFY(About.IsShowFlagSet());
+        QCheckBox* pShow = About.findChild<QCheckBox*>(QStringLiteral("ShowAtStartUpCB"));
+        QVERIFY(!pShow->isChecked());
+        QVERIFY(RunAndAnswer(About));
+        pShow->click();
+    }
+    std::unique_ptr<CZamPreferences> pStore = LoadStore();
+    QCOMPARE(pStore->GetBool(CAboutBoxDialog::ShowSplashKey(), false), true);
+    CAboutBoxDialog Splash(nullptr, kAppText, kSplash, *pStore, false);
+    QVERIFY(RunAndAnswer(Splash));
+
+    // Stored once, in the About group.
+    QFile File(pStore->GetFilePath());
+    QVERIFY(File.open(QIODevice::ReadOnly));
+    const QByteArray Bytes = File.readAll();
+    QCOMPARE(Bytes.count("<key>About</key>"), 1);
+    QCOMPARE(Bytes.count("<key>ShowSplash</key>"), 1);
+}
+
+void tst_HelpDialogs::aboutBoxWidgetsAndLinks()
+{
+    std::unique_ptr<CZamPreferences> pStore = LoadStore();
+    CAboutBoxDialog Box(nullptr, kAppText, kSplash, *pStore, true);
+    QCOMPARE(Box.objectName(), QStringLiteral("AboutBoxClass"));
+
+    // The splash image is the background, and the box has exactly its size.
+    const QPixmap Splash(kSplash);
+    QVERIFY(!Splash.isNull());
+    QCOMPARE(Box.minimumSize(), Splash.size());
+    QCOMPARE(Box.maximumSize(), Splash.size());
+    QCOMPARE(Box.palette().brush(QPalette::Window).texture().size(), Splash.size());
+
+    const QStringList Labels = {QStringLiteral("AppVersionLabel"), QStringLiteral("UsesLabel"),
+                                QStringLiteral("VersionLabel"),    QStringLiteral("EmailLabel"),
+                                QStringLiteral("WebsiteLabel"),    QStringLiteral("label")};
+    for (const QString& Name : Labels)
+    {
+        const QLabel* pLabel = Box.findChild<QLabel*>(Name);
+        QVERIFY2(pLabel, qPrintable(Name));
+        QCOMPARE(pLabel->styleSheet(), QStringLiteral("color: rgb(255, 255, 255);"));
+    }
+    const QString AppVersion = Box.findChild<QLabel*>(QStringLiteral("AppVersionLabel"))->text();
+    const QRegularExpressionMatch Build =
+        QRegularExpression(QStringLiteral("^ZamShaderEditor 2\\.0 \\(SDK build (\\d+\\.\\d+\\.\\d+)@(\\d+)\\)$")).match(AppVersion);
+    QVERIFY2(Build.hasMatch(), qPrintable(AppVersion));
+    QCOMPARE(Build.captured(1), QStringLiteral(ZAM_TEST_PROJECT_VERSION));
+    if (QFileInfo::exists(qEnvironmentVariable("ZAM_SOURCE_DIR") + QStringLiteral("/.git")))
+        QVERIFY(Build.captured(2).toInt() > 0);
+    QCOMPARE(Box.findChild<QLabel*>(QStringLiteral("UsesLabel"))->text(), QStringLiteral("Uses"));
+    const QStringList Libraries = Box.findChild<QLabel*>(QStringLiteral("VersionLabel"))->text().split(QStringLiteral(" | "));
+    QCOMPARE(Libraries.value(0), QStringLiteral("Qt version ") + QString::fromLatin1(qVersion()));
+    QVERIFY(Libraries.contains(QStringLiteral("TinyXML 2.6.2")));
+    QCOMPARE(Box.findChild<QPushButton*>(QStringLiteral("OkButton"))->text(), QStringLiteral("OK"));
+    QVERIFY(Box.findChild<QLabel*>(QStringLiteral("label"))->text().contains(QStringLiteral("Brenmoor Systems")));
+
+    // Both links go to the desktop's opener as they stand in the labels.
+    QList<QUrl> Opened;
+    Box.SetUrlOpener([&Opened](const QUrl& Url) {
+        Opened << Url;
+        return true;
+    });
+    for (const char* pName : {"EmailLabel", "WebsiteLabel"})
+    {
+        QLabel* pLabel = Box.findChild<QLabel*>(QString::fromLatin1(pName));
+        emit pLabel->linkActivated(LinkOf(pLabel));
+    }
+    QCOMPARE(Opened.size(), 2);
+    QCOMPARE(Opened[0].scheme(), QStringLiteral("mailto"));
+    QVERIFY(Opened[0].path().endsWith(QStringLiteral(".example")));
+    QCOMPARE(Opened[1].scheme(), QStringLiteral("https"));
+    QVERIFY(Opened[1].host().endsWith(QStringLiteral(".example")));
+}
+
+void tst_HelpDialogs::feedbackIdentifiesBuildAndMailLink()
+{
+    // Characters that a hand-built link would get wrong.
+    const QString AppText = QStringLiteral("Zam & Co \u00FCber+50% #1?");
+    CFeedbackDialog Dialog(nullptr, AppText);
+    QCOMPARE(Dialog.objectName(), QStringLiteral("FeedbackClass"));
+    QCOMPARE(Dialog.findChild<QLabel*>(QStringLiteral("ForumLabel"))->text(),
+             QStringLiteral("Post your feedback in the Zamrix Circle Forum:"));
+    QVERIFY(Dialog.findChild<QLabel*>(QStringLiteral("SupportEmailLabel"))->text().startsWith(QStringLiteral("Send your feedback to ")));
+    QCOMPARE(Dialog.findChild<QLabel*>(QStringLiteral("RequiredTextLabel"))->text(),
+             QStringLiteral("Please include the following text in your feedback"));
+    QCOMPARE(Dialog.findChild<QLabel*>(QStringLiteral("SelectAndCopyLabel"))->text(),
+             QStringLiteral("Select text [Ctrl+A] and copy [Ctrl + C]."));
+    QVERIFY(LinkOf(Dialog.findChild<QLabel*>(QStringLiteral("ForumURL"))).startsWith(QStringLiteral("https://")));
+
+    // The identification names the build, the toolkit and the system.
+    const QPlainTextEdit* pRequired = Dialog.findChild<QPlainTextEdit*>(QStringLiteral("RequiredText"));
+    QVERIFY(pRequired && pRequired->isReadOnly());
+    const QString Identification = pRequired->toPlainText();
+    const QStringList Lines = Identification.split(QLatin1Char('\n'));
+    QCOMPARE(Lines.value(0), AppText + QStringLiteral(" (") + BuildIdentifier() + QLatin1Char(')'));
+    QVERIFY(Identification.contains(QString::fromLatin1(qVersion())));
+    QVERIFY(Identification.contains(QSysInfo::prettyProductName()));
+    QVERIFY(Identification.contains(QSysInfo::currentCpuArchitecture()));
+
+    // The mail link decodes back to exactly the subject and the identification.
+    const QString Href = LinkOf(Dialog.findChild<QLabel*>(QStringLiteral("SupportEmail")));
+    QVERIFY2(!Href.contains(QLatin1Char(' ')) && !Href.contains(QLatin1Char('\n')), qPrintable(Href));
+    QVERIFY(Href.startsWith(QStringLiteral("mailto:support@brenmoor.example?subject=Feedback")));
+    const QUrl Url(Href, QUrl::StrictMode);
+    QVERIFY2(Url.isValid(), qPrintable(Url.errorString()));
+    const QUrlQuery Query(Url);
+    QCOMPARE(Query.queryItems(QUrl::FullyDecoded).size(), 2);
+    QCOMPARE(Query.queryItemValue(QStringLiteral("subject"), QUrl::FullyDecoded), QStringLiteral("Feedback ") + AppText);
+    QString Body = Query.queryItemValue(QStringLiteral("body"), QUrl::FullyDecoded);
+    QVERIFY(Body.contains(QStringLiteral("\r\n")));
+    QCOMPARE(Body.replace(QStringLiteral("\r\n"), QStringLiteral("\n")), Identification);
+
+    QList<QUrl> Opened;
+    Dialog.SetUrlOpener([&Opened](const QUrl& Opening) {
+        Opened << Opening;
+        return true;
+    });
+    emit Dialog.findChild<QLabel*>(QStringLiteral("SupportEmail"))->linkActivated(Href);
+    QCOMPARE(Opened.value(0), Url);
+
+    // Close ends the modal run.
+    QTimer::singleShot(0, &Dialog, [&Dialog] {
+        Dialog.findChild<QDialogButtonBox*>(QStringLiteral("buttonBox"))->button(QDialogButtonBox::Close)->click();
+    });
+    Dialog.exec();
+    QVERIFY(!Dialog.isVisible());
+}
+
+void tst_HelpDialogs::updateCheckTellsInstalledVersion()
+{
+    QWidget Window;
+    CUpdateChecker Checker(QStringLiteral("ZamShaderEditor"), &Window);
+    QString Title;
+    QString Text;
+    AnswerNextMessageBox(Title, Text);
+    Checker.OnForceCheckForUpdates();
+    QCOMPARE(Title, QStringLiteral("Check for Updates"));
+    QVERIFY2(Text.contains(QStringLiteral("ZamShaderEditor (") + BuildIdentifier() + QLatin1Char(')')), qPrintable(Text));
+    QVERIFY(Text.contains(QStringLiteral("package manager")));
+}
+
+QTEST_MAIN(tst_HelpDialogs)
+#include "tst_HelpDialogs.moc"

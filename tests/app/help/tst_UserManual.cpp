@@ -1,0 +1,156 @@
+#include "DocumentationOpener.h"
+#include "ManualRenderer.h"
+#include "ZamPreferences.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QUrl>
+#include <QtTest>
+
+namespace
+{
+const QString kManualName = QStringLiteral("ZamShaderEditor.User Manual.pdf");
+
+QByteArray ReadAll(const QString& Path)
+{
+    QFile File(Path);
+    return File.open(QIODevice::ReadOnly) ? File.readAll() : QByteArray();
+}
+
+// Pages as the PDF's page objects count them (Qt writes them uncompressed).
+int PageObjects(const QByteArray& Pdf)
+{
+    static const QRegularExpression s_Page(QStringLiteral("/Type\\s*/Page(?![a-zA-Z])"));
+    int iCount = 0;
+    QRegularExpressionMatchIterator It = s_Page.globalMatch(QString::fromLatin1(Pdf));
+    while (It.hasNext())
+    {
+        It.next();
+        ++iCount;
+    }
+    return iCount;
+}
+
+// The text of a PDF through poppler's pdftotext; empty when it is not installed.
+QString PdfText(const QString& Path)
+{
+    const QString Tool = QStandardPaths::findExecutable(QStringLiteral("pdftotext"));
+    if (Tool.isEmpty())
+        return QString();
+    QProcess Process;
+    Process.start(Tool, {QStringLiteral("-layout"), Path, QStringLiteral("-")});
+    if (!Process.waitForFinished(60000) || Process.exitCode() != 0)
+        return QString();
+    return QString::fromUtf8(Process.readAllStandardOutput());
+}
+
+// Text extraction breaks words at line ends, spreads table cells and keeps ligatures ("fi" as
+// one letter); compare on plain words alone.
+QString Squeezed(QString Text)
+{
+    Text = Text.normalized(QString::NormalizationForm_KC);
+    Text.replace(QRegularExpression(QStringLiteral("\\s+")), QStringLiteral(" "));
+    return Text;
+}
+} // namespace
+
+class tst_UserManual : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void builtManualIsComplete();
+    void helpMenuFindsBuiltManual();
+    void rendererPagesAndFailures();
+};
+
+void tst_UserManual::builtManualIsComplete()
+{
+    const QString Pdf = QDir(qEnvironmentVariable("ZAM_BIN_DIR")).filePath(QStringLiteral("../Documentation/") + kManualName);
+    const QByteArray Bytes = ReadAll(Pdf);
+    QVERIFY2(Bytes.startsWith("%PDF-"), qPrintable(Pdf));
+    const int iPages = PageObjects(Bytes);
+    QVERIFY2(iPages >= 25, qPrintable(QString::number(iPages)));
+
+    const QString Text = PdfText(Pdf);
+    if (Text.isEmpty())
+        QSKIP("pdftotext (poppler-utils) is not installed; the page count was checked");
+    // pdftotext separates pages with form feeds: every page has text on it.
+    const QStringList Pages = Text.split(QLatin1Char('\f'), Qt::SkipEmptyParts);
+    QCOMPARE(Pages.size(), iPages);
+    for (const QString& Page : Pages)
+        QVERIFY(!Page.trimmed().isEmpty());
+
+    // Every heading of the source made it into the PDF, in the contents and in the text.
+    const QString Source = QString::fromUtf8(ReadAll(qEnvironmentVariable("ZAM_SOURCE_DIR") + QStringLiteral("/docs/manual.md")));
+    const QString Words = Squeezed(Text);
+    static const QRegularExpression s_Heading(QStringLiteral("^#{1,3} (.+)$"), QRegularExpression::MultilineOption);
+    static const QRegularExpression s_Fence(QStringLiteral("^```.*?^```"),
+                                            QRegularExpression::MultilineOption | QRegularExpression::DotMatchesEverythingOption);
+    QRegularExpressionMatchIterator It = s_Heading.globalMatch(QString(Source).remove(s_Fence));
+    int iHeadings = 0;
+    for (; It.hasNext(); ++iHeadings)
+    {
+        const QString Heading = Squeezed(It.next().captured(1).remove(QLatin1Char('`')));
+        QVERIFY2(Words.contains(Heading), qPrintable(Heading));
+    }
+    QVERIFY(iHeadings > 30);
+    for (const char* pPhrase : {"Contents", "Performance estimate", "Compile failed.", "[EFFECT]", "[GLSL_CODE]",
+                                "Show at startup", "Check for Updates", "luminance_histogram.cl"})
+        QVERIFY2(Words.contains(QString::fromLatin1(pPhrase)), pPhrase);
+}
+
+void tst_UserManual::helpMenuFindsBuiltManual()
+{
+    // From the build's executables, "../Documentation/" is where the build puts the manual.
+    QTemporaryDir Config;
+    qputenv("XDG_CONFIG_HOME", Config.path().toUtf8());
+    CZamPreferences Store(QStringLiteral("ZamShaderEditor"));
+    CDocumentationOpener Opener(Store);
+    QStringList Opened;
+    Opener.SetUrlOpener([&Opened](const QUrl& Url) {
+        Opened << Url.toLocalFile();
+        return true;
+    });
+    Opener.SetWarner([](QWidget*, const QString& Title, const QString&) { QFAIL(qPrintable(Title)); });
+    QVERIFY(Opener.Open(nullptr, QStringLiteral("../Documentation/"), kManualName));
+    QCOMPARE(Opened.size(), 1);
+    QCOMPARE(QFileInfo(Opened[0]).canonicalFilePath(),
+             QFileInfo(qEnvironmentVariable("ZAM_BIN_DIR") + QStringLiteral("/../Documentation/") + kManualName).canonicalFilePath());
+}
+
+void tst_UserManual::rendererPagesAndFailures()
+{
+    QTemporaryDir Dir;
+    const QString Markdown = QStringLiteral(
+        "# Title\n\nSubtitle\n\n# One\n\nText with `code`.\n\n## One point one\n\n| a | b |\n|---|---|\n| 1 | 2 |\n\n"
+        "```\n# not a heading\n```\n\n# Two\n\nMore.\n");
+    // Title page, contents, and a page for each chapter.
+    const QString Pdf = Dir.filePath(QStringLiteral("small.pdf"));
+    QString Error;
+    QCOMPARE(RenderMarkdownToPdf(Markdown, Dir.path(), Pdf, &Error), 4);
+    QCOMPARE(PageObjects(ReadAll(Pdf)), 4);
+    const QString Text = Squeezed(PdfText(Pdf));
+    if (!Text.isEmpty())
+    {
+        // Chapters and sections are numbered, in the text and in the contents with their pages;
+        // a "#" line inside a code block stays as it is.
+        QVERIFY2(Text.contains(QStringLiteral("Contents 1 One 3 1.1 One point one 3 2 Two 4")), qPrintable(Text));
+        QVERIFY(Text.contains(QStringLiteral("# not a heading")));
+        QVERIFY(Text.contains(QStringLiteral("Page 4 of 4")));
+    }
+
+    // Nothing to typeset, or nowhere to write: no pages and a reason.
+    QCOMPARE(RenderMarkdownToPdf(QStringLiteral(" \n"), Dir.path(), Dir.filePath(QStringLiteral("empty.pdf")), &Error), 0);
+    QVERIFY(!Error.isEmpty());
+    Error.clear();
+    QCOMPARE(RenderMarkdownToPdf(Markdown, Dir.path(), Dir.filePath(QStringLiteral("no/such/folder/x.pdf")), &Error), 0);
+    QVERIFY(!Error.isEmpty());
+}
+
+QTEST_MAIN(tst_UserManual)
+#include "tst_UserManual.moc"
