@@ -66,6 +66,15 @@ const STxeOpInfo s_aOpInfo[Op_Count] = {
     {"cont", Class_Flow, 0},
     {"kil", Class_Flow, 0},
     {"ret", Class_Flow, 0},
+    {"bcnt", Class_Alu, 1},
+    {"brev", Class_Alu, 1},
+    {"fbl", Class_Alu, 1},
+    {"fbh", Class_Alu, 1},
+    {"bfe", Class_Alu, 3},
+    {"bfi", Class_Alu, 4},
+    {"mhi", Class_Alu, 2},
+    {"fbit", Class_Alu, 1},
+    {"bitf", Class_Alu, 1},
 };
 
 char FileLetter(ETxeFile eFile)
@@ -82,10 +91,14 @@ char FileLetter(ETxeFile eFile)
     }
 }
 
-std::string FormatFloat(float f)
+// Integer immediates print every digit; floats as briefly as they read back.
+std::string FormatValue(double dValue, ETxeType eType)
 {
     char acBuf[32];
-    std::snprintf(acBuf, sizeof(acBuf), "%g", static_cast<double>(f));
+    if (eType == Type_Float)
+        std::snprintf(acBuf, sizeof(acBuf), "%g", dValue);
+    else
+        std::snprintf(acBuf, sizeof(acBuf), "%.0f", dValue);
     return acBuf;
 }
 
@@ -94,17 +107,19 @@ std::string FormatImmediate(const STxeProgram& program, const STxeOperand& op)
     const std::size_t uiBase = static_cast<std::size_t>(op.iIndex) * 4;
     if (uiBase + 4 > program.aPool.size())
         return "#?";
+    const std::size_t uiEntry = static_cast<std::size_t>(op.iIndex);
+    const ETxeType eType = uiEntry < program.aPoolTypes.size() ? program.aPoolTypes[uiEntry] : Type_Float;
     bool bSplat = true;
     for (int i = 1; i < op.uiCount; ++i)
         bSplat = bSplat && program.aPool[uiBase + op.auiSwizzle[i]] == program.aPool[uiBase + op.auiSwizzle[0]];
     if (bSplat || op.uiCount <= 1)
-        return "#" + FormatFloat(program.aPool[uiBase + op.auiSwizzle[0]]);
+        return "#" + FormatValue(program.aPool[uiBase + op.auiSwizzle[0]], eType);
     std::string text = "#(";
     for (int i = 0; i < op.uiCount; ++i)
     {
         if (i)
             text += ", ";
-        text += FormatFloat(program.aPool[uiBase + op.auiSwizzle[i]]);
+        text += FormatValue(program.aPool[uiBase + op.auiSwizzle[i]], eType);
     }
     return text + ")";
 }
@@ -155,6 +170,10 @@ std::string FormatInstruction(const STxeProgram& program, const STxeInstruction&
 {
     const STxeOpInfo& info = TxeOpInfo(instr.eOp);
     std::string text = info.pMnemonic;
+    if (instr.eType == Type_Int)
+        text += ".i";
+    else if (instr.eType == Type_Uint)
+        text += ".u";
     if (instr.eOp == Op_Loop)
     {
         if (instr.trips.bKnown)

@@ -2,7 +2,8 @@
 
 // The TXE instruction set: a small structured vector ISA. Registers hold four
 // 32-bit lanes; every operand carries a swizzle, so the same encoding serves the
-// scalar, vector and matrix-column operations the lowering produces.
+// scalar, vector and matrix-column operations the lowering produces. An instruction
+// works on floats unless it is typed as signed or unsigned 32-bit integers.
 
 #include <cstdint>
 #include <string>
@@ -96,7 +97,25 @@ enum ETxeOp : std::uint8_t
     Op_Cont,
     Op_Kil,
     Op_Ret,
+    // integer bit operations (ALU)
+    Op_Bcnt, // bits set
+    Op_Brev, // bits reversed
+    Op_Fbl,  // lowest set bit, -1 when none
+    Op_Fbh,  // highest bit that differs from the sign (unsigned: highest set bit), -1 when none
+    Op_Bfe,  // bitfield extract: src0, offset, bits (signed: sign-extended)
+    Op_Bfi,  // bitfield insert: base, insert, offset, bits
+    Op_Mhi,  // high 32 bits of the 64-bit product
+    Op_Fbit, // a float's 32 bits as an integer
+    Op_Bitf, // an integer's 32 bits as a float
     Op_Count
+};
+
+// What the lanes of an instruction's operands and result hold.
+enum ETxeType : std::uint8_t
+{
+    Type_Float = 0,
+    Type_Int = 1,  // signed 32-bit, results wrap
+    Type_Uint = 2, // unsigned 32-bit, results wrap
 };
 
 struct STxeOpInfo
@@ -132,6 +151,7 @@ struct STxeTrips
 struct STxeInstruction
 {
     ETxeOp eOp = Op_Mov;
+    ETxeType eType = Type_Float;
     STxeOperand dst;
     STxeOperand aSrc[4];
     int iLine = 0;              // source line, 0 when none
@@ -159,7 +179,8 @@ struct STxeProgram
 {
     ETxeStage eStage = Stage_Fragment;
     std::vector<STxeInstruction> aInstructions;
-    std::vector<float> aPool; // immediates, four floats per entry
+    std::vector<double> aPool;        // immediates, four values per entry (exact for floats and 32-bit integers)
+    std::vector<ETxeType> aPoolTypes; // one per entry: how the program file stores its lanes
     std::vector<STxeBinding> aBindings;
     int iTemps = 0;           // temporaries after allocation (virtual count before)
     int iScratchSlots = 0;

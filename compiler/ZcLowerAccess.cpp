@@ -123,6 +123,7 @@ bool CExpressionLowerer::ResolveDynamicIndex(TIntermBinary* pNode, SAccess& acce
     if (!Lower(pNode->getRight(), index) || index.aSlots.empty())
         return false;
     const int iElementSlots = leftType.isArray() ? ElementSlots(leftType) : 1;
+    const CTypeScope scope(m_builder, Type_Int);
     STxeOperand offset = Lane(index.aSlots[0], 0);
     if (iElementSlots != 1)
         offset = m_builder.Compute(Op_Mul, {offset, m_builder.Immediate(static_cast<float>(iElementSlots))}, 1, iLine);

@@ -143,6 +143,7 @@ bool LowerArithmetic(CProgramBuilder& builder, TOperator eOp, const TType& type,
 
     const std::vector<std::uint8_t> aResultLanes = SlotLanes(type);
     const bool bInteger = IsIntegerType(type.getBasicType());
+    const CTypeScope scope(builder, TxeTypeOf(type.getBasicType()));
     const std::size_t uiSlots = std::max(left.aSlots.size(), right.aSlots.size());
     for (std::size_t k = 0; k < uiSlots; ++k)
     {
@@ -160,10 +161,11 @@ bool LowerArithmetic(CProgramBuilder& builder, TOperator eOp, const TType& type,
     return !builder.Failed();
 }
 
-bool LowerComparison(CProgramBuilder& builder, TOperator eOp, const SValue& left, const SValue& right, int iLine,
-                     SValue& value)
+bool LowerComparison(CProgramBuilder& builder, TOperator eOp, TBasicType eOperands, const SValue& left,
+                     const SValue& right, int iLine, SValue& value)
 {
     value.aSlots.clear();
+    const CTypeScope scope(builder, TxeTypeOf(eOperands));
     if (left.aSlots.empty() || right.aSlots.empty())
     {
         builder.Fail(iLine, "unsupported operand");
@@ -185,18 +187,22 @@ bool LowerComparison(CProgramBuilder& builder, TOperator eOp, const SValue& left
     return !builder.Failed();
 }
 
-// Whole-value == and != reduce the lane results to one boolean.
+// Whole-value == and != compare the lanes in the operands' type, then count the booleans.
 bool LowerWholeComparison(CProgramBuilder& builder, bool bEqual, const SValue& left, const SValue& right, int iLine,
                           SValue& value)
 {
+    const ETxeType eOperands = builder.Type();
+    const CTypeScope booleans(builder, Type_Float);
     STxeOperand sum;
     int iTotal = 0;
     for (std::size_t k = 0; k < left.aSlots.size() && k < right.aSlots.size(); ++k)
     {
         const int iSlotLanes = std::max(left.aSlots[k].uiCount, right.aSlots[k].uiCount);
+        builder.SetType(eOperands);
         const STxeOperand lanes = builder.Compute(
             bEqual ? Op_Seq : Op_Sne, {Broadcast(left.aSlots[k], iSlotLanes), Broadcast(right.aSlots[k], iSlotLanes)},
             iSlotLanes, iLine);
+        builder.SetType(Type_Float);
         STxeOperand partial = lanes;
         if (iSlotLanes > 1)
             partial = builder.Compute(DotFor(iSlotLanes), {lanes, builder.Immediate(1.0f, iSlotLanes)}, 1, iLine);

@@ -72,6 +72,7 @@ bool CExpressionLowerer::IncDec(TIntermUnary* pNode, bool bValueUsed, SValue& va
     SValue old;
     if (bPost && bValueUsed)
         old = m_builder.Materialize(current, iLine);
+    const CTypeScope scope(m_builder, TxeTypeOf(pTarget->getBasicType()));
     SValue updated;
     for (const STxeOperand& op : current.aSlots)
         updated.aSlots.push_back(m_builder.Compute(Op_Add, {op, m_builder.Immediate(fStep, op.uiCount)}, op.uiCount, iLine));

@@ -15,30 +15,8 @@ namespace
 
 // Names of the operators no family handles, so that a refusal names what the user wrote.
 const SBuiltinEntry s_aRefused[] = {
-    {EOpModf, "modf", nullptr},
-    {EOpFrexp, "frexp", nullptr},
-    {EOpLdexp, "ldexp", nullptr},
-    {EOpPackSnorm2x16, "packSnorm2x16", nullptr},
-    {EOpUnpackSnorm2x16, "unpackSnorm2x16", nullptr},
-    {EOpPackUnorm2x16, "packUnorm2x16", nullptr},
-    {EOpUnpackUnorm2x16, "unpackUnorm2x16", nullptr},
-    {EOpPackSnorm4x8, "packSnorm4x8", nullptr},
-    {EOpUnpackSnorm4x8, "unpackSnorm4x8", nullptr},
-    {EOpPackUnorm4x8, "packUnorm4x8", nullptr},
-    {EOpUnpackUnorm4x8, "unpackUnorm4x8", nullptr},
     {EOpPackHalf2x16, "packHalf2x16", nullptr},
     {EOpUnpackHalf2x16, "unpackHalf2x16", nullptr},
-    {EOpMatrixInverse, "inverse", nullptr},
-    {EOpAddCarry, "uaddCarry", nullptr},
-    {EOpSubBorrow, "usubBorrow", nullptr},
-    {EOpUMulExtended, "umulExtended", nullptr},
-    {EOpIMulExtended, "imulExtended", nullptr},
-    {EOpBitfieldExtract, "bitfieldExtract", nullptr},
-    {EOpBitfieldInsert, "bitfieldInsert", nullptr},
-    {EOpBitFieldReverse, "bitfieldReverse", nullptr},
-    {EOpBitCount, "bitCount", nullptr},
-    {EOpFindLSB, "findLSB", nullptr},
-    {EOpFindMSB, "findMSB", nullptr},
     {EOpInterpolateAtCentroid, "interpolateAtCentroid", nullptr},
     {EOpInterpolateAtSample, "interpolateAtSample", nullptr},
     {EOpInterpolateAtOffset, "interpolateAtOffset", nullptr},
@@ -99,6 +77,7 @@ const CBuiltinTable& Table()
         std::vector<SBuiltinEntry> aEntries;
         AddMathBuiltins(aEntries);
         AddGeometryBuiltins(aEntries);
+        AddIntegerBuiltins(aEntries);
         AddTextureBuiltins(aEntries);
         aEntries.insert(aEntries.end(), std::begin(s_aRefused), std::end(s_aRefused));
         CBuiltinTable table;
@@ -162,6 +141,8 @@ bool LowerBuiltin(const SBuiltinCall& call)
         return call.Fail(bTexture ? "this texture function is not supported by the TXE code generator"
                                   : "this built-in function is not supported by the TXE code generator");
     }
+    // Integer arguments make integer instructions; a family that mixes types says so itself.
+    const CTypeScope scope(call.builder, call.aNodes.empty() ? Type_Float : TxeTypeOf(call.aNodes[0]->getBasicType()));
     return it->second.pLower(call) && !call.builder.Failed();
 }
 

@@ -52,6 +52,7 @@ std::string BuiltinName(glslang::TOperator eOp);
 // The parts of the table, one per family of functions.
 void AddMathBuiltins(std::vector<SBuiltinEntry>& aEntries);
 void AddGeometryBuiltins(std::vector<SBuiltinEntry>& aEntries);
+void AddIntegerBuiltins(std::vector<SBuiltinEntry>& aEntries);
 void AddTextureBuiltins(std::vector<SBuiltinEntry>& aEntries);
 
 } // namespace ZamCompiler

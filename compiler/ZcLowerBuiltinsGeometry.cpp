@@ -144,21 +144,118 @@ bool OuterProduct(const SBuiltinCall& call)
     return true;
 }
 
+STxeOperand Determinant2(const SBuiltinCall& call, const SValue& m)
+{
+    const STxeOperand product = call.Compute(Op_Mul, {Lane(m.aSlots[0], 0), Lane(m.aSlots[1], 1)}, 1);
+    return call.Compute(Op_Mad, {Negated(Lane(m.aSlots[0], 1)), Lane(m.aSlots[1], 0), product}, 1);
+}
+
+// A 4x4 matrix as four 3-lane column tops a, b, c, d and a bottom row (x, y, z, w), with
+// s = a × b, t = c × d, u = a y - b x, v = c w - d z; det = s·v + t·u.
+struct SMatrix4Parts
+{
+    STxeOperand a, b, c, d;
+    STxeOperand s, t, u, v;
+    STxeOperand det;
+};
+
+SMatrix4Parts Matrix4Parts(const SBuiltinCall& call, const SValue& m)
+{
+    SMatrix4Parts parts;
+    const std::vector<std::uint8_t> xyz = {0, 1, 2};
+    parts.a = Swizzled(m.aSlots[0], xyz);
+    parts.b = Swizzled(m.aSlots[1], xyz);
+    parts.c = Swizzled(m.aSlots[2], xyz);
+    parts.d = Swizzled(m.aSlots[3], xyz);
+    auto bottom = [&m](int iColumn) { return Broadcast(Lane(m.aSlots[static_cast<std::size_t>(iColumn)], 3), 3); };
+    parts.s = CrossOf(call, parts.a, parts.b);
+    parts.t = CrossOf(call, parts.c, parts.d);
+    const STxeOperand bx = call.Compute(Op_Mul, {parts.b, bottom(0)}, 3);
+    parts.u = call.Compute(Op_Mad, {parts.a, bottom(1), Negated(bx)}, 3);
+    const STxeOperand dz = call.Compute(Op_Mul, {parts.d, bottom(2)}, 3);
+    parts.v = call.Compute(Op_Mad, {parts.c, bottom(3), Negated(dz)}, 3);
+    const STxeOperand sv = call.Compute(Op_Dp3, {parts.s, parts.v}, 1);
+    const STxeOperand tu = call.Compute(Op_Dp3, {parts.t, parts.u}, 1);
+    parts.det = call.Compute(Op_Add, {sv, tu}, 1);
+    return parts;
+}
+
 bool Determinant(const SBuiltinCall& call)
 {
     const SValue& m = call.aArgs[0];
     if (m.aSlots.size() == 2)
-    {
-        const STxeOperand product = call.Compute(Op_Mul, {Lane(m.aSlots[0], 0), Lane(m.aSlots[1], 1)}, 1);
-        call.Push(call.Compute(Op_Mad, {Negated(Lane(m.aSlots[0], 1)), Lane(m.aSlots[1], 0), product}, 1));
-        return true;
-    }
-    if (m.aSlots.size() == 3)
-    {
+        call.Push(Determinant2(call, m));
+    else if (m.aSlots.size() == 3)
         call.Push(call.Compute(Op_Dp3, {m.aSlots[0], CrossOf(call, m.aSlots[1], m.aSlots[2])}, 1));
-        return true;
+    else
+        call.Push(Matrix4Parts(call, m).det);
+    return true;
+}
+
+// Rows of the inverse, each one 3-lane operand, written transposed and scaled into columns.
+void ColumnsFromRows(const SBuiltinCall& call, const std::vector<STxeOperand>& aRows, const STxeOperand& scale,
+                     std::vector<STxeOperand>& aColumns)
+{
+    for (std::size_t j = 0; j < aColumns.size() && j < 3; ++j)
+    {
+        for (std::size_t i = 0; i < aRows.size(); ++i)
+            call.builder.Emit(Op_Mul, Lane(aColumns[j], static_cast<int>(i)), {Lane(aRows[i], static_cast<int>(j)), scale},
+                              call.iLine);
     }
-    return call.Fail("'determinant' of a 4x4 matrix is not supported by the TXE code generator");
+}
+
+// Rows of the adjugate: b × v + t y, v × a - t x, d × u + s w, u × c - s z, with fourth
+// lanes -b·t, a·t, -d·s, c·s.
+void InverseOf4(const SBuiltinCall& call, const SValue& m, std::vector<STxeOperand>& aColumns)
+{
+    const SMatrix4Parts p = Matrix4Parts(call, m);
+    const STxeOperand scale = call.Compute(Op_Rcp, {p.det}, 1);
+    auto bottom = [&m](int iColumn) { return Broadcast(Lane(m.aSlots[static_cast<std::size_t>(iColumn)], 3), 3); };
+    auto row = [&](const STxeOperand& left, const STxeOperand& right, const STxeOperand& along, const STxeOperand& by) {
+        return call.Compute(Op_Mad, {along, by, CrossOf(call, left, right)}, 3);
+    };
+    const std::vector<STxeOperand> aRows = {row(p.b, p.v, p.t, bottom(1)), row(p.v, p.a, Negated(p.t), bottom(0)),
+                                            row(p.d, p.u, p.s, bottom(3)), row(p.u, p.c, Negated(p.s), bottom(2))};
+    ColumnsFromRows(call, aRows, scale, aColumns);
+    const STxeOperand aFourth[4][2] = {{Negated(p.b), p.t}, {p.a, p.t}, {Negated(p.d), p.s}, {p.c, p.s}};
+    for (int i = 0; i < 4; ++i)
+        call.builder.Emit(Op_Dp3, Lane(aColumns[3], i), {aFourth[i][0], aFourth[i][1]}, call.iLine);
+    aColumns[3] = call.Compute(Op_Mul, {aColumns[3], Broadcast(scale, 4)}, 4);
+}
+
+// inverse(M) = adj(M) / det(M); for 3x3 the rows of the adjugate are b × c, c × a, a × b.
+bool Inverse(const SBuiltinCall& call)
+{
+    const SValue& m = call.aArgs[0];
+    const std::size_t uiSize = m.aSlots.size();
+    std::vector<STxeOperand> aColumns;
+    for (std::size_t j = 0; j < uiSize; ++j)
+        aColumns.push_back(call.builder.NewTemp(static_cast<int>(uiSize)));
+    if (uiSize == 2)
+    {
+        const STxeOperand scale = call.Compute(Op_Rcp, {Determinant2(call, m)}, 1);
+        const STxeOperand a = m.aSlots[0];
+        const STxeOperand b = m.aSlots[1];
+        call.builder.Emit(Op_Mul, Lane(aColumns[0], 0), {Lane(b, 1), scale}, call.iLine);
+        call.builder.Emit(Op_Mul, Lane(aColumns[0], 1), {Negated(Lane(a, 1)), scale}, call.iLine);
+        call.builder.Emit(Op_Mul, Lane(aColumns[1], 0), {Negated(Lane(b, 0)), scale}, call.iLine);
+        call.builder.Emit(Op_Mul, Lane(aColumns[1], 1), {Lane(a, 0), scale}, call.iLine);
+    }
+    else if (uiSize == 3)
+    {
+        const std::vector<STxeOperand> aRows = {CrossOf(call, m.aSlots[1], m.aSlots[2]),
+                                                CrossOf(call, m.aSlots[2], m.aSlots[0]),
+                                                CrossOf(call, m.aSlots[0], m.aSlots[1])};
+        const STxeOperand det = call.Compute(Op_Dp3, {m.aSlots[0], aRows[0]}, 1);
+        ColumnsFromRows(call, aRows, call.Compute(Op_Rcp, {det}, 1), aColumns);
+    }
+    else
+    {
+        InverseOf4(call, m, aColumns);
+    }
+    for (const STxeOperand& column : aColumns)
+        call.Push(column);
+    return true;
 }
 
 } // namespace
@@ -179,6 +276,7 @@ void AddGeometryBuiltins(std::vector<SBuiltinEntry>& aEntries)
         {EOpTranspose, "transpose", Transpose},
         {EOpOuterProduct, "outerProduct", OuterProduct},
         {EOpDeterminant, "determinant", Determinant},
+        {EOpMatrixInverse, "inverse", Inverse},
     };
     aEntries.insert(aEntries.end(), std::begin(aGeometry), std::end(aGeometry));
 }

@@ -253,13 +253,6 @@ bool IsInf(const SBuiltinCall& call)
     return true;
 }
 
-// Lanes are untyped 32-bit words.
-bool BitsAs(const SBuiltinCall& call)
-{
-    call.Push(call.Raw(0));
-    return true;
-}
-
 bool Ddx(const SBuiltinCall& call) { return Unary(call, Op_Ddx); }
 bool Ddy(const SBuiltinCall& call) { return Unary(call, Op_Ddy); }
 
@@ -315,10 +308,6 @@ void AddMathBuiltins(std::vector<SBuiltinEntry>& aEntries)
         {EOpFma, "fma", Fma},
         {EOpIsNan, "isnan", IsNan},
         {EOpIsInf, "isinf", IsInf},
-        {EOpFloatBitsToInt, "floatBitsToInt", BitsAs},
-        {EOpFloatBitsToUint, "floatBitsToUint", BitsAs},
-        {EOpIntBitsToFloat, "intBitsToFloat", BitsAs},
-        {EOpUintBitsToFloat, "uintBitsToFloat", BitsAs},
         {EOpDPdx, "dFdx", Ddx},
         {EOpDPdxFine, "dFdxFine", Ddx},
         {EOpDPdxCoarse, "dFdxCoarse", Ddx},

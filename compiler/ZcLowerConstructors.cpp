@@ -172,6 +172,8 @@ bool LowerConstructor(CProgramBuilder& builder, const TType& type, const std::ve
     }
     if (WithoutInstruction(aArgs, aResultLanes, value))
         return true;
+    // Merged literal lanes keep the constructed type's representation.
+    const CTypeScope scope(builder, TxeTypeOf(type.getBasicType()));
 
     const bool bOneArgument = aArgs.size() == 1;
     const bool bFromScalar = type.isMatrix() && bOneArgument && aArgs[0].aSlots.size() == 1 && aArgs[0].aSlots[0].uiCount == 1;

@@ -48,13 +48,14 @@ SValue CExpressionLowerer::ConstantValue(const TIntermConstantUnion* pConstant)
 {
     SValue value;
     const TConstUnionArray& aConstants = pConstant->getConstArray();
+    const CTypeScope scope(m_builder, TxeTypeOf(pConstant->getBasicType()));
     int iNext = 0;
     for (std::uint8_t uiLanes : SlotLanes(pConstant->getType()))
     {
-        float afValues[4] = {0.0f, 0.0f, 0.0f, 0.0f};
+        double adValues[4] = {0.0, 0.0, 0.0, 0.0};
         for (int i = 0; i < uiLanes && iNext < aConstants.size(); ++i, ++iNext)
-            afValues[i] = static_cast<float>(ConstantAsDouble(aConstants[iNext]));
-        value.aSlots.push_back(m_builder.Immediate(afValues, uiLanes));
+            adValues[i] = ConstantAsDouble(aConstants[iNext]);
+        value.aSlots.push_back(m_builder.Immediate(adValues, uiLanes));
     }
     return value;
 }
@@ -105,7 +106,10 @@ bool CExpressionLowerer::Unary(TIntermUnary* pNode, SValue& value)
     }
     const STxeOperand op = operand.aSlots[0];
     if (eOp == EOpBitwiseNot)
+    {
+        const CTypeScope scope(m_builder, TxeTypeOf(pNode->getBasicType()));
         value.aSlots.push_back(m_builder.Compute(Op_Not, {op}, op.uiCount, iLine));
+    }
     else
         value.aSlots.push_back(m_builder.Compute(Op_Seq, {op, m_builder.Immediate(0.0f, op.uiCount)}, op.uiCount, iLine));
     return true;
@@ -119,16 +123,18 @@ bool CExpressionLowerer::Conversion(TIntermUnary* pNode, SValue& value)
         return false;
     const TBasicType eFrom = pNode->getOperand()->getBasicType();
     const TBasicType eTo = pNode->getBasicType();
+    // i2f reads its source's type, f2i makes its result's; int and uint share the lanes.
+    const CTypeScope scope(m_builder, TxeTypeOf(IsIntegerType(eTo) ? eTo : eFrom));
     for (const STxeOperand& op : operand.aSlots)
     {
         if (eTo == EbtBool && eFrom != EbtBool)
-            value.aSlots.push_back(m_builder.Compute(Op_Sne, {op, m_builder.Immediate(0.0f, op.uiCount)}, op.uiCount, iLine));
+            value.aSlots.push_back(m_builder.Compute(Op_Sne, {op, m_builder.Immediate(0.0, op.uiCount)}, op.uiCount, iLine));
         else if (IsFloatType(eTo) && IsIntegerType(eFrom))
             value.aSlots.push_back(m_builder.Compute(Op_I2f, {op}, op.uiCount, iLine));
         else if (IsIntegerType(eTo) && IsFloatType(eFrom))
             value.aSlots.push_back(m_builder.Compute(Op_F2i, {op}, op.uiCount, iLine));
         else
-            value.aSlots.push_back(op); // same representation: booleans are 0 and 1
+            value.aSlots.push_back(op); // booleans are 0 and 1 in every type
     }
     return true;
 }
@@ -179,11 +185,15 @@ bool CExpressionLowerer::Comma(TIntermAggregate* pNode, SValue& value)
     return true;
 }
 
-bool CExpressionLowerer::LowerAll(const std::vector<TIntermTyped*>& aNodes, int iLine, std::vector<SValue>& aValues)
+bool CExpressionLowerer::LowerAll(TOperator eOp, const std::vector<TIntermTyped*>& aNodes, int iLine,
+                                  std::vector<SValue>& aValues)
 {
     aValues.assign(aNodes.size(), SValue());
     for (std::size_t i = 0; i < aNodes.size(); ++i)
     {
+        // An out argument is written, not read.
+        if (IsBuiltinOutput(eOp, i))
+            continue;
         if (!Lower(aNodes[i], aValues[i]))
             return false;
         if (aValues[i].aSlots.empty() && aNodes[i]->getBasicType() != EbtVoid)
@@ -199,10 +209,10 @@ bool CExpressionLowerer::Operation(TOperator eOp, const TType& type, const std::
                                    int iLine, SValue& value)
 {
     std::vector<SValue> aArgs;
-    if (!LowerAll(aNodes, iLine, aArgs))
+    if (!LowerAll(eOp, aNodes, iLine, aArgs))
         return false;
     if (IsComparison(eOp) && aArgs.size() == 2)
-        return LowerComparison(m_builder, eOp, aArgs[0], aArgs[1], iLine, value);
+        return LowerComparison(m_builder, eOp, aNodes[0]->getBasicType(), aArgs[0], aArgs[1], iLine, value);
     if (aArgs.size() == 2 && IsArithmetic(eOp))
         return LowerArithmetic(m_builder, eOp, type, aArgs[0], aArgs[1], iLine, value);
 

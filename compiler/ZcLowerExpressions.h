@@ -39,7 +39,8 @@ private:
     bool Comma(glslang::TIntermAggregate* pNode, SValue& value);
     bool Operation(glslang::TOperator eOp, const glslang::TType& type, const std::vector<glslang::TIntermTyped*>& aNodes,
                    int iLine, SValue& value);
-    bool LowerAll(const std::vector<glslang::TIntermTyped*>& aNodes, int iLine, std::vector<SValue>& aValues);
+    bool LowerAll(glslang::TOperator eOp, const std::vector<glslang::TIntermTyped*>& aNodes, int iLine,
+                  std::vector<SValue>& aValues);
     // ZcLowerSelections.cpp: parts of computed values, ?:, && and ||
     bool Select(glslang::TIntermBinary* pNode, SValue& value);
     bool SelectSlots(glslang::TIntermBinary* pNode, const SValue& whole, SValue& value);

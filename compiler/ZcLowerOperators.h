@@ -14,8 +14,8 @@ namespace ZamCompiler
 bool LowerArithmetic(CProgramBuilder& builder, glslang::TOperator eOp, const glslang::TType& type, const SValue& left,
                      const SValue& right, int iLine, SValue& value);
 // <, >, <=, >=, lane-wise and whole-value == and !=.
-bool LowerComparison(CProgramBuilder& builder, glslang::TOperator eOp, const SValue& left, const SValue& right,
-                     int iLine, SValue& value);
+bool LowerComparison(CProgramBuilder& builder, glslang::TOperator eOp, glslang::TBasicType eOperands,
+                     const SValue& left, const SValue& right, int iLine, SValue& value);
 // == and != of whole values (all lanes of all slots) to one boolean.
 bool LowerWholeComparison(CProgramBuilder& builder, bool bEqual, const SValue& left, const SValue& right, int iLine,
                           SValue& value);

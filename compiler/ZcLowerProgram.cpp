@@ -12,6 +12,35 @@ namespace
 
 constexpr std::size_t k_uiRetargetWindow = 16;
 
+bool IsTypedOp(ETxeOp eOp)
+{
+    switch (eOp)
+    {
+    case Op_Add:
+    case Op_Mul:
+    case Op_Mad:
+    case Op_Min:
+    case Op_Max:
+    case Op_Slt:
+    case Op_Sge:
+    case Op_Seq:
+    case Op_Sne:
+    case Op_Sgn:
+    case Op_And:
+    case Op_Or:
+    case Op_Xor:
+    case Op_Not:
+    case Op_Shl:
+    case Op_Shr:
+    case Op_Idiv:
+    case Op_F2i:
+    case Op_I2f:
+        return true;
+    default:
+        return eOp >= Op_Bcnt && eOp < Op_Count;
+    }
+}
+
 } // namespace
 
 CProgramBuilder::CProgramBuilder(ETxeStage eStage, const SSourceLimits& limits, STxeProgram& program,
@@ -45,6 +74,7 @@ int CProgramBuilder::Emit(ETxeOp eOp, const STxeOperand& dst, std::initializer_l
     }
     STxeInstruction instr;
     instr.eOp = eOp;
+    instr.eType = IsTypedOp(eOp) ? m_eType : Type_Float;
     instr.dst = dst;
     int i = 0;
     for (const STxeOperand& src : aSrc)
@@ -143,12 +173,19 @@ SValue CProgramBuilder::Materialize(const SValue& value, int iLine)
     return result;
 }
 
-STxeOperand CProgramBuilder::Immediate(const float afValues[4], int iLanes)
+STxeOperand CProgramBuilder::Immediate(const double adValues[4], int iLanes)
 {
-    std::vector<std::uint32_t> aKey(4, 0);
+    std::vector<double> aLanes(4, 0.0);
     for (int i = 0; i < iLanes && i < 4; ++i)
-        std::memcpy(&aKey[i], &afValues[i], sizeof(float));
-    auto it = m_mapPool.find(aKey);
+    {
+        // A float immediate holds what a 32-bit lane can hold.
+        aLanes[i] = m_eType == Type_Float ? static_cast<double>(static_cast<float>(adValues[i])) : adValues[i];
+    }
+    std::vector<std::uint64_t> aBits(4, 0);
+    for (int i = 0; i < 4; ++i)
+        std::memcpy(&aBits[i], &aLanes[i], sizeof(double));
+    auto key = std::make_pair(m_eType, std::move(aBits));
+    auto it = m_mapPool.find(key);
     int iEntry = 0;
     if (it != m_mapPool.end())
     {
@@ -157,9 +194,9 @@ STxeOperand CProgramBuilder::Immediate(const float afValues[4], int iLanes)
     else
     {
         iEntry = static_cast<int>(m_program.aPool.size() / 4);
-        for (int i = 0; i < 4; ++i)
-            m_program.aPool.push_back(i < iLanes ? afValues[i] : 0.0f);
-        m_mapPool.emplace(aKey, iEntry);
+        m_program.aPool.insert(m_program.aPool.end(), aLanes.begin(), aLanes.end());
+        m_program.aPoolTypes.push_back(m_eType);
+        m_mapPool.emplace(std::move(key), iEntry);
     }
     STxeOperand op;
     op.eFile = File_Immediate;
@@ -168,24 +205,31 @@ STxeOperand CProgramBuilder::Immediate(const float afValues[4], int iLanes)
     return op;
 }
 
-STxeOperand CProgramBuilder::Immediate(float fValue, int iLanes)
+STxeOperand CProgramBuilder::Immediate(const float afValues[4], int iLanes)
 {
-    const float afValues[4] = {fValue, fValue, fValue, fValue};
-    return Broadcast(Immediate(afValues, 1), iLanes);
+    const double adValues[4] = {afValues[0], iLanes > 1 ? afValues[1] : 0.0f, iLanes > 2 ? afValues[2] : 0.0f,
+                                iLanes > 3 ? afValues[3] : 0.0f};
+    return Immediate(adValues, iLanes);
 }
 
-float CProgramBuilder::ImmediateLane(const STxeOperand& op, int iLane) const
+STxeOperand CProgramBuilder::Immediate(double dValue, int iLanes)
+{
+    const double adValues[4] = {dValue, dValue, dValue, dValue};
+    return Broadcast(Immediate(adValues, 1), iLanes);
+}
+
+double CProgramBuilder::ImmediateLane(const STxeOperand& op, int iLane) const
 {
     const std::size_t uiIndex = static_cast<std::size_t>(op.iIndex) * 4 + op.auiSwizzle[iLane & 3];
-    float fValue = uiIndex < m_program.aPool.size() ? m_program.aPool[uiIndex] : 0.0f;
+    double dValue = uiIndex < m_program.aPool.size() ? m_program.aPool[uiIndex] : 0.0;
     if (op.bAbs)
-        fValue = std::fabs(fValue);
-    return op.bNegate ? -fValue : fValue;
+        dValue = std::fabs(dValue);
+    return op.bNegate ? -dValue : dValue;
 }
 
 bool CProgramBuilder::IsBroadcastImmediate(const STxeOperand& op, float fValue) const
 {
-    return op.eFile == File_Immediate && !op.bNegate && !op.bAbs && ImmediateLane(op, 0) == fValue &&
+    return op.eFile == File_Immediate && !op.bNegate && !op.bAbs && ImmediateLane(op, 0) == static_cast<double>(fValue) &&
            (op.uiCount == 1 || op.auiSwizzle[1] == op.auiSwizzle[0]);
 }
 

@@ -19,6 +19,8 @@ namespace ZamCompiler
 
 class CProgramBuilder
 {
+    friend class CTypeScope;
+
 public:
     CProgramBuilder(ETxeStage eStage, const SSourceLimits& limits, STxeProgram& program, CDiagnosticList& aDiagnostics);
 
@@ -50,11 +52,17 @@ public:
     // Opens a one-trip loop: something to break out of.
     void EmitOneTripLoop(int iLine);
 
-    // --- immediates ---
+    // --- the type of the instructions and immediates being made ---
+    // Integer operations are typed; moves, selects and flow never are.
+    ETxeType Type() const { return m_eType; }
+    void SetType(ETxeType eType) { m_eType = eType; }
+
+    // --- immediates, of the current type ---
+    STxeOperand Immediate(const double adValues[4], int iLanes);
     STxeOperand Immediate(const float afValues[4], int iLanes);
-    STxeOperand Immediate(float fValue, int iLanes = 1);
+    STxeOperand Immediate(double dValue, int iLanes = 1);
     // The value of one lane of an immediate operand, modifiers applied.
-    float ImmediateLane(const STxeOperand& op, int iLane) const;
+    double ImmediateLane(const STxeOperand& op, int iLane) const;
     // An immediate without modifiers that repeats one pool lane holding fValue.
     bool IsBroadcastImmediate(const STxeOperand& op, float fValue) const;
 
@@ -75,8 +83,27 @@ private:
     int m_iNextTemp = 0;
     std::set<int> m_setVariableTemps;
     std::set<int> m_setGlobalTemps;
-    std::map<std::vector<std::uint32_t>, int> m_mapPool;
+    // Keyed by the lanes' bits, so -0 and NaN stay themselves.
+    std::map<std::pair<ETxeType, std::vector<std::uint64_t>>, int> m_mapPool;
+    ETxeType m_eType = Type_Float;
     int m_aiNextSlot[8] = {};
+};
+
+// Makes instructions and immediates of one type for as long as it lives.
+class CTypeScope
+{
+public:
+    CTypeScope(CProgramBuilder& builder, ETxeType eType) : m_builder(builder), m_ePrevious(builder.Type())
+    {
+        builder.SetType(eType);
+    }
+    ~CTypeScope() { m_builder.SetType(m_ePrevious); }
+    CTypeScope(const CTypeScope&) = delete;
+    CTypeScope& operator=(const CTypeScope&) = delete;
+
+private:
+    CProgramBuilder& m_builder;
+    ETxeType m_ePrevious;
 };
 
 } // namespace ZamCompiler

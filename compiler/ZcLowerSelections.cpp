@@ -96,7 +96,8 @@ bool CExpressionLowerer::SelectSlots(TIntermBinary* pNode, const SValue& whole, 
     return true;
 }
 
-// v[i]: a one-hot mask of the lane, then a dot product picks it.
+// v[i]: a one-hot mask of the lane, then a dot product picks it (integer lanes are
+// multiplied and added up, which is exact).
 bool CExpressionLowerer::DynamicLane(TIntermBinary* pNode, SValue& value)
 {
     const int iLine = LineOf(pNode);
@@ -107,10 +108,25 @@ bool CExpressionLowerer::DynamicLane(TIntermBinary* pNode, SValue& value)
         return false;
     const STxeOperand vector = whole.aSlots[0];
     const int iLanes = vector.uiCount;
-    const float afLanes[4] = {0.0f, 1.0f, 2.0f, 3.0f};
-    const STxeOperand mask = m_builder.Compute(
-        Op_Seq, {Broadcast(Lane(index.aSlots[0], 0), iLanes), m_builder.Immediate(afLanes, iLanes)}, iLanes, iLine);
-    value.aSlots.push_back(m_builder.Compute(DotFor(iLanes), {vector, mask}, 1, iLine));
+    STxeOperand mask;
+    {
+        const CTypeScope scope(m_builder, TxeTypeOf(pNode->getRight()->getBasicType()));
+        const double adLanes[4] = {0.0, 1.0, 2.0, 3.0};
+        mask = m_builder.Compute(Op_Seq, {Broadcast(Lane(index.aSlots[0], 0), iLanes), m_builder.Immediate(adLanes, iLanes)},
+                                 iLanes, iLine);
+    }
+    const ETxeType eType = TxeTypeOf(pNode->getBasicType());
+    if (eType == Type_Float)
+    {
+        value.aSlots.push_back(m_builder.Compute(DotFor(iLanes), {vector, mask}, 1, iLine));
+        return !m_builder.Failed();
+    }
+    const CTypeScope scope(m_builder, eType);
+    const STxeOperand picked = m_builder.Compute(Op_Mul, {vector, mask}, iLanes, iLine);
+    STxeOperand sum = Lane(picked, 0);
+    for (int i = 1; i < iLanes; ++i)
+        sum = m_builder.Compute(Op_Add, {sum, Lane(picked, i)}, 1, iLine);
+    value.aSlots.push_back(sum);
     return !m_builder.Failed();
 }
 

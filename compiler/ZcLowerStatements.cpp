@@ -127,6 +127,7 @@ bool CStatementLowerer::CaseHit(TIntermBranch* pLabel, const STxeOperand& select
     SValue label;
     if (!m_expressions.Lower(pLabel->getExpression(), label) || label.aSlots.empty())
         return false;
+    const CTypeScope scope(m_builder, TxeTypeOf(pLabel->getExpression()->getBasicType()));
     hit = m_builder.Compute(Op_Seq, {selector, Lane(label.aSlots[0], 0)}, 1, LineOf(pLabel));
     return true;
 }

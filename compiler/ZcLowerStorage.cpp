@@ -21,6 +21,8 @@ EStorage StorageOf(const TType& type, bool& bSupported)
         return type.getBasicType() == EbtSampler ? Storage_Sampler : Storage_Uniform;
     case EvqConst:
         return Storage_Uniform;
+    case EvqBuffer:
+        return Storage_Buffer;
     case EvqVaryingIn:
     case EvqVertexId:
     case EvqInstanceId:
@@ -52,7 +54,8 @@ ETxeFile FileOf(EStorage eStorage)
     switch (eStorage)
     {
     case Storage_Input: return File_Input;
-    case Storage_Uniform: return File_Uniform;
+    case Storage_Uniform:
+    case Storage_Buffer: return File_Uniform;
     case Storage_Output: return File_Output;
     case Storage_Sampler: return File_Sampler;
     case Storage_Scratch: return File_Scratch;
@@ -126,7 +129,7 @@ SVariable* CVariableStore::Variable(TIntermSymbol* pSymbol)
         binding.eFile = FileOf(variable.eStorage);
         binding.iSlots = static_cast<int>(variable.aLanes.size());
         binding.iBase = variable.iBase = m_builder.AllocateSlots(binding.eFile, binding.iSlots);
-        binding.name = pSymbol->getName().c_str();
+        binding.name = variable.name;
         if (type.getQualifier().storage == EvqConst)
             binding.aValues = ConstantSlots(type, pSymbol->getConstArray());
         m_builder.AddBinding(binding);
@@ -204,7 +207,8 @@ STxeOperand CVariableStore::SlotOperand(const SAccess& access, int iSlot, int iL
     }
     op.eFile = FileOf(variable.eStorage);
     op.iIndex = variable.iBase + iSlot;
-    if (variable.eStorage != Storage_Scratch && access.iDynamic < 0)
+    // Scratch and buffer memory is always read with a load; uniforms only when indexed.
+    if (variable.eStorage != Storage_Scratch && variable.eStorage != Storage_Buffer && access.iDynamic < 0)
         return op;
     op.iRelative = access.iDynamic;
     STxeOperand loaded = m_builder.NewTemp(op.uiCount);

@@ -27,6 +27,7 @@ enum EStorage
     Storage_Uniform,
     Storage_Output,
     Storage_Sampler,
+    Storage_Buffer, // a shader storage buffer, read from the constant file
 };
 
 struct SVariable

@@ -30,17 +30,16 @@ public:
     }
     bool visitAggregate(TVisit, TIntermAggregate* pNode) override
     {
-        if (pNode->getOp() == EOpFunctionCall)
+        const bool bCall = pNode->getOp() == EOpFunctionCall;
+        const TQualifierList& aQualifiers = pNode->getQualifierList();
+        const TIntermSequence& aArgs = pNode->getSequence();
+        for (std::size_t i = 0; i < aArgs.size(); ++i)
         {
-            const TQualifierList& aQualifiers = pNode->getQualifierList();
-            const TIntermSequence& aArgs = pNode->getSequence();
-            for (std::size_t i = 0; i < aArgs.size(); ++i)
-            {
-                // Without qualifiers recorded, any argument might be written.
-                const bool bWritable = i >= aQualifiers.size() || aQualifiers[i] == EvqOut || aQualifiers[i] == EvqInOut;
-                if (bWritable && aArgs[i] && aArgs[i]->getAsTyped() && Targets(aArgs[i]->getAsTyped()))
-                    bFound = true;
-            }
+            // Without qualifiers recorded, any argument of a user function might be written.
+            const bool bWritable = bCall ? i >= aQualifiers.size() || aQualifiers[i] == EvqOut || aQualifiers[i] == EvqInOut
+                                         : IsBuiltinOutput(pNode->getOp(), i);
+            if (bWritable && aArgs[i] && aArgs[i]->getAsTyped() && Targets(aArgs[i]->getAsTyped()))
+                bFound = true;
         }
         return !bFound;
     }
@@ -73,7 +72,7 @@ public:
     }
     bool visitAggregate(TVisit, TIntermAggregate* pNode) override
     {
-        if (pNode->getOp() == EOpFunctionCall)
+        if (pNode->getOp() == EOpFunctionCall || IsBuiltinOutput(pNode->getOp(), pNode->getSequence().size() - 1))
             bFound = true;
         return !bFound;
     }
@@ -136,7 +135,9 @@ std::vector<std::uint8_t> SlotLanes(const TType& type)
     {
         const TType element(type, 0);
         const std::vector<std::uint8_t> aElement = SlotLanes(element);
-        const int iCount = type.isSizedArray() ? std::max(0, type.getOuterArraySize()) : 0;
+        const bool bRuntimeSized = type.isUnsizedArray() && type.getQualifier().storage == EvqBuffer;
+        const int iCount = type.isSizedArray() ? std::max(0, type.getOuterArraySize())
+                                               : (bRuntimeSized ? k_iRuntimeArrayElements : 0);
         for (int i = 0; i < iCount; ++i)
             aLanes.insert(aLanes.end(), aElement.begin(), aElement.end());
     }
@@ -176,6 +177,22 @@ bool IsIntegerType(TBasicType eType)
 {
     return eType == EbtInt || eType == EbtUint || eType == EbtInt8 || eType == EbtUint8 || eType == EbtInt16 ||
            eType == EbtUint16 || eType == EbtInt64 || eType == EbtUint64;
+}
+
+ETxeType TxeTypeOf(TBasicType eType)
+{
+    switch (eType)
+    {
+    case EbtInt:
+    case EbtInt8:
+    case EbtInt16:
+    case EbtInt64: return Type_Int;
+    case EbtUint:
+    case EbtUint8:
+    case EbtUint16:
+    case EbtUint64: return Type_Uint;
+    default: return Type_Float;
+    }
 }
 
 double ConstantAsDouble(const TConstUnion& constant)
@@ -280,6 +297,20 @@ bool IsComparison(TOperator eOp)
         return true;
     default:
         return false;
+    }
+}
+
+bool IsBuiltinOutput(TOperator eOp, std::size_t i)
+{
+    switch (eOp)
+    {
+    case EOpModf:
+    case EOpFrexp: return i == 1;
+    case EOpAddCarry:
+    case EOpSubBorrow: return i == 2;
+    case EOpUMulExtended:
+    case EOpIMulExtended: return i == 2 || i == 3;
+    default: return false;
     }
 }
 

@@ -3,6 +3,8 @@
 // Questions the lowering asks of glslang's typed tree: shapes of types, constants,
 // what a node writes or returns, and the names the user wrote.
 
+#include "TxeIsa.h"
+
 #include <glslang/MachineIndependent/localintermediate.h>
 
 #include <cstdint>
@@ -13,12 +15,16 @@ namespace ZamCompiler
 {
 
 // --- types and constants ---
+// A storage buffer's runtime-sized array is bound with this many elements.
+constexpr int k_iRuntimeArrayElements = 16;
 // Lanes of each four-lane slot the type occupies (a mat3 is {3, 3, 3}).
 std::vector<std::uint8_t> SlotLanes(const glslang::TType& type);
 // Lanes of one slot: a vector's size, a matrix's rows.
 int LanesOf(const glslang::TType& type);
 bool IsFloatType(glslang::TBasicType eType);
 bool IsIntegerType(glslang::TBasicType eType);
+// The type of TXE instruction that computes on values of this basic type.
+ETxeType TxeTypeOf(glslang::TBasicType eType);
 double ConstantAsDouble(const glslang::TConstUnion& constant);
 // Four floats per slot, unused lanes 0.
 std::vector<float> ConstantSlots(const glslang::TType& type, const glslang::TConstUnionArray& aConstants);
@@ -32,6 +38,8 @@ bool IsIncDec(glslang::TOperator eOp);
 bool IsArithmetic(glslang::TOperator eOp);
 bool IsComparison(glslang::TOperator eOp);
 bool IsConversion(glslang::TOperator eOp);
+// Whether argument i of a built-in function is an out parameter (modf's second, ...).
+bool IsBuiltinOutput(glslang::TOperator eOp, std::size_t i);
 
 // --- nodes ---
 // The variable at the root of an access path (a.b[2].xy gives a), or null.

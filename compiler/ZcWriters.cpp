@@ -43,6 +43,19 @@ void PutOperand(std::string& out, const STxeOperand& op)
     PutU32(out, static_cast<std::uint32_t>(op.iRelative));
 }
 
+// A float immediate as its IEEE bits; an integer one as its 32-bit two's complement.
+std::uint32_t ImmediateWord(const STxeProgram& program, std::size_t uiLane)
+{
+    const std::size_t uiEntry = uiLane / 4;
+    const double dValue = program.aPool[uiLane];
+    if (uiEntry < program.aPoolTypes.size() && program.aPoolTypes[uiEntry] != Type_Float)
+        return static_cast<std::uint32_t>(static_cast<std::int64_t>(dValue));
+    const float fValue = static_cast<float>(dValue);
+    std::uint32_t uiBits = 0;
+    std::memcpy(&uiBits, &fValue, sizeof(uiBits));
+    return uiBits;
+}
+
 std::string Pad(std::string text, std::size_t uiWidth)
 {
     if (text.size() < uiWidth)
@@ -138,7 +151,7 @@ std::string EncodeProgram(const SCompilation& compilation, const SCoreModel& cor
     const STxeProgram& program = compilation.program;
     std::string out;
     out += "ZTXE";
-    PutU16(out, 1);
+    PutU16(out, 2);
     PutU8(out, core.eCore);
     PutU8(out, program.eStage);
     PutU32(out, static_cast<std::uint32_t>(program.aInstructions.size()));
@@ -151,7 +164,7 @@ std::string EncodeProgram(const SCompilation& compilation, const SCoreModel& cor
     for (const STxeInstruction& instr : program.aInstructions)
     {
         PutU8(out, instr.eOp);
-        PutU8(out, instr.bNonDependent ? 1u : 0u);
+        PutU8(out, (instr.bNonDependent ? 1u : 0u) | (static_cast<unsigned>(instr.eType) << 1));
         PutU16(out, instr.trips.bKnown ? 1u : 0u);
         PutU32(out, static_cast<std::uint32_t>(instr.iLine));
         PutOperand(out, instr.dst);
@@ -161,11 +174,13 @@ std::string EncodeProgram(const SCompilation& compilation, const SCoreModel& cor
         PutU32(out, static_cast<std::uint32_t>(instr.trips.iAverage));
         PutU32(out, static_cast<std::uint32_t>(instr.trips.iWorst));
     }
-    for (float fValue : program.aPool)
+    for (std::size_t uiEntry = 0; uiEntry * 4 < program.aPool.size(); ++uiEntry)
     {
-        std::uint32_t uiBits = 0;
-        std::memcpy(&uiBits, &fValue, sizeof(uiBits));
-        PutU32(out, uiBits);
+        PutU8(out, uiEntry < program.aPoolTypes.size() ? program.aPoolTypes[uiEntry] : Type_Float);
+        PutU8(out, 0);
+        PutU16(out, 0);
+        for (std::size_t i = 0; i < 4; ++i)
+            PutU32(out, ImmediateWord(program, uiEntry * 4 + i));
     }
     for (const STxeBinding& binding : program.aBindings)
     {

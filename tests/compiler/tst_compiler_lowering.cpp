@@ -53,6 +53,7 @@ private slots:
     void returnsOfCalls();
     void commaOperator_data();
     void commaOperator();
+    void storageBuffersAreRead();
 
 private:
     void AddRows();
@@ -154,6 +155,35 @@ void CCompilerLoweringTest::commaOperator_data()
 void CCompilerLoweringTest::commaOperator()
 {
     CheckRow();
+}
+
+// A named block and an anonymous one with a runtime-sized array, bound by their names.
+void CCompilerLoweringTest::storageBuffersAreRead()
+{
+    const QString source = "#version 310 es\n"
+                           "precision highp float;\n"
+                           "layout(std430, binding = 0) readonly buffer Lights { vec4 count; vec4 colors[]; };\n"
+                           "layout(std430, binding = 1) buffer Params { float gain; int n; } params;\n"
+                           "out vec4 o;\n"
+                           "void main()\n"
+                           "{\n"
+                           "    vec4 c = vec4(0.0);\n"
+                           "    for (int i = 0; i < int(count.x); i++)\n"
+                           "        c += colors[i];\n"
+                           "    o = c * params.gain + vec4(float(params.n), colors[1].w, 0.0, 0.0);\n"
+                           "}\n";
+    SCompilation compilation;
+    QVERIFY(CompileSource(source.toStdString(), Stage_Fragment, CoreModel(Core_ZC1), DefaultSourceLimits(), compilation));
+    CTxeMachine machine(compilation.program);
+    machine.Set("Lights", {{3, 0, 0, 0}, {1, 2, 3, 4}, {10, 20, 30, 40}, {100, 200, 300, 400}, {-1, -1, -1, -1}});
+    machine.Set("params", {{0.5f, 0, 0, 0}, {7, 0, 0, 0}});
+    QVERIFY2(machine.Run(), machine.Error().c_str());
+    const SLanes result = machine.Output(0);
+    QCOMPARE(result, (SLanes{55.5f + 7.0f, 111.0f + 40.0f, 166.5f, 222.0f}));
+    int iLoads = 0;
+    for (const STxeInstruction& instr : compilation.program.aInstructions)
+        iLoads += instr.eOp == Op_Ldc ? 1 : 0;
+    QVERIFY2(iLoads >= 4, "every read of a storage buffer is a load");
 }
 
 QTEST_GUILESS_MAIN(CCompilerLoweringTest)
