@@ -15,6 +15,8 @@
 #include <QUrl>
 #include <QVector>
 
+#include <memory>
+
 namespace
 {
 constexpr int kDpi = 300;
@@ -350,16 +352,22 @@ void StyleTables(QTextDocument& Doc)
     }
 }
 
-void TypesetDocument(QTextDocument& Doc, const QString& Markdown, const QString& BaseFolder, const QSizeF& Page)
+// Styled before the document has a layout and a page size: with them, every format change
+// would lay the paged document out again.
+std::unique_ptr<QTextDocument> TypesetDocument(const QString& Markdown, const QString& BaseFolder, QPaintDevice& Device,
+                                               const QSizeF& Page)
 {
-    Doc.clear();
-    Doc.setDefaultFont(BodyFont(10));
-    Doc.setDocumentMargin(0);
-    Doc.setBaseUrl(QUrl::fromLocalFile(QFileInfo(BaseFolder).absoluteFilePath() + QLatin1Char('/')));
-    Doc.setMarkdown(Markdown, QTextDocument::MarkdownDialectGitHub);
-    StyleBlocks(Doc);
-    StyleTables(Doc);
-    Doc.setPageSize(Page);
+    auto pDoc = std::make_unique<QTextDocument>();
+    pDoc->setUndoRedoEnabled(false);
+    pDoc->setDefaultFont(BodyFont(10));
+    pDoc->setDocumentMargin(0);
+    pDoc->setBaseUrl(QUrl::fromLocalFile(QFileInfo(BaseFolder).absoluteFilePath() + QLatin1Char('/')));
+    pDoc->setMarkdown(Markdown, QTextDocument::MarkdownDialectGitHub);
+    StyleBlocks(*pDoc);
+    StyleTables(*pDoc);
+    pDoc->documentLayout()->setPaintDevice(&Device);
+    pDoc->setPageSize(Page);
+    return pDoc;
 }
 
 // The page of each numbered heading, in document order.
@@ -450,13 +458,12 @@ int RenderMarkdownToPdf(const QString& Markdown, const QString& BaseFolder, cons
 
     // Typeset once with provisional page numbers to learn where the headings fall, then again
     // with the real ones; the numbers do not change the length of the contents.
-    QTextDocument Doc;
-    Doc.documentLayout()->setPaintDevice(&Writer);
-    TypesetDocument(Doc, WithContents(Numbered, iFirstChapterLine, ContentsMarkdown(Headings, {})), BaseFolder, Page);
-    const QVector<int> Pages = HeadingPages(Doc, dBodyHeight);
-    TypesetDocument(Doc, WithContents(Numbered, iFirstChapterLine, ContentsMarkdown(Headings, Pages)), BaseFolder, Page);
-
-    if (!PaintPages(Writer, Doc, Title, dBodyHeight, pError))
+    const QVector<int> Pages = HeadingPages(
+        *TypesetDocument(WithContents(Numbered, iFirstChapterLine, ContentsMarkdown(Headings, {})), BaseFolder, Writer, Page),
+        dBodyHeight);
+    const std::unique_ptr<QTextDocument> pDoc =
+        TypesetDocument(WithContents(Numbered, iFirstChapterLine, ContentsMarkdown(Headings, Pages)), BaseFolder, Writer, Page);
+    if (!PaintPages(Writer, *pDoc, Title, dBodyHeight, pError))
         return 0;
-    return Doc.pageCount();
+    return pDoc->pageCount();
 }
