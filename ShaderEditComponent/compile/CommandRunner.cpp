@@ -1,20 +1,20 @@
 #include "CommandRunner.h"
 
+#include "GuardedProcess.h"
 #include "UIString.h"
 
 #include <QElapsedTimer>
-#include <QProcess>
 
 #include <csignal>
 #include <sys/types.h>
-#include <unistd.h>
 
 namespace
 {
-void KillGroup(qint64 iGroup)
+// Asks a command's guard to end it with everything it started.
+void EndGuarded(qint64 iGuard)
 {
-    if (iGroup > 0)
-        ::kill(-static_cast<pid_t>(iGroup), SIGKILL);
+    if (iGuard > 0)
+        ::kill(static_cast<pid_t>(iGuard), SIGTERM);
 }
 
 // Appends a chunk without carriage returns, up to the cap. Returns false once the cap is hit.
@@ -45,7 +45,7 @@ bool CRunControl::Cancel()
 {
     QMutexLocker Lock(&m_Mutex);
     m_bCancelled = true;
-    KillGroup(m_iGroup);
+    EndGuarded(m_iGuard);
     return m_bFinished;
 }
 
@@ -62,46 +62,34 @@ bool CRunControl::MarkFinished()
     return m_bCancelled;
 }
 
-bool CRunControl::AttachGroup(qint64 iGroup)
+bool CRunControl::AttachGuard(qint64 iGuard)
 {
     QMutexLocker Lock(&m_Mutex);
     if (m_bCancelled)
         return false;
-    m_iGroup = iGroup;
+    m_iGuard = iGuard;
     return true;
 }
 
-void CRunControl::DetachGroup()
+void CRunControl::DetachGuard()
 {
     QMutexLocker Lock(&m_Mutex);
-    m_iGroup = 0;
+    m_iGuard = 0;
 }
 
 SCommandRun RunCommand(const SCompileCommand& Command, CRunControl& Control, const SRunOptions& Options)
 {
-    if (Command.Program.isEmpty())
+    CGuardedProcess Process;
+    QString Reason;
+    if (Command.Program.isEmpty() || !Process.Start(Command, Options.WorkingDirectory, Options.CleanupFolder, Reason))
         return NotStarted();
 
-    QProcess Process;
-    Process.setProgram(Command.Program);
-    Process.setArguments(Command.Arguments);
-    if (!Options.WorkingDirectory.isEmpty())
-        Process.setWorkingDirectory(Options.WorkingDirectory);
-    Process.setProcessChannelMode(QProcess::MergedChannels);
-    Process.setInputChannelMode(QProcess::ForwardedInputChannel);
-    // Its own group, so one kill reaches whatever the compiler forks.
-    Process.setChildProcessModifier([] { ::setpgid(0, 0); });
-    Process.start(QIODevice::ReadOnly);
-    if (!Process.waitForStarted(-1))
-        return NotStarted();
-
-    // The modifier ran before exec, which waitForStarted has seen succeed: the group exists.
-    const qint64 iGroup = Process.processId();
     SCommandRun Run;
     Run.eStatus = CompileStatus_Completed;
     QElapsedTimer Clock;
     Clock.start();
-    bool bRunning = Control.AttachGroup(iGroup);
+    // The guard is only reaped below, after it is detached: until then its id is its own.
+    bool bRunning = Control.AttachGuard(Process.GetGuardPid());
     if (!bRunning)
         Run.eStatus = CompileStatus_Cancelled;
     while (bRunning)
@@ -117,25 +105,18 @@ SCommandRun RunCommand(const SCompileCommand& Command, CRunControl& Control, con
             Run.bTimedOut = true;
             break;
         }
-        const bool bFinished = Process.state() == QProcess::NotRunning;
-        if (!bFinished)
-            Process.waitForReadyRead(RunnerPollMs);
-        if (!TakeOutput(Run, Process.readAll(), Options.iOutputCap))
+        QByteArray Chunk;
+        const bool bMoreOutput = Process.ReadOutput(RunnerPollMs, Options.iOutputCap - Run.Output.size() + 1, Chunk);
+        if (!TakeOutput(Run, Chunk, Options.iOutputCap))
             break;
-        bRunning = !bFinished;
+        bRunning = bMoreOutput || !Process.HasEnded();
     }
-    Control.DetachGroup();
-    // Also reaches children that outlived the compiler and still hold its output pipe.
-    KillGroup(iGroup);
+    Control.DetachGuard();
     const bool bEndedByUs = Run.eStatus != CompileStatus_Completed || Run.bOutputCut;
-    // A compiler that left its group (setsid) is still reached itself.
-    if (bEndedByUs && Process.state() != QProcess::NotRunning)
-        Process.kill();
-    Process.waitForFinished(-1);
-    if (!bEndedByUs && Process.exitStatus() == QProcess::CrashExit)
-    {
-        Run.eStatus = CompileStatus_NotRun;
-        Run.Output.append(UIString(UIS_FailedToExecuteCommandLine).toUtf8());
-    }
+    if (bEndedByUs)
+        Process.Terminate();
+    Process.WaitForEnd();
+    if (!bEndedByUs)
+        Run.iExitSignal = Process.GetExitSignal();
     return Run;
 }

@@ -3,6 +3,7 @@
 #include "CompilerOutputParser.h"
 #include "PerformanceEstimateParser.h"
 #include "ProfileParser.h"
+#include "RegularFile.h"
 #include "UIString.h"
 
 #include <QDir>
@@ -10,10 +11,14 @@
 #include <QLocale>
 #include <QTemporaryDir>
 
+#include <cstring>
+
 namespace
 {
-// Not one of the interface table's fixed texts; it starts with WARNING so the log colours it.
+// Not among the interface table's fixed texts. A WARNING or ERROR start colours them in the log.
 const char* const s_pOutputCutNote = "WARNING: The compiler's output was cut after %1 and the compiler was stopped.";
+const char* const s_pEndedBySignal = "The compiler was ended by signal %1 (%2).";
+const char* const s_pUnreadableOutputFile = "ERROR: Could not read %1: %2.";
 
 // Where the compiler leaves its files, and which of them to read.
 struct SUnitOutputs
@@ -33,18 +38,17 @@ void AppendLogLine(SCompileResult& Result, const QString& Text)
     AppendLog(Result, Text.toUtf8() + '\n');
 }
 
-// Reads at most iMaxBytes; bWhole tells whether that was the whole file.
-bool ReadBounded(const QString& Path, qint64 iMaxBytes, QByteArray& Bytes, bool& bWhole, QString& Error)
+// An output file of the compiler; anything but a regular file within the limit is refused
+// with the reason, so a FIFO left at its name can never stall the compile.
+bool ReadOutputFile(const QString& Path, QByteArray& Bytes, QString& Error)
 {
-    QFile File(Path);
-    if (!File.open(QIODevice::ReadOnly))
+    const SRegularFile File = ReadRegularFile(Path, MaxProfileFileBytes);
+    if (File.eResult != RegularFile_Read)
     {
-        Error = File.errorString();
+        Error = QString::fromLatin1(s_pUnreadableOutputFile).arg(Path, DescribeReadFailure(File));
         return false;
     }
-    Bytes = File.read(iMaxBytes + 1);
-    bWhole = Bytes.size() <= iMaxBytes;
-    Bytes.truncate(static_cast<qsizetype>(qMin<qint64>(Bytes.size(), iMaxBytes)));
+    Bytes = File.Bytes;
     return true;
 }
 
@@ -52,15 +56,13 @@ void ReadProfile(const SCompileUnit& Unit, const QString& Path, SCompileResult::
                  SCompileResult& Result)
 {
     QByteArray Bytes;
-    bool bWhole = false;
     QString Error;
-    if (!ReadBounded(Path, MaxProfileFileBytes, Bytes, bWhole, Error))
+    if (!ReadOutputFile(Path, Bytes, Error))
     {
         AppendLogLine(Result, Error);
         return;
     }
-    const SProfileParse Parse = bWhole ? ParseProfile(QString::fromUtf8(Bytes), Unit.iLineOffset, Result.CycleCounts)
-                                       : SProfileParse{0, -1, -1, true};
+    const SProfileParse Parse = ParseProfile(QString::fromUtf8(Bytes), Unit.iLineOffset, Result.CycleCounts);
     Profile.iTotalConsumedCycles = Parse.iTotalConsumedCycles;
     Profile.iGeneratedInstructions = Parse.iGeneratedInstructions;
     if (Parse.bMalformed)
@@ -70,18 +72,20 @@ void ReadProfile(const SCompileUnit& Unit, const QString& Path, SCompileResult::
 void ReadDisassembly(const QString& Path, SCompileResult::SProfile& Profile, SCompileResult& Result)
 {
     QByteArray Bytes;
-    bool bWhole = false;
     QString Error;
-    if (!ReadBounded(Path, MaxProfileFileBytes, Bytes, bWhole, Error))
+    if (!ReadOutputFile(Path, Bytes, Error))
         return;
     Profile.Disassembly = CZamTString(Bytes.constData(), static_cast<uint32_t>(Bytes.size()));
     Result.Disassembly += Profile.Disassembly;
 }
 
-void AppendHeader(SCompileResult& Result, const SCompileUnit& Unit, EUIString eText)
+// The unit's verdict line, and how the compiler ended when a signal ended it.
+void AppendHeader(SCompileResult& Result, const SCompileUnit& Unit, EUIString eText, const QString& EndedBySignal)
 {
     AppendLog(Result, QByteArray(Unit.Name.GetString(), static_cast<qsizetype>(Unit.Name.GetLength())) + ": ");
     AppendLogLine(Result, UIString(eText));
+    if (!EndedBySignal.isEmpty())
+        AppendLogLine(Result, EndedBySignal);
 }
 
 void AppendMessages(SCompileResult& Result, const SCompilerOutput& Parsed)
@@ -100,7 +104,9 @@ ECompileStatus JudgeRun(const SCompileUnit& Unit, const SCommandRun& Run, const 
         return CompileStatus_NotRun;
     }
     const SCompilerOutput Parsed = ParseCompilerOutput(Run.Output, Unit.iLineOffset);
-    ECompileStatus eStatus = Parsed.bSucceeded ? Run.eStatus : CompileStatus_Failed;
+    const ECompileStatus eStatus = Parsed.bSucceeded ? Run.eStatus : CompileStatus_Failed;
+    const QString EndedBySignal = Run.iExitSignal == 0 ? QString()
+        : QString::fromLatin1(s_pEndedBySignal).arg(Run.iExitSignal).arg(QString::fromLocal8Bit(strsignal(Run.iExitSignal)));
     if (eStatus == CompileStatus_Completed)
     {
         SCompileResult::SProfile Profile;
@@ -113,17 +119,16 @@ ECompileStatus JudgeRun(const SCompileUnit& Unit, const SCommandRun& Run, const 
         if (Parsed.bHasEstimate)
             ApplyPerformanceEstimate(ParsePerformanceEstimate(QString::fromUtf8(Run.Output)), Profile);
         Result.AddProfile(Profile);
-        AppendHeader(Result, Unit, UIS_CompileSucceeded);
-        AppendMessages(Result, Parsed);
-    }
-    else if (eStatus == CompileStatus_Failed && Parsed.bFailed)
-    {
-        AppendHeader(Result, Unit, UIS_CompileFailed);
+        AppendHeader(Result, Unit, UIS_CompileSucceeded, EndedBySignal);
         AppendMessages(Result, Parsed);
     }
     else
     {
-        AppendHeader(Result, Unit, UIS_CompilerCriticalError);
+        AppendHeader(Result, Unit, Parsed.bFailed ? UIS_CompileFailed : UIS_CompilerCriticalError, EndedBySignal);
+        if (Parsed.Messages.isEmpty())
+            AppendLog(Result, RawOutputForLog(Run.Output));
+        else if (Parsed.bFailed)
+            AppendMessages(Result, Parsed);
     }
     if (Run.bOutputCut)
         AppendLogLine(Result, QString::fromLatin1(s_pOutputCutNote).arg(QLocale::c().formattedDataSize(iOutputCap, 0)));
@@ -177,6 +182,7 @@ ECompileStatus CompileSource(const SCompileUnit& Unit, const QByteArray& Source,
 
     SRunOptions Options;
     Options.iOutputCap = Target.iOutputCap;
+    Options.CleanupFolder = Private.path();
     const SCommandRun Run = RunCommand(Command, Control, Options);
     return JudgeRun(Unit, Run, Outputs, Target.iOutputCap, Result);
 }

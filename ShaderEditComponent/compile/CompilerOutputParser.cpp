@@ -109,3 +109,19 @@ SCompilerOutput ParseCompilerOutput(const QByteArray& Output, int iLineOffset)
     }
     return Parsed;
 }
+
+QByteArray RawOutputForLog(const QByteArray& Output)
+{
+    QByteArray Text = Output;
+    while (Text.endsWith('\n'))
+        Text.chop(1);
+    if (Text.isEmpty())
+        return Text;
+    if (Text.size() <= MaxRawOutputInLog)
+        return Text + '\n';
+    qsizetype iCut = Text.lastIndexOf('\n', MaxRawOutputInLog);
+    if (iCut <= 0)
+        iCut = MaxRawOutputInLog;
+    const qsizetype iLeftOut = Text.size() - iCut;
+    return Text.left(iCut) + "\n(" + QByteArray::number(iLeftOut) + " more bytes of output not shown)\n";
+}

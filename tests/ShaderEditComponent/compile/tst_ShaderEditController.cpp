@@ -14,6 +14,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <csignal>
+#include <cstring>
 #include <map>
 #include <memory>
 
@@ -228,12 +230,14 @@ void CShaderEditControllerTest::Verdicts_data()
     QTest::newRow("failed") << Fake("print") << QByteArray("ERROR: 0:3: x\nnoise\nCompile failed.\n") << "" << 1
                             << Unit + UIString(UIS_CompileFailed) + "\nERROR: 0:3: x\n";
     QTest::newRow("success without its line break") << Fake("print") << QByteArray("Success.") << "" << 1
-                                                    << Unit + UIString(UIS_CompilerCriticalError) + "\n";
+                                                    << Unit + UIString(UIS_CompilerCriticalError) + "\nSuccess.\n";
     QTest::newRow("no verdict") << Fake("print") << QByteArray("ERROR: 0:3: x\n") << "" << 1
                                 << Unit + UIString(UIS_CompilerCriticalError) + "\n";
     QTest::newRow("missing executable") << m_Temp.filePath("no-such-compiler") << QByteArray() << "" << 3
                                         << UIString(UIS_FailedToExecuteCompiler) + "\n";
-    QTest::newRow("crash") << Fake("crash") << QByteArray() << "" << 3 << UIString(UIS_FailedToExecuteCompiler) + "\n";
+    QTest::newRow("crash") << Fake("crash") << QByteArray() << "" << 1
+                           << Unit + UIString(UIS_CompilerCriticalError) + "\nThe compiler was ended by signal "
+                                  + QString::number(SIGABRT) + " (" + strsignal(SIGABRT) + ").\n";
     // A folder below a plain file cannot be made, not even by root.
     QTest::newRow("temporary folder unusable")
         << Fake("print") << QByteArray() << "/dev/null/sub/" << 3 << UIString(UIS_CouldNotCreateTempFile) + "\n";

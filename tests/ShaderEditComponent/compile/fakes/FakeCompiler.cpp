@@ -5,18 +5,28 @@
 //   hang      prints a line, then never exits (also when asked for its banner)
 //   forkhang  forks a child that never exits, then never exits itself
 //   forkexit  forks a child that never exits and keeps the output open, then succeeds
-//   crash     prints a line, then aborts
+//   crash     prints $ZAM_FAKE_OUTPUT (default "partial output\n"), then aborts
+//   segv      the same, then dies of a segmentation fault
 //   flood     prints 1 GiB
+//   setsidhang  forks a child that starts a session of its own and never exits, then never
+//             exits itself
+//   setsidexit  the same child, then succeeds
+//   stdin     reads its standard input to the end, says how much it read, then succeeds
+//   fifoout   leaves FIFOs at <output base>.prof and .disasm, then succeeds
 // Without arguments it prints $ZAM_FAKE_BANNER or a banner listing every option. With
 // $ZAM_FAKE_RECORD_DIR set, each compile writes its arguments (one a line) and its input's
-// text there as <n>.args and <n>.src. A forked child's pid goes to $ZAM_FAKE_PID_FILE.
+// text there as <n>.args and <n>.src. A forked child's pid goes to $ZAM_FAKE_PID_FILE, the
+// compiler's own to $ZAM_FAKE_OWN_PID_FILE.
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -77,12 +87,39 @@ void Record(const std::vector<std::string>& Args, const std::string& Input)
 }
 
 // The parent records the child's pid, so it is known before anyone can kill the child.
-void ForkChild()
+void ForkChild(bool bOwnSession)
 {
     const pid_t iChild = ::fork();
     if (iChild == 0)
+    {
+        if (bOwnSession)
+            ::setsid();
         SleepForever();
+    }
     WriteFile(Env("ZAM_FAKE_PID_FILE", "/dev/null"), std::to_string(iChild));
+}
+
+[[noreturn]] void Crash(int iSignal)
+{
+    // No core file of a test's fake.
+    const rlimit NoCore{0, 0};
+    ::setrlimit(RLIMIT_CORE, &NoCore);
+    Print(Env("ZAM_FAKE_OUTPUT", "partial output\n"));
+    if (iSignal == SIGABRT)
+        std::abort();
+    std::signal(iSignal, SIG_DFL);
+    std::raise(iSignal);
+    std::abort();
+}
+
+void ReadInput()
+{
+    char aBuffer[4096];
+    size_t uiTotal = 0;
+    ssize_t iRead = 0;
+    while ((iRead = ::read(0, aBuffer, sizeof aBuffer)) > 0)
+        uiTotal += static_cast<size_t>(iRead);
+    Print("read " + std::to_string(uiTotal) + " bytes\n");
 }
 
 int Compile(const std::string& Mode, const std::vector<std::string>& Args)
@@ -95,23 +132,24 @@ int Compile(const std::string& Mode, const std::vector<std::string>& Args)
     }
     const auto Asked = [&](const char* pSwitch) { return std::find(Args.begin(), Args.end(), pSwitch) != Args.end(); };
     Record(Args, Positional.empty() ? std::string() : Positional[0]);
+    if (!Env("ZAM_FAKE_OWN_PID_FILE").empty())
+        WriteFile(Env("ZAM_FAKE_OWN_PID_FILE"), std::to_string(::getpid()));
 
     if (Mode == "hang")
     {
         Print("compiling\n");
         SleepForever();
     }
-    if (Mode == "forkhang" || Mode == "forkexit")
+    if (Mode == "forkhang" || Mode == "forkexit" || Mode == "setsidhang" || Mode == "setsidexit")
     {
-        ForkChild();
-        if (Mode == "forkhang")
+        ForkChild(Mode.compare(0, 6, "setsid") == 0);
+        if (Mode == "forkhang" || Mode == "setsidhang")
             SleepForever();
     }
-    if (Mode == "crash")
-    {
-        Print("partial output\n");
-        std::abort();
-    }
+    if (Mode == "crash" || Mode == "segv")
+        Crash(Mode == "crash" ? SIGABRT : SIGSEGV);
+    if (Mode == "stdin")
+        ReadInput();
     if (Mode == "flood")
     {
         const std::string Block(64 * 1024 - 1, 'x');
@@ -125,6 +163,11 @@ int Compile(const std::string& Mode, const std::vector<std::string>& Args)
     }
     Print(Env("ZAM_FAKE_OUTPUT", "Success.\n"));
     const std::string Base = Positional.size() >= 3 ? Positional[2] : std::string();
+    if (Mode == "fifoout" && !Base.empty())
+    {
+        ::mkfifo((Base + ".prof").c_str(), 0600);
+        ::mkfifo((Base + ".disasm").c_str(), 0600);
+    }
     if (!Base.empty() && Asked("-profile") && std::getenv("ZAM_FAKE_PROFILE"))
         WriteFile(Base + ".prof", Env("ZAM_FAKE_PROFILE"));
     if (!Base.empty() && Asked("-disasm") && std::getenv("ZAM_FAKE_DISASM"))
