@@ -236,6 +236,24 @@ void CCompileParsersTest::Banner_data()
     QTest::newRow("capture holding a placeholder") << "Zam OpenCL 1.2 %2 compiler. Version q 1@2\n"
                                                    << "OpenCL 1.2 %2"
                                                    << "1@2" << QStringList{} << false;
+
+    // A compiler that talks before it names itself is still identified, wherever it does.
+    QString Preamble;
+    for (int i = 0; Preamble.size() < 12 * 1024; ++i)
+        Preamble += QStringLiteral("Loading target library %1 for the device, please wait...\n").arg(i);
+    QTest::newRow("long preamble") << Preamble + "Zam GLSL ES reference compiler for ZC2 rev 3. zcddk 4.5.6@78\n"
+                                                 "OPTIONS are:\n -v        a\n"
+                                   << "ZC2 rev 3"
+                                   << "4.5.6@78" << QStringList{"v"} << true;
+    QTest::newRow("OpenCL after a preamble") << Preamble + "Zam OpenCL 1.2 ZCL compiler. Version a b 3.1@77\n"
+                                                           "Control options are:\n-profile : p\n"
+                                             << "OpenCL 1.2 ZCL"
+                                             << "3.1@77" << QStringList{"profile"} << true;
+    // The leading ".*" of a pattern takes as much as it can: the last line that fits decides.
+    QTest::newRow("two banners") << "Wrapper for ZC1 rev 1. zcddk 1.0@1\n" + Preamble
+                                        + "Compiler for ZD1 rev 4. zcddk 2.0@2\n"
+                                 << "ZD1 rev 4"
+                                 << "2.0@2" << QStringList{} << false;
 }
 
 void CCompileParsersTest::Banner()
