@@ -56,11 +56,18 @@ ECommandLine ParseCommandLine(const std::vector<std::string>& aArgs, SCommandLin
     if (aArgs.empty())
         return CommandLine_Banner;
     std::vector<std::string> aPositional;
+    bool bOptionsEnded = false;
     for (const std::string& arg : aArgs)
     {
-        if (arg == "-h" || arg == "--help" || arg == "-help")
+        // After "--" every argument is a file or unit name, whatever it starts with.
+        if (!bOptionsEnded && arg == "--")
+        {
+            bOptionsEnded = true;
+            continue;
+        }
+        if (!bOptionsEnded && (arg == "-h" || arg == "--help" || arg == "-help"))
             return CommandLine_Banner;
-        if (arg.size() > 1 && arg[0] == '-')
+        if (!bOptionsEnded && arg.size() > 1 && arg[0] == '-')
         {
             if (arg == "-v")
                 commandLine.bVertex = true;

@@ -109,6 +109,7 @@ private slots:
     void HundredRequestsForOnePanel();
     void TwoPanelsAtOnce();
     void OpenCLKernel();
+    void NamesThatLookLikeOptions();
     void CommandLineCompile_data();
     void CommandLineCompile();
 
@@ -328,6 +329,24 @@ void CCompilePipelineTest::OpenCLKernel()
     QCOMPARE(Delivery.LastLog, QStringLiteral("OpenCL Kernel: Compile succeeded.\n"));
     QVERIFY(Delivery.Last.CompilerString.startsWith(QStringLiteral("OpenCL 1.2")));
     QVERIFY(CountedLines(Delivery.Last.CycleCounts).contains(4));
+}
+
+void CCompilePipelineTest::NamesThatLookLikeOptions()
+{
+    const QString Folder = m_Temp.filePath("dash");
+    QVERIFY(QDir().mkpath(Folder));
+    QFile Source(Folder + "/-x.frag");
+    QVERIFY(Source.open(QIODevice::WriteOnly) && Source.write(kFragment) > 0);
+    Source.close();
+
+    // The bundled compiler: after "--" nothing is an option, not even a unit named -disasm.
+    QProcess Compiler;
+    Compiler.setWorkingDirectory(Folder);
+    Compiler.start(Program("glslcompiler_zc1"), {"-f", "-disasm", "--", "-x.frag", "-disasm", "./-x"});
+    QVERIFY(Compiler.waitForFinished(30000));
+    QCOMPARE(Compiler.exitCode(), 0);
+    QCOMPARE(Compiler.readAll(), QByteArray("Success.\n"));
+    QVERIFY(QFileInfo::exists(Folder + "/-x.disasm"));
 }
 
 void CCompilePipelineTest::CommandLineCompile_data()
