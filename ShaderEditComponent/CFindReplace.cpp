@@ -11,6 +11,7 @@
 #include <QDockWidget>
 #include <QHBoxLayout>
 #include <QHideEvent>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -225,6 +226,7 @@ void CFindReplace::hideEvent(QHideEvent* pEvent)
     m_pReplaceTextbox->clear();
     m_pCheckAdvanced->setChecked(false);
     m_pMatchMode->setCurrentIndex(MatchMode_Textual);
+    m_pComboMode->setCurrentIndex(FindMode_Find);
     if (m_pDelegate)
         m_pDelegate->ClearFindResults();
 
@@ -237,9 +239,26 @@ void CFindReplace::hideEvent(QHideEvent* pEvent)
     emit hasBeenHidden();
 }
 
+void CFindReplace::keyPressEvent(QKeyEvent* pEvent)
+{
+    if (pEvent->key() != Qt::Key_Escape || pEvent->modifiers() != Qt::NoModifier)
+    {
+        QWidget::keyPressEvent(pEvent);
+        return;
+    }
+    QPlainTextEdit* pEdit = SearchedEdit();
+    hide();
+    if (pEdit)
+        pEdit->setFocus(Qt::OtherFocusReason);
+    pEvent->accept();
+}
+
 void CFindReplace::OnToggleAdvanced(bool bShow)
 {
     ShowRow(m_pAdvancedWidget, bShow);
+    // The row's options come into force or go out of it: the count must say so.
+    if (isVisible())
+        OnQuickFind();
 }
 
 void CFindReplace::OnModeChanged(int iIndex)
@@ -320,12 +339,14 @@ void CFindReplace::OnReplaceAll()
     // Every highlighted match is about to go; dropping the highlights first also spares
     // the document from moving thousands of highlight cursors on every replacement.
     m_pDelegate->ClearFindResults();
-    ReplaceAllMatches(pEdit->document(), Query, m_pReplaceTextbox->text());
+    ReplaceAllMatches(Query, m_pReplaceTextbox->text(), pEdit->textCursor());
     OnQuickFind();
 }
 
 unsigned int CFindReplace::ControlFlags() const
 {
+    if (!m_pCheckAdvanced->isChecked())
+        return FindFlag_Textual;
     unsigned int uiFlags = m_pMatchMode->currentIndex() == MatchMode_RegExp ? FindFlag_RegExp : FindFlag_Textual;
     if (m_pMatchCase->isChecked())
         uiFlags |= FindFlag_MatchCase;

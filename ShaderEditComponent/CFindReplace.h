@@ -38,6 +38,8 @@ public slots:
 protected:
     void showEvent(QShowEvent* pEvent) override;
     void hideEvent(QHideEvent* pEvent) override;
+    // Escape anywhere in the bar hides it and gives the focus back to the editor.
+    void keyPressEvent(QKeyEvent* pEvent) override;
 
 private slots:
     void OnToggleAdvanced(bool bShow);
@@ -57,6 +59,8 @@ private:
     void ConnectForm();
     void ShowRow(QWidget* pRow, bool bShow);
     void FitHeightToRows();
+    // The search options shown: those of the advanced row only while it is unfolded, so a
+    // search that looks plain is plain.
     unsigned int ControlFlags() const;
     QPlainTextEdit* SearchedEdit() const;
     // With FindFlag_FindAll: count and highlight every match. Otherwise: move the panel's

@@ -157,14 +157,16 @@ bool CTextSearch::MatchInLine(const QString& Line, int iOffset, STextRange* pMat
     return false;
 }
 
-int ReplaceAllMatches(QTextDocument* pDocument, const CTextSearch& Search, const QString& Replacement)
+int ReplaceAllMatches(const CTextSearch& Search, const QString& Replacement, const QTextCursor& Origin)
 {
-    const QVector<STextRange> Matches = Search.FindAllToReplace(pDocument);
+    const QVector<STextRange> Matches = Search.FindAllToReplace(Origin.document());
     if (Matches.isEmpty())
         return 0;
 
-    // Back to front, so that the positions of the matches still to replace stay valid.
-    QTextCursor Cursor(pDocument);
+    // The document's undo puts the cursor where the edit block began, so it begins at the
+    // user's cursor. Back to front, so that the positions still to replace stay valid.
+    QTextCursor Cursor(Origin);
+    Cursor.clearSelection();
     Cursor.beginEditBlock();
     for (auto It = Matches.crbegin(); It != Matches.crend(); ++It)
     {

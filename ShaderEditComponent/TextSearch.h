@@ -74,6 +74,7 @@ private:
     QRegularExpression m_Expression;
 };
 
-// Replaces every match of the search by Replacement as one edit block (one undo step);
-// returns the number of replacements.
-int ReplaceAllMatches(QTextDocument* pDocument, const CTextSearch& Search, const QString& Replacement);
+// Replaces every match of the search in Origin's document by Replacement as one edit block
+// (one undo step), which undo leaves with the cursor where Origin is; returns the number of
+// replacements.
+int ReplaceAllMatches(const CTextSearch& Search, const QString& Replacement, const QTextCursor& Origin);

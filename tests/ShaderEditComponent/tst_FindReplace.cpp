@@ -17,6 +17,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QToolButton>
+#include <QVBoxLayout>
 #include <QtTest>
 
 using namespace EditTestSupport;
@@ -68,6 +69,8 @@ private slots:
     void ShowFindTakesTheSelection();
     void RowsGrowAndShrinkTheBar();
     void HidingResetsAndClosesTheDock();
+    void OnlyVisibleOptionsAreInForce();
+    void EscapeAndHidingReturnToFind();
     void WorksOnTheEditorsCurrentPanel();
 
 private:
@@ -181,7 +184,7 @@ void CFindReplaceTest::ReplacesAll()
     QFETCH(QString, Replacement);
     QFETCH(QString, After);
     QTextDocument Document(Before);
-    ReplaceAllMatches(&Document, CTextSearch(Text, Flags | FindFlag_Forward), Replacement);
+    ReplaceAllMatches(CTextSearch(Text, Flags | FindFlag_Forward), Replacement, QTextCursor(&Document));
     QCOMPARE(Document.toPlainText(), After);
 }
 
@@ -198,6 +201,7 @@ void CFindReplaceTest::QuickFindCountsAndHighlights()
     QCOMPARE(m_pDelegate->Edit.textCursor().position(), 0); // quick find only looks
 
     // Every option searches again at once; with no match the earlier highlights stay.
+    Click("CheckAdvanced");
     Click("MatchWord");
     QCOMPARE(MatchesLabel(), QStringLiteral("Matches: 0"));
     QCOMPARE(m_pDelegate->Highlights.size(), 4);
@@ -264,18 +268,20 @@ void CFindReplaceTest::ReplaceReplacesAnySelection()
 
 void CFindReplaceTest::ReplaceAllIsOneUndoStep()
 {
-    const QString Before = QStringLiteral("vec4 a;\nVec4 b; myvec4 c;\nvec4 d;");
-    m_pDelegate->Edit.setPlainText(Before);
+    const QString Before = QStringLiteral("vec4 a;\nVec4 b; myvec4 c;\nfloat x;\nf|loat y;\nvec4 d;");
+    SetMarkedText(&m_pDelegate->Edit, Before);
     m_pBar->ShowReplace();
+    Click("CheckAdvanced");
     Click("MatchWord");
     Child<QLineEdit>("FindTextbox")->setText(QStringLiteral("vec4"));
     Child<QLineEdit>("ReplaceTextbox")->setText(QStringLiteral("half4"));
     Child<QPushButton>("ReplaceAll")->click();
-    QCOMPARE(m_pDelegate->Edit.toPlainText(), QStringLiteral("half4 a;\nhalf4 b; myvec4 c;\nhalf4 d;"));
+    QCOMPARE(m_pDelegate->Edit.toPlainText(), QStringLiteral("half4 a;\nhalf4 b; myvec4 c;\nfloat x;\nfloat y;\nhalf4 d;"));
     QCOMPARE(MatchesLabel(), QStringLiteral("Matches: 0"));
 
+    // One undo takes the whole replacement back, and the cursor is where the user left it.
     m_pDelegate->Edit.undo();
-    QCOMPARE(m_pDelegate->Edit.toPlainText(), Before);
+    QCOMPARE(MarkedText(&m_pDelegate->Edit), Before);
     QVERIFY(!m_pDelegate->Edit.document()->isUndoAvailable());
 }
 
@@ -283,6 +289,7 @@ void CFindReplaceTest::BrokenExpressionIsHarmless()
 {
     SetMarkedText(&m_pDelegate->Edit, QStringLiteral("a(b |a(b"));
     m_pBar->ShowReplace();
+    Click("CheckAdvanced");
     Child<QComboBox>("MatchMode")->setCurrentIndex(1);
     QLineEdit* pFind = Child<QLineEdit>("FindTextbox");
     QTest::keyClicks(pFind, QStringLiteral("a("));
@@ -377,6 +384,68 @@ void CFindReplaceTest::HidingResetsAndClosesTheDock()
     QCOMPARE(Child<QLineEdit>("FindTextbox")->text(), QString());
 
     m_pBar->setParent(nullptr);
+}
+
+// What the bar shows is what it searches with: options on a hidden row would make a plain
+// looking search find nothing.
+void CFindReplaceTest::OnlyVisibleOptionsAreInForce()
+{
+    m_pDelegate->Edit.setPlainText(QString::fromLatin1(s_Shader));
+    m_pBar->ShowFind();
+    Click("CheckAdvanced");
+    Click("MatchCase");
+    Click("MatchWord");
+    QLineEdit* pFind = Child<QLineEdit>("FindTextbox");
+    pFind->setText(QStringLiteral("VEC"));
+    QCOMPARE(MatchesLabel(), QStringLiteral("Matches: 0"));
+
+    // Folding the row away takes its options out of force, and the count follows at once.
+    Click("CheckAdvanced");
+    QCOMPARE(MatchesLabel(), QStringLiteral("Matches: 6"));
+    Child<QToolButton>("FindNext")->click();
+    QCOMPARE(m_pDelegate->Edit.textCursor().selectedText(), QStringLiteral("vec"));
+    // Unfolded, they are back as they were.
+    Click("CheckAdvanced");
+    QVERIFY(Child<QCheckBox>("MatchCase")->isChecked());
+    QCOMPARE(MatchesLabel(), QStringLiteral("Matches: 0"));
+
+    // Closed and opened again, the bar shows no options, so it uses none.
+    m_pBar->hide();
+    m_pBar->ShowFind();
+    QVERIFY(!Child<QWidget>("AdvancedWidget")->isVisible());
+    pFind->setText(QStringLiteral("VEC"));
+    QCOMPARE(MatchesLabel(), QStringLiteral("Matches: 6"));
+}
+
+void CFindReplaceTest::EscapeAndHidingReturnToFind()
+{
+    QWidget Window;
+    auto* pLayout = new QVBoxLayout(&Window);
+    pLayout->addWidget(&m_pDelegate->Edit);
+    pLayout->addWidget(m_pBar);
+    // Both belong to the test, not to the window: taken back before it goes, however this ends.
+    const auto Unparent = [](QWidget* pWidget) { pWidget->setParent(nullptr); };
+    const std::unique_ptr<QWidget, decltype(Unparent)> KeepEdit(&m_pDelegate->Edit, Unparent);
+    const std::unique_ptr<QWidget, decltype(Unparent)> KeepBar(m_pBar, Unparent);
+    Window.show();
+    QApplication::setActiveWindow(&Window);
+    QVERIFY(QTest::qWaitForWindowActive(&Window));
+
+    m_pDelegate->Edit.setPlainText(QStringLiteral("vec4 v;"));
+    m_pBar->ShowReplace();
+    QVERIFY(Child<QWidget>("ReplaceWidget")->isVisible());
+    QLineEdit* pFind = Child<QLineEdit>("FindTextbox");
+    QVERIFY(pFind->hasFocus());
+    QTest::keyClick(pFind, Qt::Key_Escape);
+    QVERIFY(m_pBar->isHidden());
+    QVERIFY(m_pDelegate->Edit.hasFocus());
+
+    // Hidden, the bar went back to Find mode: it opens without the replace row.
+    m_pBar->ShowFind();
+    QCOMPARE(Child<QComboBox>("ComboMode")->currentIndex(), 0);
+    QVERIFY(!Child<QWidget>("ReplaceWidget")->isVisible());
+    QTest::keyClick(Child<QComboBox>("ComboMode"), Qt::Key_Escape);
+    QVERIFY(m_pBar->isHidden());
 }
 
 // Over the real editor, with a text of 12,000 matches in its second tab.
