@@ -80,6 +80,7 @@ CCompileDialog::CCompileDialog(QWidget* pParent, CGUIController& GUI, CShaderEdi
 {
     setObjectName(QStringLiteral("CompileDialog"));
     setModal(true);
+    setMinimumWidth(600);
     QVBoxLayout* pLayout = new QVBoxLayout(this);
     pLayout->addWidget(BuildCompileGroup());
     pLayout->addWidget(BuildOutputGroup());

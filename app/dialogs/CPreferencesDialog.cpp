@@ -36,6 +36,8 @@ CPreferencesDialog::CPreferencesDialog(QWidget* pParent, CGUIController& GUI, CS
     pLayout->addWidget(m_pTabs);
     pLayout->addWidget(m_pButtons);
     Connect();
+    // Room for the colours page's preview.
+    resize(820, 620);
 
     // The pages judged their input while they were built, before anyone listened.
     TrackEnableOK(Tab_Compiler, m_pCompilerPage->IsInputValid());

@@ -35,6 +35,7 @@ private slots:
     void UnusableLinesAreRefused();
     void BuiltInCompileWritesIntoTheOutputDirectory();
     void OkStoresOnlyAChangedTemplateAndCancelNothing();
+    void BundledCompilerWritesOneOutputPerShader();
 
 private:
     // A dialog on Source, with the custom page, Template and Output filled in as a user would.
@@ -314,6 +315,44 @@ void CCompileDialogTest::OkStoresOnlyAChangedTemplateAndCancelNothing()
     pAgain->findChild<QComboBox*>(QStringLiteral("compilerTypeComboBox"))->setCurrentIndex(1);
     QCOMPARE(CompileAndRecord(*pAgain, QStringLiteral("again")).size(), 1);
     QCOMPARE(General.size(), 1);
+}
+
+void CCompileDialogTest::BundledCompilerWritesOneOutputPerShader()
+{
+    if (!QFileInfo(Program(QStringLiteral("glslcompiler_zc1"))).isExecutable())
+        QSKIP("the bundled compiler is not built");
+    // The first bundled target, found beside the test's programs.
+    m_Controllers = SControllers();
+    WriteStartingFile(QString(), m_Temp.path() + "/");
+    {
+        CZamPreferences Store(QStringLiteral("ZamShaderEditor"));
+        QVERIFY(Store.Load());
+        Store.SetInteger(QStringLiteral("Compiler/CompilerSelection"), 0);
+        QVERIFY(Store.Save());
+    }
+    m_Controllers = MakeControllers(BinDir());
+    QVERIFY(m_Controllers.pEdit->GetCompilerDetection().IsUsable());
+
+    const QString Effect = Source(QStringLiteral("lit effect.zfx"));
+    QFile::remove(Effect);
+    QVERIFY(QFile::copy(qEnvironmentVariable("ZAM_SOURCE_DIR") +
+                            "/tests/ShaderEditComponent/highlighting/corpus/textured_effect.zfx",
+                        Effect));
+    const QString Output = m_Temp.filePath(QStringLiteral("bundled out"));
+    QDir(Output).removeRecursively();
+    QVERIFY(QDir().mkpath(Output));
+    auto pDialog = Open(Effect, QString(), Output, DocType_ZFXGLSLES);
+    pDialog->findChild<QComboBox*>(QStringLiteral("compilerTypeComboBox"))->setCurrentIndex(0);
+    pDialog->findChild<QCheckBox*>(QStringLiteral("CompOptGLSLES_profile"))->click();
+    pDialog->findChild<QCheckBox*>(QStringLiteral("CompOptGLSLES_asm"))->click();
+    QSignalSpy Log(m_Controllers.pEdit.get(), &CShaderEditController::CompileOutputChanged);
+    pDialog->findChild<QDialogButtonBox*>(QStringLiteral("buttonBox"))->button(QDialogButtonBox::Ok)->click();
+    QVERIFY(Log.wait(30000));
+    const QStringList Written = QDir(Output).entryList(QDir::Files, QDir::Name);
+    QCOMPARE(Written, (QStringList{"lit effect_TexturedFragment", "lit effect_TexturedFragment.disasm",
+                                   "lit effect_TexturedFragment.prof", "lit effect_TexturedVertex",
+                                   "lit effect_TexturedVertex.disasm", "lit effect_TexturedVertex.prof"}));
+    QVERIFY2(!Log.last().at(0).toString().contains("ERROR"), qPrintable(Log.last().at(0).toString()));
 }
 
 QTEST_MAIN(CCompileDialogTest)
