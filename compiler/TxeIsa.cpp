@@ -75,6 +75,8 @@ const STxeOpInfo s_aOpInfo[Op_Count] = {
     {"mhi", Class_Alu, 2},
     {"fbit", Class_Alu, 1},
     {"bitf", Class_Alu, 1},
+    {"f2h", Class_Alu, 1},
+    {"h2f", Class_Alu, 1},
 };
 
 char FileLetter(ETxeFile eFile)

@@ -107,6 +107,8 @@ enum ETxeOp : std::uint8_t
     Op_Mhi,  // high 32 bits of the 64-bit product
     Op_Fbit, // a float's 32 bits as an integer
     Op_Bitf, // an integer's 32 bits as a float
+    Op_F2h,  // a float as a 16-bit float, its bits in the low half
+    Op_H2f,  // the low 16 bits as a 16-bit float, as a float
     Op_Count
 };
 

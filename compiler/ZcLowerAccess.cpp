@@ -50,6 +50,20 @@ bool CExpressionLowerer::ResolveAccess(TIntermTyped* pNode, SAccess& access)
     }
 }
 
+bool CExpressionLowerer::IndexOutOfRange(TIntermBinary* pNode, int iIndex)
+{
+    const int iLine = LineOf(pNode);
+    if (pNode->getLeft()->getType().isUnsizedArray())
+    {
+        m_builder.Refuse(iLine, AccessName(pNode->getLeft()),
+                         "a constant index past the " + std::to_string(k_iRuntimeArrayElements) +
+                             " elements a runtime-sized array is bound with");
+        return false;
+    }
+    m_builder.Fail(iLine, AccessName(pNode->getLeft()), "index " + std::to_string(iIndex) + " is out of range");
+    return false;
+}
+
 bool CExpressionLowerer::ResolveRoot(TIntermTyped* pNode, SAccess& access)
 {
     SVariable* pVariable = nullptr;
@@ -67,17 +81,13 @@ bool CExpressionLowerer::ResolveRoot(TIntermTyped* pNode, SAccess& access)
 
 bool CExpressionLowerer::ResolveIndex(TIntermBinary* pNode, SAccess& access)
 {
-    const int iLine = LineOf(pNode);
     const TType& leftType = pNode->getLeft()->getType();
     const int iIndex = ConstantIndex(pNode->getRight());
     if (leftType.isArray())
     {
         const int iElementSlots = ElementSlots(leftType);
         if (iIndex < 0 || (iIndex + 1) * iElementSlots > access.iSlotCount)
-        {
-            m_builder.Fail(iLine, "array index out of range");
-            return false;
-        }
+            return IndexOutOfRange(pNode, iIndex);
         access.iSlot += iIndex * iElementSlots;
         access.iSlotCount = iElementSlots;
         SelectWholeSlot(access);
@@ -86,20 +96,14 @@ bool CExpressionLowerer::ResolveIndex(TIntermBinary* pNode, SAccess& access)
     if (leftType.isMatrix())
     {
         if (iIndex < 0 || iIndex >= access.iSlotCount)
-        {
-            m_builder.Fail(iLine, "matrix index out of range");
-            return false;
-        }
+            return IndexOutOfRange(pNode, iIndex);
         access.iSlot += iIndex;
         access.iSlotCount = 1;
         access.aLanes = IdentityLanes(leftType.getMatrixRows());
         return true;
     }
     if (iIndex < 0 || iIndex >= static_cast<int>(access.aLanes.size()))
-    {
-        m_builder.Fail(iLine, "vector index out of range");
-        return false;
-    }
+        return IndexOutOfRange(pNode, iIndex);
     access.aLanes = {access.aLanes[iIndex]};
     return true;
 }
@@ -108,15 +112,20 @@ bool CExpressionLowerer::ResolveDynamicIndex(TIntermBinary* pNode, SAccess& acce
 {
     const int iLine = LineOf(pNode);
     const TType& leftType = pNode->getLeft()->getType();
+    const std::string name = AccessName(pNode->getLeft());
+    // Reading v[i] never gets here: it selects a lane from the loaded vector.
     if (!leftType.isArray() && !leftType.isMatrix())
     {
-        m_builder.Fail(iLine, "indexing a vector component with a non-constant index is not supported");
+        m_builder.Refuse(iLine, name, "writing a vector component chosen by a non-constant index");
         return false;
     }
     const EStorage eStorage = access.pVariable->eStorage;
     if (eStorage == Storage_Temp || eStorage == Storage_Alias || eStorage == Storage_Sampler)
     {
-        m_builder.Fail(iLine, "a non-constant index into this variable is not supported");
+        m_builder.Refuse(iLine, name,
+                         eStorage == Storage_Sampler ? "a non-constant index into an array of samplers"
+                         : eStorage == Storage_Alias ? "a non-constant index into a matrix parameter"
+                                                     : "a non-constant index into a local matrix");
         return false;
     }
     SValue index;
@@ -146,10 +155,7 @@ bool CExpressionLowerer::ResolveMember(TIntermBinary* pNode, SAccess& access)
     const TTypeList& members = *pNode->getLeft()->getType().getStruct();
     const int iMember = ConstantIndex(pNode->getRight());
     if (iMember < 0 || iMember >= static_cast<int>(members.size()))
-    {
-        m_builder.Fail(LineOf(pNode), "structure member out of range");
-        return false;
-    }
+        return IndexOutOfRange(pNode, iMember);
     for (int i = 0; i < iMember; ++i)
         access.iSlot += static_cast<int>(SlotLanes(*members[i].type).size());
     access.iSlotCount = static_cast<int>(SlotLanes(*members[iMember].type).size());
@@ -163,7 +169,7 @@ bool CExpressionLowerer::ResolveSwizzle(TIntermBinary* pNode, SAccess& access)
     TIntermAggregate* pSelectors = pNode->getRight()->getAsAggregate();
     if (!pSelectors || access.iSlotCount != 1)
     {
-        m_builder.Fail(iLine, "unsupported swizzle");
+        m_builder.Refuse(iLine, access.pVariable->name, "this swizzle");
         return false;
     }
     std::vector<std::uint8_t> aLanes;
@@ -171,10 +177,7 @@ bool CExpressionLowerer::ResolveSwizzle(TIntermBinary* pNode, SAccess& access)
     {
         const int iLane = pSelector->getAsTyped() ? ConstantIndex(pSelector->getAsTyped()) : -1;
         if (iLane < 0 || iLane >= static_cast<int>(access.aLanes.size()))
-        {
-            m_builder.Fail(iLine, "swizzle out of range");
-            return false;
-        }
+            return IndexOutOfRange(pNode, iLane);
         aLanes.push_back(access.aLanes[iLane]);
     }
     access.aLanes = aLanes;

@@ -127,7 +127,7 @@ bool LowerArithmetic(CProgramBuilder& builder, TOperator eOp, const TType& type,
     value.aSlots.clear();
     if (left.aSlots.empty() || right.aSlots.empty())
     {
-        builder.Fail(iLine, "unsupported operand");
+        builder.Refuse(iLine, OperatorName(eOp), "this operand");
         return false;
     }
     if (eOp == EOpMatrixTimesVector || eOp == EOpMatrixTimesMatrix)
@@ -153,7 +153,7 @@ bool LowerArithmetic(CProgramBuilder& builder, TOperator eOp, const TType& type,
         STxeOperand result;
         if (!SlotOperation(builder, eOp, bInteger, a, b, iLanes, iLine, result))
         {
-            builder.Fail(iLine, "unsupported operator");
+            builder.Refuse(iLine, OperatorName(eOp), "this operator");
             return false;
         }
         value.aSlots.push_back(result);
@@ -168,7 +168,7 @@ bool LowerComparison(CProgramBuilder& builder, TOperator eOp, TBasicType eOperan
     const CTypeScope scope(builder, TxeTypeOf(eOperands));
     if (left.aSlots.empty() || right.aSlots.empty())
     {
-        builder.Fail(iLine, "unsupported operand");
+        builder.Refuse(iLine, OperatorName(eOp), "this operand");
         return false;
     }
     const int iLanes = std::max(left.aSlots[0].uiCount, right.aSlots[0].uiCount);

@@ -18,7 +18,7 @@ bool CExpressionLowerer::Assignment(TIntermBinary* pNode, SValue& value)
     TIntermSymbol* pRoot = RootOf(pTarget);
     if (!pRoot || !IsAccessNode(pTarget))
     {
-        m_builder.Fail(iLine, "unsupported assignment target");
+        m_builder.Refuse(iLine, OperatorName(eOp), "this assignment target");
         return false;
     }
 
@@ -59,7 +59,7 @@ bool CExpressionLowerer::IncDec(TIntermUnary* pNode, bool bValueUsed, SValue& va
     if (!pRoot || !IsAccessNode(pTarget) || !ResolveAccess(pTarget, access))
     {
         if (!m_builder.Failed())
-            m_builder.Fail(iLine, "unsupported increment target");
+            m_builder.Refuse(iLine, OperatorName(pNode->getOp()), "this target");
         return false;
     }
     SValue current;

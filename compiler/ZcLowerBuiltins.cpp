@@ -3,6 +3,7 @@
 #include "ZcLowerTree.h"
 
 #include <algorithm>
+#include <iterator>
 #include <unordered_map>
 
 namespace ZamCompiler
@@ -15,8 +16,6 @@ namespace
 
 // Names of the operators no family handles, so that a refusal names what the user wrote.
 const SBuiltinEntry s_aRefused[] = {
-    {EOpPackHalf2x16, "packHalf2x16", nullptr},
-    {EOpUnpackHalf2x16, "unpackHalf2x16", nullptr},
     {EOpInterpolateAtCentroid, "interpolateAtCentroid", nullptr},
     {EOpInterpolateAtSample, "interpolateAtSample", nullptr},
     {EOpInterpolateAtOffset, "interpolateAtOffset", nullptr},
@@ -69,12 +68,44 @@ const SBuiltinEntry s_aRefused[] = {
     {EOpReadClockDeviceKHR, "clockRealtimeEXT", nullptr},
 };
 
+// The subgroup operators follow glslang's order from EOpSubgroupBarrier; each is "subgroup" + suffix.
+const char* const s_apSubgroupSuffixes[] = {
+    "Barrier", "MemoryBarrier", "MemoryBarrierBuffer", "MemoryBarrierImage", "MemoryBarrierShared", "Elect", "All",
+    "Any", "AllEqual", "Broadcast", "BroadcastFirst", "Ballot", "InverseBallot", "BallotBitExtract", "BallotBitCount",
+    "BallotInclusiveBitCount", "BallotExclusiveBitCount", "BallotFindLSB", "BallotFindMSB", "Shuffle", "ShuffleXor",
+    "ShuffleUp", "ShuffleDown", "Add", "Mul", "Min", "Max", "And", "Or", "Xor", "InclusiveAdd", "InclusiveMul",
+    "InclusiveMin", "InclusiveMax", "InclusiveAnd", "InclusiveOr", "InclusiveXor", "ExclusiveAdd", "ExclusiveMul",
+    "ExclusiveMin", "ExclusiveMax", "ExclusiveAnd", "ExclusiveOr", "ExclusiveXor", "ClusteredAdd", "ClusteredMul",
+    "ClusteredMin", "ClusteredMax", "ClusteredAnd", "ClusteredOr", "ClusteredXor", "QuadBroadcast",
+    "QuadSwapHorizontal", "QuadSwapVertical", "QuadSwapDiagonal", "PartitionNV", "PartitionedAddNV",
+    "PartitionedMulNV", "PartitionedMinNV", "PartitionedMaxNV", "PartitionedAndNV", "PartitionedOrNV",
+    "PartitionedXorNV", "PartitionedInclusiveAddNV", "PartitionedInclusiveMulNV", "PartitionedInclusiveMinNV",
+    "PartitionedInclusiveMaxNV", "PartitionedInclusiveAndNV", "PartitionedInclusiveOrNV", "PartitionedInclusiveXorNV",
+    "PartitionedExclusiveAddNV", "PartitionedExclusiveMulNV", "PartitionedExclusiveMinNV", "PartitionedExclusiveMaxNV",
+    "PartitionedExclusiveAndNV", "PartitionedExclusiveOrNV", "PartitionedExclusiveXorNV",
+};
+static_assert(std::size(s_apSubgroupSuffixes) == EOpSubgroupGuardStop - EOpSubgroupBarrier,
+              "one suffix per subgroup operator");
+
+// The subgroup functions are all refused; their names are made from the table above.
+void AddSubgroupNames(std::vector<SBuiltinEntry>& aEntries, std::vector<std::string>& aNames)
+{
+    aNames.reserve(std::size(s_apSubgroupSuffixes));
+    for (std::size_t i = 0; i < std::size(s_apSubgroupSuffixes); ++i)
+        aNames.push_back(std::string("subgroup") + s_apSubgroupSuffixes[i]);
+    for (std::size_t i = 0; i < aNames.size(); ++i)
+        aEntries.push_back({static_cast<TOperator>(EOpSubgroupBarrier + static_cast<int>(i)), aNames[i].c_str(), nullptr});
+}
+
 using CBuiltinTable = std::unordered_map<int, SBuiltinEntry>;
 
 const CBuiltinTable& Table()
 {
+    // The subgroup names live as long as the table that points at them.
+    static std::vector<std::string> s_aSubgroupNames;
     static const CBuiltinTable s_table = [] {
         std::vector<SBuiltinEntry> aEntries;
+        AddSubgroupNames(aEntries, s_aSubgroupNames);
         AddMathBuiltins(aEntries);
         AddGeometryBuiltins(aEntries);
         AddIntegerBuiltins(aEntries);
@@ -86,11 +117,6 @@ const CBuiltinTable& Table()
         return table;
     }();
     return s_table;
-}
-
-bool IsTextureOperator(TOperator eOp)
-{
-    return eOp > EOpTextureGuardBegin && eOp < EOpTextureGuardEnd;
 }
 
 } // namespace
@@ -116,12 +142,6 @@ STxeOperand SBuiltinCall::Compute(ETxeOp eOp, std::initializer_list<STxeOperand>
     return builder.Compute(eOp, aSrc, iLanes, iLine);
 }
 
-bool SBuiltinCall::Fail(const std::string& text) const
-{
-    builder.Fail(iLine, text);
-    return false;
-}
-
 std::string BuiltinName(TOperator eOp)
 {
     const CBuiltinTable& table = Table();
@@ -136,10 +156,12 @@ bool LowerBuiltin(const SBuiltinCall& call)
     const auto it = table.find(static_cast<int>(call.eOp));
     if (it == table.end() || !it->second.pLower)
     {
-        const bool bTexture = IsTextureOperator(call.eOp) ||
-                              (!call.aNodes.empty() && call.aNodes[0]->getBasicType() == EbtSampler);
-        return call.Fail(bTexture ? "this texture function is not supported by the TXE code generator"
-                                  : "this built-in function is not supported by the TXE code generator");
+        const std::string name = it == table.end() ? std::string() : std::string(it->second.pName);
+        if (call.eOp == EOpArrayLength)
+            call.builder.Refuse(call.iLine, name, "the length of a runtime-sized array");
+        else
+            call.builder.Refuse(call.iLine, name.empty() ? "built-in function" : name, "this built-in function");
+        return false;
     }
     // Integer arguments make integer instructions; a family that mixes types says so itself.
     const CTypeScope scope(call.builder, call.aNodes.empty() ? Type_Float : TxeTypeOf(call.aNodes[0]->getBasicType()));

@@ -33,7 +33,6 @@ struct SBuiltinCall
     STxeOperand Compute(ETxeOp eOp, std::initializer_list<STxeOperand> aSrc, int iLanes) const;
     // Appends a result slot.
     void Push(const STxeOperand& op) const { value.aSlots.push_back(op); }
-    bool Fail(const std::string& text) const;
 };
 
 using FBuiltin = bool (*)(const SBuiltinCall& call);

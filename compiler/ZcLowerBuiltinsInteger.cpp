@@ -187,6 +187,27 @@ bool Unpack(const SBuiltinCall& call, const SNormFormat& format)
     return true;
 }
 
+// Two halves side by side in one uint, the first in the low bits.
+bool PackHalf2x16(const SBuiltinCall& call)
+{
+    const CTypeScope scope(call.builder, Type_Uint);
+    const STxeOperand halves = call.Compute(Op_F2h, {call.Raw(0)}, 2);
+    call.Push(call.Compute(Op_Bfi, {Lane(halves, 0), Lane(halves, 1), call.builder.Immediate(16.0),
+                                    call.builder.Immediate(16.0)},
+                           1));
+    return true;
+}
+
+bool UnpackHalf2x16(const SBuiltinCall& call)
+{
+    const CTypeScope scope(call.builder, Type_Uint);
+    const double adOffsets[4] = {0.0, 16.0, 0.0, 0.0};
+    const STxeOperand fields = call.Compute(
+        Op_Bfe, {Broadcast(call.Raw(0), 2), call.builder.Immediate(adOffsets, 2), call.builder.Immediate(16.0, 2)}, 2);
+    call.Push(call.Compute(Op_H2f, {fields}, 2));
+    return true;
+}
+
 bool PackUnorm2x16(const SBuiltinCall& call) { return Pack(call, {16, 65535.0, false}); }
 bool PackSnorm2x16(const SBuiltinCall& call) { return Pack(call, {16, 32767.0, true}); }
 bool PackUnorm4x8(const SBuiltinCall& call) { return Pack(call, {8, 255.0, false}); }
@@ -218,6 +239,8 @@ void AddIntegerBuiltins(std::vector<SBuiltinEntry>& aEntries)
         {EOpLdexp, "ldexp", Ldexp},
         {EOpFrexp, "frexp", Frexp},
         {EOpModf, "modf", Modf},
+        {EOpPackHalf2x16, "packHalf2x16", PackHalf2x16},
+        {EOpUnpackHalf2x16, "unpackHalf2x16", UnpackHalf2x16},
         {EOpPackUnorm2x16, "packUnorm2x16", PackUnorm2x16},
         {EOpPackSnorm2x16, "packSnorm2x16", PackSnorm2x16},
         {EOpPackUnorm4x8, "packUnorm4x8", PackUnorm4x8},

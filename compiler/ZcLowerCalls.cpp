@@ -39,7 +39,7 @@ bool CCallInliner::RunEntryPoint()
     const auto itMain = m_mapFunctions.find("main(");
     if (itMain == m_mapFunctions.end())
     {
-        m_builder.Fail(1, "'main' : missing entry point");
+        m_builder.Fail(1, "main", "missing entry point");
         return false;
     }
     TIntermNode* pBody = BodyOf(itMain->second);
@@ -57,19 +57,19 @@ TIntermAggregate* CCallInliner::Definition(TIntermAggregate* pCall)
     const auto it = m_mapFunctions.find(pCall->getName().c_str());
     if (it == m_mapFunctions.end())
     {
-        m_builder.Fail(iLine, "'" + name + "' : function has no body");
+        m_builder.Fail(iLine, name, "the function is declared but has no body");
         return nullptr;
     }
     if (m_setActiveFunctions.count(pCall->getName().c_str()))
     {
-        m_builder.Fail(iLine, "'" + name + "' : recursion is not allowed");
+        m_builder.Fail(iLine, name, "recursion is not allowed");
         return nullptr;
     }
     TIntermAggregate* pParameters = ParametersOf(it->second);
     const std::size_t uiParams = pParameters ? pParameters->getSequence().size() : 0;
     if (uiParams != pCall->getSequence().size())
     {
-        m_builder.Fail(iLine, "'" + name + "' : wrong number of arguments");
+        m_builder.Fail(iLine, name, "wrong number of arguments");
         return nullptr;
     }
     return it->second;
@@ -143,7 +143,7 @@ bool CCallInliner::BindOut(TIntermSymbol* pParam, TIntermTyped* pArg, int iLine,
         !m_expressions.ResolveAccess(pParam, target))
     {
         if (!m_builder.Failed())
-            m_builder.Fail(iLine, "an out argument must be a variable");
+            m_builder.Fail(iLine, UserName(pParam), "an out argument must be a variable");
         return false;
     }
     if (pParam->getQualifier().storage == EvqInOut)
@@ -170,7 +170,7 @@ bool CCallInliner::BindParameters(TIntermAggregate* pCall, TIntermAggregate* pDe
         TIntermTyped* pArg = aArgs[i] ? aArgs[i]->getAsTyped() : nullptr;
         if (!pParam || !pArg)
         {
-            m_builder.Fail(iLine, "unsupported function parameter");
+            m_builder.Refuse(iLine, FunctionName(pCall->getName()), "this parameter");
             return false;
         }
         m_variables.Unbind(pParam->getId());

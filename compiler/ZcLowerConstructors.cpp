@@ -162,12 +162,12 @@ bool LowerConstructor(CProgramBuilder& builder, const TType& type, const std::ve
             value.aSlots.insert(value.aSlots.end(), arg.aSlots.begin(), arg.aSlots.end());
         if (value.aSlots.size() == aResultLanes.size())
             return true;
-        builder.Fail(iLine, "unsupported constructor");
+        builder.Refuse(iLine, GlslTypeName(type), "this constructor");
         return false;
     }
     if (aArgs.empty() || aArgs[0].aSlots.empty())
     {
-        builder.Fail(iLine, "unsupported constructor");
+        builder.Refuse(iLine, GlslTypeName(type), "this constructor");
         return false;
     }
     if (WithoutInstruction(aArgs, aResultLanes, value))

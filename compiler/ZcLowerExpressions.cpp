@@ -40,7 +40,7 @@ bool CExpressionLowerer::Lower(TIntermTyped* pNode, SValue& value)
         return Aggregate(pAggregate, value);
     if (TIntermSelection* pSelection = pNode->getAsSelectionNode())
         return Ternary(pSelection, value);
-    m_builder.Fail(LineOf(pNode), "unsupported expression");
+    m_builder.Refuse(LineOf(pNode), GlslTypeName(pNode->getType()), "this kind of expression");
     return false;
 }
 
@@ -153,7 +153,7 @@ bool CExpressionLowerer::Aggregate(TIntermAggregate* pNode, SValue& value)
         TIntermTyped* pTyped = pChild ? pChild->getAsTyped() : nullptr;
         if (!pTyped)
         {
-            m_builder.Fail(iLine, "unsupported expression");
+            m_builder.Refuse(iLine, GlslTypeName(pNode->getType()), "this kind of expression");
             return false;
         }
         aNodes.push_back(pTyped);
@@ -178,7 +178,7 @@ bool CExpressionLowerer::Comma(TIntermAggregate* pNode, SValue& value)
         if (!pPart || !Lower(pPart, value))
         {
             if (!m_builder.Failed())
-                m_builder.Fail(LineOf(pNode), "',' : this sequence is not supported by the TXE code generator");
+                m_builder.Refuse(LineOf(pNode), ",", "this part of a sequence");
             return false;
         }
     }
@@ -198,7 +198,8 @@ bool CExpressionLowerer::LowerAll(TOperator eOp, const std::vector<TIntermTyped*
             return false;
         if (aValues[i].aSlots.empty() && aNodes[i]->getBasicType() != EbtVoid)
         {
-            m_builder.Fail(iLine, "unsupported operand");
+            const std::string op = OperatorName(eOp);
+            m_builder.Refuse(iLine, op.empty() ? BuiltinName(eOp) : op, "this operand");
             return false;
         }
     }

@@ -52,6 +52,7 @@ private:
     bool Assignment(glslang::TIntermBinary* pNode, SValue& value);
     // ZcLowerAccess.cpp
     bool ResolveRoot(glslang::TIntermTyped* pNode, SAccess& access);
+    bool IndexOutOfRange(glslang::TIntermBinary* pNode, int iIndex);
     bool ResolveIndex(glslang::TIntermBinary* pNode, SAccess& access);
     bool ResolveDynamicIndex(glslang::TIntermBinary* pNode, SAccess& access);
     bool ResolveMember(glslang::TIntermBinary* pNode, SAccess& access);

@@ -57,6 +57,16 @@ void CProgramBuilder::Fail(int iLine, const std::string& text)
     m_bFailed = true;
 }
 
+void CProgramBuilder::Fail(int iLine, const std::string& name, const std::string& text)
+{
+    Fail(iLine, "'" + name + "' : " + text);
+}
+
+void CProgramBuilder::Refuse(int iLine, const std::string& name, const std::string& what)
+{
+    Fail(iLine, name, what + " is not supported by the TXE code generator");
+}
+
 STxeOperand CProgramBuilder::NewTemp(int iLanes)
 {
     return TempOperand(m_iNextTemp++, iLanes);

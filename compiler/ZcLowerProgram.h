@@ -24,8 +24,12 @@ class CProgramBuilder
 public:
     CProgramBuilder(ETxeStage eStage, const SSourceLimits& limits, STxeProgram& program, CDiagnosticList& aDiagnostics);
 
-    // Only the first error is reported: later ones follow from it.
+    // Only the first error is reported: later ones follow from it. Errors name the construct
+    // in the user's words: "'name' : text".
     void Fail(int iLine, const std::string& text);
+    void Fail(int iLine, const std::string& name, const std::string& text);
+    // "'name' : <what> is not supported by the TXE code generator"
+    void Refuse(int iLine, const std::string& name, const std::string& what);
     bool Failed() const { return m_bFailed; }
 
     // --- registers ---

@@ -40,7 +40,7 @@ bool CExpressionLowerer::Select(TIntermBinary* pNode, SValue& value)
         const std::vector<std::uint8_t> aLanes = SwizzleLanes(pNode->getRight());
         if (whole.aSlots.size() != 1 || aLanes.empty())
         {
-            m_builder.Fail(iLine, "unsupported swizzle");
+            m_builder.Refuse(iLine, ".", "this swizzle");
             return false;
         }
         value.aSlots.push_back(Swizzled(whole.aSlots[0], aLanes));
@@ -48,7 +48,7 @@ bool CExpressionLowerer::Select(TIntermBinary* pNode, SValue& value)
     }
     if (pNode->getOp() == EOpIndexIndirect || !pNode->getRight()->getAsConstantUnion())
     {
-        m_builder.Fail(iLine, "a non-constant index into a computed value is not supported");
+        m_builder.Refuse(iLine, "[]", "a non-constant index into a computed " + GlslTypeName(pNode->getLeft()->getType()));
         return false;
     }
     return SelectSlots(pNode, whole, value);
@@ -81,7 +81,7 @@ bool CExpressionLowerer::SelectSlots(TIntermBinary* pNode, const SValue& whole, 
     {
         if (whole.aSlots.empty() || iIndex < 0 || iIndex >= whole.aSlots[0].uiCount)
         {
-            m_builder.Fail(iLine, "index out of range");
+            m_builder.Fail(iLine, "[]", "index " + std::to_string(iIndex) + " is out of range");
             return false;
         }
         value.aSlots.push_back(Lane(whole.aSlots[0], iIndex));
@@ -89,7 +89,7 @@ bool CExpressionLowerer::SelectSlots(TIntermBinary* pNode, const SValue& whole, 
     }
     if (iFirst < 0 || iCount <= 0 || iFirst + iCount > static_cast<int>(whole.aSlots.size()))
     {
-        m_builder.Fail(iLine, "index out of range");
+        m_builder.Fail(iLine, "[]", "index " + std::to_string(iIndex) + " is out of range");
         return false;
     }
     value.aSlots.assign(whole.aSlots.begin() + iFirst, whole.aSlots.begin() + iFirst + iCount);
@@ -137,7 +137,7 @@ bool CExpressionLowerer::Ternary(TIntermSelection* pNode, SValue& value)
     TIntermTyped* pFalse = pNode->getFalseBlock() ? pNode->getFalseBlock()->getAsTyped() : nullptr;
     if (!pTrue || !pFalse)
     {
-        m_builder.Fail(iLine, "unsupported conditional expression");
+        m_builder.Refuse(iLine, "?:", "this conditional expression");
         return false;
     }
     SValue condition;

@@ -38,7 +38,7 @@ bool CStatementLowerer::Lower(TIntermNode* pNode)
     }
     if (TIntermTyped* pTyped = pNode->getAsTyped())
         return m_expressions.Lower(pTyped, discarded) || !m_builder.Failed();
-    m_builder.Fail(LineOf(pNode), "unsupported statement");
+    m_builder.Refuse(LineOf(pNode), "statement", "this kind of statement");
     return false;
 }
 
@@ -234,12 +234,17 @@ bool CStatementLowerer::Branch(TIntermBranch* pNode)
     const int iLine = LineOf(pNode);
     switch (pNode->getFlowOp())
     {
-    case EOpKill: m_builder.Emit(Op_Kil, STxeOperand(), {}, iLine); break;
+    case EOpKill:
+    case EOpTerminateInvocation: m_builder.Emit(Op_Kil, STxeOperand(), {}, iLine); break;
     case EOpBreak: m_builder.Emit(Op_Brk, STxeOperand(), {}, iLine); break;
     case EOpContinue: return Continue(pNode);
     case EOpReturn: return Return(pNode);
+    case EOpDemote:
+        // The fragment would go on as a helper invocation; kil ends it, which is not the same.
+        m_builder.Refuse(iLine, "demote", "this statement");
+        return false;
     default:
-        m_builder.Fail(iLine, "unsupported branch");
+        m_builder.Refuse(iLine, "statement", "this jump");
         return false;
     }
     return !m_builder.Failed();
@@ -251,7 +256,7 @@ bool CStatementLowerer::Continue(TIntermBranch* pNode)
     const int iLine = LineOf(pNode);
     if (!m_control.InLoop() || m_control.InnermostIsSwitch())
     {
-        m_builder.Fail(iLine, "'continue' inside 'switch' is not supported by the TXE code generator");
+        m_builder.Refuse(iLine, "continue", "a continue inside a switch");
         return false;
     }
     TIntermTyped* pIncrement = m_control.InnermostIncrement();
@@ -269,7 +274,7 @@ bool CStatementLowerer::Return(TIntermBranch* pNode)
     const int iFunction = m_control.CurrentFunction();
     if (iFunction < 0)
     {
-        m_builder.Fail(iLine, "return outside a function");
+        m_builder.Fail(iLine, "return", "outside a function");
         return false;
     }
     if (iFunction == 0)

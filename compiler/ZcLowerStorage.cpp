@@ -100,14 +100,16 @@ SVariable* CVariableStore::Variable(TIntermSymbol* pSymbol)
     const int iLine = std::max(0, pSymbol->getLoc().line);
     if (!bSupported)
     {
-        m_builder.Fail(iLine, "'" + std::string(pSymbol->getName().c_str()) +
-                                  "' : this kind of variable is not supported by the TXE code generator");
+        const bool bBuiltIn = variable.name.rfind("gl_", 0) == 0;
+        m_builder.Refuse(iLine, variable.name,
+                         bBuiltIn ? std::string("this built-in variable")
+                                  : std::string("a '") + GetStorageQualifierString(type.getQualifier().storage) + "' variable");
         return nullptr;
     }
     variable.aLanes = SlotLanes(type);
     if (variable.aLanes.empty())
     {
-        m_builder.Fail(iLine, "'" + std::string(pSymbol->getName().c_str()) + "' : unsized arrays are not supported");
+        m_builder.Refuse(iLine, variable.name, "an array without a size");
         return nullptr;
     }
 
@@ -231,7 +233,7 @@ bool CVariableStore::Load(const SAccess& access, int iLine, SValue& value)
                               (variable.eStorage != Storage_Alias || iSlot < static_cast<int>(variable.alias.aSlots.size()));
         if (!bInRange)
         {
-            m_builder.Fail(iLine, "access out of range");
+            m_builder.Fail(iLine, variable.name, "access out of range");
             return false;
         }
         const STxeOperand op = SlotOperand(access, iSlot, iLine);
@@ -281,14 +283,20 @@ bool CVariableStore::StoreSlot(const SAccess& access, int k, const STxeOperand& 
 bool CVariableStore::Store(const SAccess& access, const SValue& value, int iLine)
 {
     const EStorage eStorage = access.pVariable->eStorage;
+    const std::string& name = access.pVariable->name;
+    if (eStorage == Storage_Buffer)
+    {
+        m_builder.Refuse(iLine, name, "writing a shader storage buffer");
+        return false;
+    }
     if (eStorage != Storage_Temp && eStorage != Storage_Output && eStorage != Storage_Scratch)
     {
-        m_builder.Fail(iLine, "this variable cannot be written");
+        m_builder.Fail(iLine, name, "this variable cannot be written");
         return false;
     }
     if (static_cast<int>(value.aSlots.size()) != access.iSlotCount)
     {
-        m_builder.Fail(iLine, "assignment of a value with the wrong shape");
+        m_builder.Fail(iLine, name, "the value does not fit this variable");
         return false;
     }
     for (int k = 0; k < access.iSlotCount; ++k)

@@ -22,7 +22,10 @@ bool HasSamplerAndCoordinate(const SBuiltinCall& call)
 {
     if (call.aArgs.size() < 2 || call.aArgs[0].aSlots.empty() || call.aArgs[1].aSlots.empty() ||
         call.aArgs[0].aSlots[0].eFile != File_Sampler)
-        return call.Fail("unsupported texture function");
+    {
+        call.builder.Refuse(call.iLine, BuiltinName(call.eOp), "this use of the function");
+        return false;
+    }
     return true;
 }
 

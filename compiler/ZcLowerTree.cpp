@@ -319,6 +319,90 @@ bool IsConversion(TOperator eOp)
     return eOp >= EOpConvInt8ToBool && eOp <= EOpConvDoubleToFloat;
 }
 
+std::string GlslTypeName(const TType& type)
+{
+    if (type.isArray())
+        return GlslTypeName(TType(type, 0)) + "[]";
+    if (type.isStruct())
+        return type.getTypeName().c_str();
+    std::string name = type.getBasicTypeString().c_str();
+    if (type.isMatrix())
+        return "mat" + std::to_string(type.getMatrixCols()) +
+               (type.getMatrixCols() == type.getMatrixRows() ? "" : "x" + std::to_string(type.getMatrixRows()));
+    if (!type.isVector())
+        return name;
+    const std::string size = std::to_string(type.getVectorSize());
+    switch (type.getBasicType())
+    {
+    case EbtInt: return "ivec" + size;
+    case EbtUint: return "uvec" + size;
+    case EbtBool: return "bvec" + size;
+    default: return "vec" + size;
+    }
+}
+
+std::string OperatorName(TOperator eOp)
+{
+    switch (eOp)
+    {
+    case EOpNegative:
+    case EOpSub: return "-";
+    case EOpLogicalNot:
+    case EOpVectorLogicalNot: return "!";
+    case EOpBitwiseNot: return "~";
+    case EOpPostIncrement:
+    case EOpPreIncrement: return "++";
+    case EOpPostDecrement:
+    case EOpPreDecrement: return "--";
+    case EOpAdd: return "+";
+    case EOpMul:
+    case EOpVectorTimesScalar:
+    case EOpVectorTimesMatrix:
+    case EOpMatrixTimesVector:
+    case EOpMatrixTimesScalar:
+    case EOpMatrixTimesMatrix: return "*";
+    case EOpDiv: return "/";
+    case EOpMod: return "%";
+    case EOpRightShift: return ">>";
+    case EOpLeftShift: return "<<";
+    case EOpAnd: return "&";
+    case EOpInclusiveOr: return "|";
+    case EOpExclusiveOr: return "^";
+    case EOpEqual:
+    case EOpVectorEqual: return "==";
+    case EOpNotEqual:
+    case EOpVectorNotEqual: return "!=";
+    case EOpLessThan: return "<";
+    case EOpGreaterThan: return ">";
+    case EOpLessThanEqual: return "<=";
+    case EOpGreaterThanEqual: return ">=";
+    case EOpComma: return ",";
+    case EOpLogicalOr: return "||";
+    case EOpLogicalXor: return "^^";
+    case EOpLogicalAnd: return "&&";
+    case EOpIndexDirect:
+    case EOpIndexIndirect: return "[]";
+    case EOpIndexDirectStruct:
+    case EOpVectorSwizzle: return ".";
+    case EOpAssign: return "=";
+    case EOpAddAssign: return "+=";
+    case EOpSubAssign: return "-=";
+    case EOpMulAssign:
+    case EOpVectorTimesMatrixAssign:
+    case EOpVectorTimesScalarAssign:
+    case EOpMatrixTimesScalarAssign:
+    case EOpMatrixTimesMatrixAssign: return "*=";
+    case EOpDivAssign: return "/=";
+    case EOpModAssign: return "%=";
+    case EOpAndAssign: return "&=";
+    case EOpInclusiveOrAssign: return "|=";
+    case EOpExclusiveOrAssign: return "^=";
+    case EOpLeftShiftAssign: return "<<=";
+    case EOpRightShiftAssign: return ">>=";
+    default: return std::string();
+    }
+}
+
 TIntermSymbol* RootOf(TIntermTyped* pNode)
 {
     while (pNode)
@@ -331,6 +415,28 @@ TIntermSymbol* RootOf(TIntermTyped* pNode)
         pNode = pBinary->getLeft();
     }
     return nullptr;
+}
+
+std::string AccessName(TIntermTyped* pNode)
+{
+    while (pNode)
+    {
+        if (TIntermSymbol* pSymbol = pNode->getAsSymbolNode())
+            return UserName(pSymbol);
+        TIntermBinary* pBinary = pNode->getAsBinaryNode();
+        if (!pBinary)
+            return std::string();
+        const TType& leftType = pBinary->getLeft()->getType();
+        TIntermConstantUnion* pMember = pBinary->getRight()->getAsConstantUnion();
+        if (pBinary->getOp() == EOpIndexDirectStruct && leftType.isStruct() && pMember && !pMember->getConstArray().empty())
+        {
+            const int iMember = pMember->getConstArray()[0].getIConst();
+            if (iMember >= 0 && iMember < static_cast<int>(leftType.getStruct()->size()))
+                return (*leftType.getStruct())[static_cast<std::size_t>(iMember)].type->getFieldName().c_str();
+        }
+        pNode = pBinary->getLeft();
+    }
+    return std::string();
 }
 
 bool IsAccessNode(TIntermTyped* pNode)

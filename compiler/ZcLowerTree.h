@@ -41,9 +41,16 @@ bool IsConversion(glslang::TOperator eOp);
 // Whether argument i of a built-in function is an out parameter (modf's second, ...).
 bool IsBuiltinOutput(glslang::TOperator eOp, std::size_t i);
 
+// The type as GLSL writes it ("vec3", "mat4", "uint[4]", a structure's name), for messages.
+std::string GlslTypeName(const glslang::TType& type);
+// The operator as the user wrote it ("+", "*=", "[]"), for messages; empty for calls.
+std::string OperatorName(glslang::TOperator eOp);
+
 // --- nodes ---
 // The variable at the root of an access path (a.b[2].xy gives a), or null.
 glslang::TIntermSymbol* RootOf(glslang::TIntermTyped* pNode);
+// The name the user wrote for an access path's innermost named part: a.b[2].xy gives "b".
+std::string AccessName(glslang::TIntermTyped* pNode);
 // A variable, or an index, member or swizzle of one (a literal array counts).
 bool IsAccessNode(glslang::TIntermTyped* pNode);
 // Any write to the variable, including passing it as an out or inout argument.

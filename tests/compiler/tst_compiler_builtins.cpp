@@ -109,6 +109,38 @@ private:
         }
     }
 
+    // Round to nearest even, overflow to infinity, small values to 16-bit subnormals.
+    static std::uint32_t ToHalf(float fValue)
+    {
+        std::uint32_t uiBits = 0;
+        std::memcpy(&uiBits, &fValue, sizeof(uiBits));
+        const std::uint32_t uiSign = (uiBits >> 16) & 0x8000u;
+        const float fMagnitude = std::fabs(fValue);
+        if (std::isnan(fValue))
+            return uiSign | 0x7E00u;
+        if (fMagnitude >= 65520.0f)
+            return uiSign | 0x7C00u;
+        // Scale so that one unit in the last place of the result is 1, then round to even.
+        const int iExponent = fMagnitude < 6.103515625e-05f ? -14 : std::ilogb(fMagnitude);
+        const double dUnits = std::nearbyint(std::ldexp(static_cast<double>(fMagnitude), 10 - iExponent));
+        if (iExponent == -14 && dUnits < 1024.0)
+            return uiSign | static_cast<std::uint32_t>(dUnits);
+        const std::uint32_t uiUnits = static_cast<std::uint32_t>(dUnits);
+        return uiSign | ((static_cast<std::uint32_t>(iExponent + 15) << 10) + (uiUnits - 1024u));
+    }
+
+    static double FromHalf(std::uint32_t uiHalf)
+    {
+        const double dSign = (uiHalf & 0x8000u) ? -1.0 : 1.0;
+        const int iExponent = static_cast<int>((uiHalf >> 10) & 31u);
+        const double dMantissa = uiHalf & 1023u;
+        if (iExponent == 31)
+            return dMantissa == 0.0 ? dSign * INFINITY : std::nan("");
+        if (iExponent == 0)
+            return dSign * std::ldexp(dMantissa, -24);
+        return dSign * std::ldexp(1024.0 + dMantissa, iExponent - 25);
+    }
+
     static double FindMsb(std::uint32_t uiBits, bool bSigned)
     {
         const std::uint32_t uiMagnitude = bSigned && static_cast<std::int32_t>(uiBits) < 0 ? ~uiBits : uiBits;
@@ -165,6 +197,7 @@ private:
             if (bSigned)
                 return static_cast<double>((static_cast<std::int64_t>(a) * static_cast<std::int64_t>(b)) >> 32);
             return static_cast<double>((static_cast<std::uint64_t>(ua) * ub) >> 32);
+        case Op_F2h: return ToHalf(static_cast<float>(a));
         case Op_Fbit:
         {
             const float fValue = static_cast<float>(a);
@@ -188,6 +221,7 @@ private:
         case Op_Bcnt: return __builtin_popcount(Bits(a));
         case Op_Fbl: return Bits(a) == 0 ? -1.0 : __builtin_ctz(Bits(a));
         case Op_Fbh: return FindMsb(Bits(a), bSigned);
+        case Op_H2f: return FromHalf(Bits(a) & 0xFFFFu);
         case Op_Bitf:
         {
             const std::uint32_t uiBits = Bits(a);
@@ -201,8 +235,8 @@ private:
 
     void Execute(const STxeInstruction& instr)
     {
-        // f2i and fbit read floats; every other typed instruction reads its own type.
-        const bool bReadsFloat = instr.eOp == Op_F2i || instr.eOp == Op_Fbit;
+        // f2i, fbit and f2h read floats; every other typed instruction reads its own type.
+        const bool bReadsFloat = instr.eOp == Op_F2i || instr.eOp == Op_Fbit || instr.eOp == Op_F2h;
         const ETxeType eRead = bReadsFloat ? Type_Float : instr.eType;
         const SExact a = Fetch(instr.aSrc[0], eRead);
         const SExact b = Fetch(instr.aSrc[1], eRead);
@@ -280,6 +314,8 @@ private slots:
     void floatDecomposition();
     void integerFunctions_data();
     void integerFunctions();
+    void everyBuiltinCompilesOrIsNamed_data();
+    void everyBuiltinCompilesOrIsNamed();
 
 private:
     void CheckFloats(double dTolerance);
@@ -409,6 +445,13 @@ void CCompilerBuiltinsTest::integerFunctions_data()
         << "o = uvec4(floatBitsToUint(1.0 + 0.0 * float(uI)), uint(floatBitsToInt(-2.5 + 0.0 * float(uI))),\n"
            "          uint(intBitsToFloat(0x40490fdb + uI * 0) * 1000.0), uint(uintBitsToFloat(uU & 0u | 0x3f000000u) * 8.0));"
         << V{double(FloatBits(1.0f)), double(FloatBits(-2.5f)), 3141, 4};
+    QTest::addRow("half floats")
+        << "vec2 v = vec2(1.0, -2.0) + 0.0 * float(uI);\n"
+           "uint a = packHalf2x16(v); uint b = packHalf2x16(vec2(65504.0, 1.0e-6) + 0.0 * float(uI));\n"
+           "uint c = packHalf2x16(vec2(1.00048828125, 70000.0) + 0.0 * float(uI));\n"
+           "o = uvec4(a, b, c, uint(unpackHalf2x16(0xC0003555u + uU * 0u).x * 30000.0) + uint(-unpackHalf2x16(0xC0003555u).y));"
+        << V{double(0x3C00u | (0xC000u << 16)), double(0x7BFFu | (0x0011u << 16)), double(0x3C00u | (0x7C00u << 16)),
+             std::floor(0.333251953125 * 30000.0) + 2};
     QTest::addRow("packed formats")
         << "vec4 v = vec4(1.0, 0.5, -0.25, 2.0) + 0.0 * float(uI);\n"
            "uint a = packUnorm4x8(v); uint b = packSnorm2x16(v.zx);\n"
@@ -437,6 +480,217 @@ void CCompilerBuiltinsTest::integerFunctions()
         const double dGot = static_cast<std::uint32_t>(static_cast<std::int64_t>(result[i]));
         QVERIFY2(dGot == expected[i], qPrintable(QString("lane %1: got %2, expected %3").arg(i).arg(dGot, 0, 'f', 0).arg(expected[i], 0, 'f', 0)));
     }
+}
+
+namespace
+{
+
+enum EStages
+{
+    Vertex = 1,
+    Fragment = 2,
+    Both = 3,
+};
+
+struct SBuiltinUse
+{
+    const char* pName;
+    const char* pVersion;
+    int iStages;
+    const char* pStatement; // adds to vec4 s
+};
+
+// Every built-in function of GLSL ES 1.00 and 3.00 and the integer functions of 3.10, each
+// called once; they all compile.
+const SBuiltinUse s_aCompiled[] = {
+    {"radians", "100", Both, "s.x += radians(f);"},
+    {"degrees", "100", Both, "s.x += degrees(f);"},
+    {"sin", "100", Both, "s.x += sin(f);"},
+    {"cos", "100", Both, "s.xy += cos(v2);"},
+    {"tan", "100", Both, "s.x += tan(f);"},
+    {"asin", "100", Both, "s.x += asin(f);"},
+    {"acos", "100", Both, "s.x += acos(f);"},
+    {"atan", "100", Both, "s.x += atan(f, v2.x) + atan(f);"},
+    {"pow", "100", Both, "s += pow(v4, v4);"},
+    {"exp", "100", Both, "s.x += exp(f);"},
+    {"log", "100", Both, "s.x += log(f);"},
+    {"exp2", "100", Both, "s.x += exp2(f);"},
+    {"log2", "100", Both, "s.x += log2(f);"},
+    {"sqrt", "100", Both, "s.x += sqrt(f);"},
+    {"inversesqrt", "100", Both, "s.x += inversesqrt(f);"},
+    {"abs", "100", Both, "s.xyz += abs(v3);"},
+    {"sign", "100", Both, "s.x += sign(f);"},
+    {"floor", "100", Both, "s.x += floor(f);"},
+    {"ceil", "100", Both, "s.x += ceil(f);"},
+    {"fract", "100", Both, "s.x += fract(f);"},
+    {"mod", "100", Both, "s.xy += mod(v2, f) + mod(v2, v2);"},
+    {"min", "100", Both, "s.xy += min(v2, f);"},
+    {"max", "100", Both, "s.xy += max(v2, v2);"},
+    {"clamp", "100", Both, "s.xy += clamp(v2, 0.0, 1.0);"},
+    {"mix", "100", Both, "s.xyz += mix(v3, v3 * 2.0, f);"},
+    {"step", "100", Both, "s.xy += step(f, v2);"},
+    {"smoothstep", "100", Both, "s.xy += smoothstep(0.0, 1.0, v2);"},
+    {"length", "100", Both, "s.x += length(v3);"},
+    {"distance", "100", Both, "s.x += distance(v3, v3.zyx);"},
+    {"dot", "100", Both, "s.x += dot(v4, v4);"},
+    {"cross", "100", Both, "s.xyz += cross(v3, v3.yzx);"},
+    {"normalize", "100", Both, "s.xyz += normalize(v3);"},
+    {"faceforward", "100", Both, "s.xyz += faceforward(v3, v3.yzx, v3.zxy);"},
+    {"reflect", "100", Both, "s.xyz += reflect(v3, v3.yzx);"},
+    {"refract", "100", Both, "s.xyz += refract(v3, v3.yzx, f);"},
+    {"matrixCompMult", "100", Both, "s.xy += matrixCompMult(m2, m2)[1];"},
+    {"lessThan", "100", Both, "s.xy += vec2(lessThan(v2, v2.yx));"},
+    {"lessThanEqual", "100", Both, "s.xy += vec2(lessThanEqual(v2, v2.yx));"},
+    {"greaterThan", "100", Both, "s.xy += vec2(greaterThan(v2, v2.yx));"},
+    {"greaterThanEqual", "100", Both, "s.xy += vec2(greaterThanEqual(v2, v2.yx));"},
+    {"equal", "100", Both, "s.xy += vec2(equal(v2, v2.yx));"},
+    {"notEqual", "100", Both, "s.xy += vec2(notEqual(v2, v2.yx));"},
+    {"any", "100", Both, "s.x += any(lessThan(v2, v2.yx)) ? 1.0 : 0.0;"},
+    {"all", "100", Both, "s.x += all(lessThan(v2, v2.yx)) ? 1.0 : 0.0;"},
+    {"not", "100", Both, "s.xy += vec2(not(lessThan(v2, v2.yx)));"},
+    {"texture2D", "100", Both, "s += texture2D(t2, v2);"},
+    {"texture2D", "100", Fragment, "s += texture2D(t2, v2, f);"},
+    {"texture2DProj", "100", Both, "s += texture2DProj(t2, v3) + texture2DProj(t2, v4);"},
+    {"texture2DLod", "100", Vertex, "s += texture2DLod(t2, v2, f);"},
+    {"texture2DProjLod", "100", Vertex, "s += texture2DProjLod(t2, v3, f);"},
+    {"textureCube", "100", Both, "s += textureCube(tc, v3);"},
+    {"textureCubeLod", "100", Vertex, "s += textureCubeLod(tc, v3, f);"},
+    {"dFdx", "100", Fragment, "s.x += dFdx(f) + dFdy(f) + fwidth(f);"},
+    {"sinh", "300 es", Both, "s.x += sinh(f) + cosh(f) + tanh(f);"},
+    {"asinh", "300 es", Both, "s.x += asinh(f) + acosh(f) + atanh(f);"},
+    {"trunc", "300 es", Both, "s.x += trunc(f) + round(f) + roundEven(f);"},
+    {"modf", "300 es", Both, "float w; s.x += modf(f, w) + w;"},
+    {"min", "300 es", Both, "s.x += float(min(i, 3) + max(i, 1) + clamp(i, 0, 2)) + float(min(u, 3u) + clamp(u, 1u, 2u));"},
+    {"mix", "300 es", Both, "s.xy += mix(v2, v2.yx, bvec2(true, false));"},
+    {"isnan", "300 es", Both, "s.x += isnan(f) || isinf(f) ? 1.0 : 0.0;"},
+    {"floatBitsToInt", "300 es", Both, "s.x += float(floatBitsToInt(f)) + float(floatBitsToUint(f));"},
+    {"intBitsToFloat", "300 es", Both, "s.x += intBitsToFloat(i) + uintBitsToFloat(u);"},
+    {"packSnorm2x16", "300 es", Both, "s.xy += unpackSnorm2x16(packSnorm2x16(v2));"},
+    {"packUnorm2x16", "300 es", Both, "s.xy += unpackUnorm2x16(packUnorm2x16(v2));"},
+    {"packHalf2x16", "300 es", Both, "s.xy += unpackHalf2x16(packHalf2x16(v2));"},
+    {"outerProduct", "300 es", Both, "s.xyz += outerProduct(v3, v2)[1];"},
+    {"transpose", "300 es", Both, "s.xyz += transpose(mat3x2(m3))[1];"},
+    {"determinant", "300 es", Both, "s.x += determinant(m2) + determinant(m3) + determinant(m4);"},
+    {"inverse", "300 es", Both, "s += inverse(m4)[1] + vec4(inverse(m3)[2], inverse(m2)[0].x);"},
+    {"abs", "300 es", Both, "s.x += float(abs(i) + sign(i));"},
+    {"textureSize", "300 es", Both, "s.xy += vec2(textureSize(t2, 0)) + vec2(textureSize(tc, 1));"},
+    {"texture", "300 es", Both, "s += texture(t2, v2) + texture(tc, v3) + texture(t3, v3) + texture(ta, v3) + vec4(texture(ts, v3));"},
+    {"texture", "300 es", Fragment, "s += texture(t2, v2, f);"},
+    {"textureProj", "300 es", Both, "s += textureProj(t2, v3) + textureProj(t2, v4);"},
+    {"textureLod", "300 es", Both, "s += textureLod(t2, v2, f) + textureLod(ta, v3, f);"},
+    {"textureOffset", "300 es", Both, "s += textureOffset(t2, v2, ivec2(1, -1));"},
+    {"texelFetch", "300 es", Both, "s += texelFetch(t2, ivec2(i), 0) + vec4(texelFetch(ti, ivec2(i), 0)) + vec4(texelFetch(tu, ivec2(i), 0));"},
+    {"texelFetchOffset", "300 es", Both, "s += texelFetchOffset(t2, ivec2(i), 0, ivec2(1));"},
+    {"textureProjOffset", "300 es", Both, "s += textureProjOffset(t2, v3, ivec2(1));"},
+    {"textureLodOffset", "300 es", Both, "s += textureLodOffset(t2, v2, f, ivec2(1));"},
+    {"textureProjLod", "300 es", Both, "s += textureProjLod(t2, v3, f) + textureProjLodOffset(t2, v4, f, ivec2(1));"},
+    {"textureGrad", "300 es", Both, "s += textureGrad(t2, v2, v2, v2) + textureGradOffset(t2, v2, v2, v2, ivec2(1));"},
+    {"textureProjGrad", "300 es", Both, "s += textureProjGrad(t2, v3, v2, v2) + textureProjGradOffset(t2, v4, v2, v2, ivec2(1));"},
+    {"dFdx", "300 es", Fragment, "s.xy += dFdx(v2) + dFdy(v2) + fwidth(v2);"},
+    {"frexp", "310 es", Both, "int e; s.x += frexp(f, e) + ldexp(f, e);"},
+    {"packUnorm4x8", "310 es", Both, "s += unpackUnorm4x8(packUnorm4x8(v4)) + unpackSnorm4x8(packSnorm4x8(v4));"},
+    {"uaddCarry", "310 es", Both, "uint c; uint b; s.x += float(uaddCarry(u, u, c) + usubBorrow(u, 1u, b) + c + b);"},
+    {"umulExtended", "310 es", Both, "uint h; uint l; int ih; int il; umulExtended(u, u, h, l); imulExtended(i, i, ih, il); s.x += float(h + l) + float(ih + il);"},
+    {"bitfieldExtract", "310 es", Both, "s.x += float(bitfieldExtract(i, 1, 3)) + float(bitfieldInsert(u, u, 2, 5));"},
+    {"bitfieldReverse", "310 es", Both, "s.x += float(bitfieldReverse(u)) + float(bitCount(i) + findLSB(u) + findMSB(i));"},
+};
+
+// Functions the code generator refuses: the message names the function at its line.
+const SBuiltinUse s_aRefused[] = {
+    {"textureGather", "310 es", Fragment, "s += textureGather(t2, v2);"},
+    {"textureGatherOffset", "310 es", Fragment, "s += textureGatherOffset(t2, v2, ivec2(1));"},
+    {"atomicCounterIncrement", "310 es", Fragment, "s.x += float(atomicCounterIncrement(ac));"},
+    {"atomicAdd", "310 es", Fragment, "s.x += float(atomicAdd(counts.n, 1u));"},
+    {"imageSize", "310 es", Fragment, "s.xy += vec2(imageSize(img));"},
+    {"imageLoad", "310 es", Fragment, "s += imageLoad(img, ivec2(i));"},
+    {"memoryBarrier", "310 es", Fragment, "memoryBarrier();"},
+    {"interpolateAtCentroid", "320 es", Fragment, "s.xy += interpolateAtCentroid(vIn);"},
+};
+
+QString BuiltinShader(const SBuiltinUse& use, bool bVertex, int& iLine)
+{
+    const QString version = use.pVersion;
+    QStringList lines = {"#version " + version};
+    if (version == "100" && !bVertex)
+        lines << "#extension GL_OES_standard_derivatives : enable";
+    lines << "precision highp float;" << "precision highp int;"
+          << "uniform float f;" << "uniform vec2 v2;" << "uniform vec3 v3;" << "uniform vec4 v4;"
+          << "uniform mat2 m2;" << "uniform mat3 m3;" << "uniform mat4 m4;" << "uniform int i;"
+          << "uniform sampler2D t2;" << "uniform samplerCube tc;";
+    if (version != "100")
+    {
+        lines << "precision highp sampler3D;" << "precision highp sampler2DArray;" << "precision highp sampler2DShadow;"
+              << "precision highp isampler2D;" << "precision highp usampler2D;"
+              << "uniform uint u;" << "uniform sampler3D t3;" << "uniform sampler2DArray ta;" << "uniform sampler2DShadow ts;"
+              << "uniform isampler2D ti;" << "uniform usampler2D tu;";
+        lines << (bVertex ? "out vec4 vOut;" : "out vec4 o;");
+    }
+    if (version == "310 es" || version == "320 es")
+    {
+        lines << "layout(binding = 0) uniform atomic_uint ac;" << "layout(std430, binding = 0) buffer Counts { uint n; } counts;"
+              << "layout(rgba8, binding = 1) readonly uniform highp image2D img;";
+    }
+    if (version == "320 es" && !bVertex)
+        lines << "in vec2 vIn;";
+    lines << "void main()" << "{" << "    vec4 s = vec4(0.0);";
+    iLine = lines.size() + 1;
+    lines << QString("    ") + use.pStatement;
+    if (version == "100")
+        lines << (bVertex ? "    gl_Position = s;" : "    gl_FragColor = s;");
+    else
+        lines << (bVertex ? "    gl_Position = s; vOut = s;" : "    o = s;");
+    lines << "}";
+    return lines.join('\n') + '\n';
+}
+
+} // namespace
+
+void CCompilerBuiltinsTest::everyBuiltinCompilesOrIsNamed_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<bool>("bVertex");
+    QTest::addColumn<QString>("refusal"); // empty: it compiles
+    auto add = [](const SBuiltinUse& use, bool bRefused) {
+        for (const bool bVertex : {true, false})
+        {
+            if (!(use.iStages & (bVertex ? Vertex : Fragment)))
+                continue;
+            int iLine = 0;
+            const QString source = BuiltinShader(use, bVertex, iLine);
+            const QString refusal = bRefused ? QString("ERROR: 0:%1: '%2' : this built-in function is not supported by "
+                                                       "the TXE code generator").arg(iLine).arg(use.pName)
+                                             : QString();
+            QTest::addRow("%s %s %s", use.pName, use.pVersion, bVertex ? "vertex" : "fragment")
+                << source << bVertex << refusal;
+        }
+    };
+    for (const SBuiltinUse& use : s_aCompiled)
+        add(use, false);
+    for (const SBuiltinUse& use : s_aRefused)
+        add(use, true);
+}
+
+void CCompilerBuiltinsTest::everyBuiltinCompilesOrIsNamed()
+{
+    QFETCH(QString, source);
+    QFETCH(bool, bVertex);
+    QFETCH(QString, refusal);
+    SCompilation compilation;
+    const bool bCompiled = CompileSource(source.toStdString(), bVertex ? Stage_Vertex : Stage_Fragment,
+                                         CoreModel(Core_ZC1), DefaultSourceLimits(), compilation);
+    QStringList errors;
+    for (const SDiagnostic& diagnostic : compilation.aDiagnostics)
+    {
+        if (diagnostic.eSeverity == Severity_Error)
+            errors << QString::fromStdString(FormatDiagnostic(diagnostic));
+    }
+    if (refusal.isEmpty())
+    {
+        QVERIFY2(bCompiled, qPrintable(errors.join('\n')));
+        return;
+    }
+    QVERIFY(!bCompiled);
+    QCOMPARE(errors, QStringList{refusal});
 }
 
 QTEST_GUILESS_MAIN(CCompilerBuiltinsTest)

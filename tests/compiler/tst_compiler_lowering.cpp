@@ -54,6 +54,8 @@ private slots:
     void commaOperator_data();
     void commaOperator();
     void storageBuffersAreRead();
+    void refusalsNameWhatTheyRefuse_data();
+    void refusalsNameWhatTheyRefuse();
 
 private:
     void AddRows();
@@ -184,6 +186,71 @@ void CCompilerLoweringTest::storageBuffersAreRead()
     for (const STxeInstruction& instr : compilation.program.aInstructions)
         iLoads += instr.eOp == Op_Ldc ? 1 : 0;
     QVERIFY2(iLoads >= 4, "every read of a storage buffer is a load");
+}
+
+// Each refusal is one error at the construct's line, naming it as the user wrote it.
+void CCompilerLoweringTest::refusalsNameWhatTheyRefuse_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("error");
+    const QString es310 = "#version 310 es\nprecision highp float;\nuniform int k;\nout vec4 o;\n";
+    const QString buffers = "layout(std430, binding = 0) buffer Params { float gain; } params;\n"
+                            "layout(std430, binding = 1) buffer Lights { vec4 count; vec4 colors[]; };\n";
+    const QString refused = " is not supported by the TXE code generator";
+    QTest::addRow("continue in a switch")
+        << es310 + "void main()\n{\n    float s = 0.0;\n    for (int j = 0; j < 3; j++) {\n"
+                   "        switch (j) { case 1: continue; default: s += 1.0; }\n    }\n    o = vec4(s);\n}\n"
+        << "ERROR: 0:9: 'continue' : a continue inside a switch" + refused;
+    QTest::addRow("demote")
+        << "#version 310 es\n#extension GL_EXT_demote_to_helper_invocation : enable\nprecision highp float;\nout vec4 o;\n"
+           "void main()\n{\n    o = vec4(1.0);\n    if (gl_FragCoord.x > 2.0)\n        demote;\n}\n"
+        << "ERROR: 0:9: 'demote' : this statement" + refused;
+    QTest::addRow("writing a named storage buffer")
+        << es310 + buffers + "void main()\n{\n    params.gain = 2.0;\n    o = vec4(0.0);\n}\n"
+        << "ERROR: 0:9: 'params' : writing a shader storage buffer" + refused;
+    QTest::addRow("writing an anonymous storage buffer")
+        << es310 + buffers + "void main()\n{\n    o = vec4(0.0);\n    count = o;\n}\n"
+        << "ERROR: 0:10: 'Lights' : writing a shader storage buffer" + refused;
+    QTest::addRow("length of a runtime-sized array")
+        << es310 + buffers + "void main()\n{\n    o = vec4(float(colors.length()));\n}\n"
+        << "ERROR: 0:9: 'length' : the length of a runtime-sized array" + refused;
+    QTest::addRow("constant index past a runtime-sized array's elements")
+        << es310 + buffers + "void main()\n{\n    o = colors[2] + colors[16];\n}\n"
+        << "ERROR: 0:9: 'colors' : a constant index past the 16 elements a runtime-sized array is bound with" + refused;
+    QTest::addRow("non-constant index into a local matrix")
+        << es310 + "uniform mat3 uM;\nvoid main()\n{\n    mat3 m = uM * 2.0;\n    o = vec4(m[k], 1.0);\n}\n"
+        << "ERROR: 0:9: 'm' : a non-constant index into a local matrix" + refused;
+    QTest::addRow("non-constant index into a matrix parameter")
+        << es310 + "uniform mat3 uM;\nvec3 column(mat3 m) { return m[k]; }\nvoid main()\n{\n    o = vec4(column(uM), 1.0);\n}\n"
+        << "ERROR: 0:6: 'm' : a non-constant index into a matrix parameter" + refused;
+    QTest::addRow("writing a vector lane chosen at run time")
+        << es310 + "void main()\n{\n    vec4 v = vec4(0.0);\n    v[k] = 1.0;\n    o = v;\n}\n"
+        << "ERROR: 0:8: 'v' : writing a vector component chosen by a non-constant index" + refused;
+    QTest::addRow("non-constant index into an array of samplers")
+        << "#version 320 es\nprecision highp float;\nuniform int k;\nuniform sampler2D uTex[4];\nout vec4 o;\n"
+           "void main()\n{\n    o = texture(uTex[k], vec2(0.5));\n}\n"
+        << "ERROR: 0:8: 'uTex' : a non-constant index into an array of samplers" + refused;
+    QTest::addRow("non-constant index into a computed matrix")
+        << es310 + "uniform mat2 uM;\nvoid main()\n{\n    o = vec4((uM * 2.0)[k], 0.0, 0.0);\n}\n"
+        << "ERROR: 0:8: '[]' : a non-constant index into a computed mat2" + refused;
+    QTest::addRow("function without a body")
+        << es310 + "float g(float x);\nvoid main()\n{\n    o = vec4(g(3.0));\n}\n"
+        << "ERROR: 0:8: 'g' : the function is declared but has no body";
+    QTest::addRow("recursion")
+        << es310 + "float f(float x) { return x > 1.0 ? f(x - 1.0) : x; }\nvoid main()\n{\n    o = vec4(f(3.0));\n}\n"
+        << "ERROR: 0:5: 'f' : recursion is not allowed";
+}
+
+void CCompilerLoweringTest::refusalsNameWhatTheyRefuse()
+{
+    QFETCH(QString, source);
+    QFETCH(QString, error);
+    SCompilation compilation;
+    QVERIFY(!CompileSource(source.toStdString(), Stage_Fragment, CoreModel(Core_ZC1), DefaultSourceLimits(), compilation));
+    QStringList errors;
+    for (const SDiagnostic& diagnostic : compilation.aDiagnostics)
+        errors << QString::fromStdString(FormatDiagnostic(diagnostic));
+    QCOMPARE(errors, QStringList{error});
 }
 
 QTEST_GUILESS_MAIN(CCompilerLoweringTest)
