@@ -41,6 +41,16 @@ int GutterWidth(const QFontMetrics& Metrics, float fChars)
     return static_cast<int>(std::ceil(static_cast<double>(fWidth)));
 }
 
+int LineGutterWidth(const QFontMetrics& Metrics, int iDigits)
+{
+    return GutterWidth(Metrics, static_cast<float>(iDigits) + 0.3f);
+}
+
+int CycleGutterWidth(const QFontMetrics& Metrics, int iDigits)
+{
+    return GutterWidth(Metrics, static_cast<float>(iDigits) + 1.0f + 0.5f);
+}
+
 bool IsEffectType(EShaderDocType eType)
 {
     return (eType & (DocType_ZFXGLSLES | DocType_ZFXGLSL)) != 0;
@@ -107,6 +117,12 @@ void CShaderEditPanel::SetDocumentType(EShaderDocType eType)
     if (eType == m_eDocType)
         return;
     m_eDocType = eType;
+    // A type that is not compiled gets no new counts to replace the old ones.
+    if (!IsAutoCompiledType(eType) && m_CycleCounts.GetSize() > 0)
+    {
+        m_CycleCounts.Clear();
+        m_pCycleCountArea->update();
+    }
     m_pHighlighter->rehighlight();
     viewport()->update();
     RequestRecompile();
@@ -257,15 +273,20 @@ void CShaderEditPanel::ReplayHistory(bool bRedo)
     m_bReplayingHistory = false;
 }
 
-int CShaderEditPanel::LineNumberAreaWidth() const
+int CShaderEditPanel::LineNumberDigits() const
 {
     int iDigits = 2; // one more than the largest line number needs
     for (int iLines = std::max(1, blockCount()); iLines >= 10; iLines /= 10)
         ++iDigits;
-    return GutterWidth(fontMetrics(), static_cast<float>(iDigits) + 0.3f);
+    return iDigits;
 }
 
-int CShaderEditPanel::CycleCountAreaWidth() const
+int CShaderEditPanel::LineNumberAreaWidth() const
+{
+    return LineGutterWidth(fontMetrics(), std::max(m_iWidestLineDigits, LineNumberDigits()));
+}
+
+int CShaderEditPanel::VisibleCycleCountDigits() const
 {
     int iDigits = 1;
     const QRect Area = rect();
@@ -284,7 +305,12 @@ int CShaderEditPanel::CycleCountAreaWidth() const
         }
         dTop = dBottom;
     }
-    return GutterWidth(fontMetrics(), static_cast<float>(iDigits) + 1.0f + 0.5f);
+    return iDigits;
+}
+
+int CShaderEditPanel::CycleCountAreaWidth() const
+{
+    return CycleGutterWidth(fontMetrics(), std::max(m_iWidestCycleDigits, VisibleCycleCountDigits()));
 }
 
 int CShaderEditPanel::GutterAreaWidth(int iKind) const
@@ -498,8 +524,10 @@ void CShaderEditPanel::FlushGutterUpdates()
 
 void CShaderEditPanel::UpdateGutterGeometry()
 {
-    const int iLineWidth = LineNumberAreaWidth();
-    const int iCycleWidth = CycleCountAreaWidth();
+    m_iWidestLineDigits = std::max(m_iWidestLineDigits, LineNumberDigits());
+    m_iWidestCycleDigits = std::max(m_iWidestCycleDigits, VisibleCycleCountDigits());
+    const int iLineWidth = LineGutterWidth(fontMetrics(), m_iWidestLineDigits);
+    const int iCycleWidth = CycleGutterWidth(fontMetrics(), m_iWidestCycleDigits);
     // Setting equal margins would still re-layout the viewport on every keystroke.
     if (viewportMargins().left() != iLineWidth + iCycleWidth)
         setViewportMargins(iLineWidth + iCycleWidth, 0, 0, 0);

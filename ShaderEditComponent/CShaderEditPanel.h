@@ -74,6 +74,9 @@ public:
     void Undo();
     void Redo();
 
+    // The gutters never get narrower while the document is open, so the text never moves
+    // sideways: the line gutter grows with the digits of the line count, the cycle gutter with
+    // the widest count it has shown.
     int LineNumberAreaWidth() const;
     int CycleCountAreaWidth() const;
     int GutterAreaWidth(int iKind) const override;
@@ -110,6 +113,8 @@ private:
     void AutoIndent(int iPosition, int iCharsAdded);
     bool HandleTab();
     void HandleHome(QKeyEvent* pEvent);
+    int LineNumberDigits() const;
+    int VisibleCycleCountDigits() const;
     void UpdateGutterGeometry();
     void FlushGutterUpdates();
     void ShowHighlightsNearViewport();
@@ -128,6 +133,8 @@ private:
     QList<QTextEdit::ExtraSelection> m_FindHighlights;
     QList<QTextEdit::ExtraSelection> m_CursorMatchHighlights;
     CZamTArray<int> m_CycleCounts{16};
+    int m_iWidestLineDigits = 0;  // the widest the gutters have been
+    int m_iWidestCycleDigits = 0;
     Settings::SEditor m_EditorSettings;
     bool m_bAutoCompile = true;
     SDocumentFormat m_FileFormat;

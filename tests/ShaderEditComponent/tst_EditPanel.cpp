@@ -25,6 +25,8 @@ private slots:
     void LineGutterGrowsWithTheDigits();
     void CycleGutterTakesOnlyItsOwnCounts();
     void CycleGutterNeverShowsTheFirstLine();
+    void TextNeverMovesSideways();
+    void CountsGoWithTheCompiledType();
 
     void Keys_data();
     void Keys();
@@ -150,6 +152,71 @@ void CEditPanelTest::CycleGutterNeverShowsTheFirstLine()
     Counts[1] = 88;
     pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), Counts);
     QVERIFY(HasInk());
+}
+
+// Each compile result and each deleted line used to resize the gutters, moving every line of
+// text left or right under the user's hands.
+void CEditPanelTest::TextNeverMovesSideways()
+{
+    auto pPanel = MakePanel(DocType_GLSLESVertex, QStringLiteral("/tmp/steady.vsh"));
+    const float fNine = static_cast<float>(pPanel->fontMetrics().horizontalAdvance(QLatin1Char('9')));
+    const auto Width = [fNine](float fChars) { return static_cast<int>(std::ceil(fNine * fChars)); };
+    pPanel->setPlainText(QStringLiteral("line\n").repeated(120));
+    const auto Counts = [&](int iCount)
+    {
+        CZamTArray<int> Array;
+        Array.Append(-1);
+        Array.Append(iCount);
+        pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), Array);
+    };
+    Counts(1234);
+    QCOMPARE(pPanel->LineNumberAreaWidth(), Width(4.3f));
+    QCOMPARE(pPanel->CycleCountAreaWidth(), Width(5.5f));
+    QTRY_COMPARE(pPanel->viewport()->x(), pPanel->contentsRect().left() + Width(4.3f) + Width(5.5f));
+    const int iTextLeft = pPanel->viewport()->x();
+
+    // Smaller counts, counts gone, lines deleted: the text stays where it is.
+    Counts(7);
+    QCOMPARE(pPanel->CycleCountAreaWidth(), Width(5.5f));
+    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), CZamTArray<int>());
+    QTextCursor Cursor(pPanel->document());
+    Cursor.movePosition(QTextCursor::End);
+    Cursor.movePosition(QTextCursor::Up, QTextCursor::KeepAnchor, 115);
+    Cursor.removeSelectedText();
+    QCOMPARE(pPanel->blockCount(), 6);
+    QCOMPARE(pPanel->LineNumberAreaWidth(), Width(4.3f));
+    QCoreApplication::processEvents(); // the gutters are brought up to date once per batch of edits
+    QCOMPARE(pPanel->viewport()->x(), iTextLeft);
+
+    // Wider is wider: a count with more digits, or lines into the thousands.
+    Counts(123456);
+    QCOMPARE(pPanel->CycleCountAreaWidth(), Width(7.5f));
+    pPanel->setPlainText(QStringLiteral("line\n").repeated(1200));
+    QCOMPARE(pPanel->LineNumberAreaWidth(), Width(5.3f));
+}
+
+void CEditPanelTest::CountsGoWithTheCompiledType()
+{
+    auto pPanel = MakePanel(DocType_GLSLESFragment, QStringLiteral("/tmp/typed.fsh"));
+    pPanel->setPlainText(QStringLiteral("a\nb\nc"));
+    CZamTArray<int> Counts;
+    Counts.Append(-1);
+    Counts.Append(42);
+    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), Counts);
+
+    // Another compiled type is compiled again at once; its new counts will replace these.
+    pPanel->SetDocumentType(DocType_GLSLESVertex);
+    QCOMPARE(pPanel->GetCycleCounts().GetSize(), 2u);
+    // Plain text is not compiled: nothing would ever replace the old counts.
+    pPanel->SetDocumentType(DocType_PlainText);
+    QCOMPARE(pPanel->GetCycleCounts().GetSize(), 0u);
+    CLineNumberArea* pGutter = pPanel->findChildren<CLineNumberArea*>().at(1);
+    const QImage Image = pGutter->grab().toImage();
+    for (int y = 0; y < Image.height(); ++y)
+    {
+        for (int x = 0; x < Image.width(); ++x)
+            QVERIFY(qGray(Image.pixel(x, y)) >= 64);
+    }
 }
 
 void CEditPanelTest::Keys_data()
