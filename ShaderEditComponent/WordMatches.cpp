@@ -1,5 +1,13 @@
 #include "WordMatches.h"
 
+namespace
+{
+bool IsIdentifierChar(QChar Char)
+{
+    return Char.isLetterOrNumber() || Char == QLatin1Char('_');
+}
+} // namespace
+
 QVector<STextRange> FindWholeWordMatches(const QString& Text, const QString& Word)
 {
     QVector<STextRange> Matches;
@@ -13,8 +21,8 @@ QVector<STextRange> FindWholeWordMatches(const QString& Text, const QString& Wor
         if (iStart < 0)
             break;
         const qsizetype iEnd = iStart + iLength;
-        const bool bWhole = (iStart == 0 || !Text.at(iStart - 1).isLetterOrNumber())
-            && (iEnd == Text.size() || !Text.at(iEnd).isLetterOrNumber());
+        const bool bWhole = (iStart == 0 || !IsIdentifierChar(Text.at(iStart - 1)))
+            && (iEnd == Text.size() || !IsIdentifierChar(Text.at(iEnd)));
         if (bWhole)
             Matches.append({static_cast<int>(iStart), static_cast<int>(iLength)});
         iFrom = bWhole ? iEnd : iEnd + 1;

@@ -5,9 +5,8 @@
 #include <QString>
 #include <QVector>
 
-// Every case-sensitive, whole-word occurrence of Word (which holds no line break) in Text,
-// a document's plain text: what QTextDocument::find with FindCaseSensitively and
-// FindWholeWords finds when each search starts where the previous match ended. A word's
-// neighbours must not be letters or digits; after an occurrence that is part of a longer
-// word the search resumes one character past its end, as the document's search does.
+// Every case-sensitive whole-word occurrence of Word (an identifier, no line break) in Text,
+// a document's plain text. Identifiers are words: a letter, a digit or an underscore next to
+// an occurrence makes it part of a longer identifier, so on "o" the "o" of "o_color" is no
+// match. After such a part-word hit the search resumes one character past its end.
 QVector<STextRange> FindWholeWordMatches(const QString& Text, const QString& Word);

@@ -11,6 +11,7 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTextBlock>
+#include <QRegularExpression>
 #include <QtTest>
 
 #include <functional>
@@ -247,14 +248,15 @@ void CLargeDocumentTest::CursorMatchesAreTheDocumentSearchsMatches_data()
 {
     QTest::addColumn<QString>("Line");
     QTest::addColumn<QString>("Word");
-    // Only letters and digits make a neighbour part of the word, not an underscore.
+    // Identifiers are words: letters, digits and underscores all make a neighbour part of one.
     QTest::newRow("identifier") << QStringLiteral("shade shade1 my_shade Shade shadeshade (shade) shade_x;")
                                 << QStringLiteral("shade");
     QTest::newRow("underscores") << QStringLiteral("gl_Position = gl_Position2 + xgl_Position * gl_Position_;")
                                  << QStringLiteral("gl_Position");
-    // After a part-word hit the search goes on behind it, not inside it.
-    QTest::newRow("overlapping a part-word hit") << QStringLiteral("a_a xa_a_a") << QStringLiteral("a_a");
-    QTest::newRow("right behind a part-word hit") << QStringLiteral("a_ xa_a_ end") << QStringLiteral("a_");
+    QTest::newRow("a letter of an identifier") << QStringLiteral("o = o_color + my_o * o_o + o;") << QStringLiteral("o");
+    QTest::newRow("a part of an identifier") << QStringLiteral("color = o_color.rgb * color_2 + color;")
+                                             << QStringLiteral("color");
+    QTest::newRow("overlapping a part-word hit") << QStringLiteral("a_a xa_a_a a_a") << QStringLiteral("a_a");
     QTest::newRow("non-breaking spaces") << QStringLiteral("half\u00a0half,half\u00a0xhalf") << QStringLiteral("half");
 }
 
@@ -268,10 +270,12 @@ void CLargeDocumentTest::CursorMatchesAreTheDocumentSearchsMatches()
     pPanel->SetContents(Lines(2000, Line), false);
     pPanel->moveCursor(QTextCursor::Right);
 
+    // The reference: a regular expression that wants no word character on either side.
     QList<QTextEdit::ExtraSelection> Expected;
-    const QTextDocument::FindFlags eFlags = QTextDocument::FindCaseSensitively | QTextDocument::FindWholeWords;
-    for (QTextCursor Found = pPanel->document()->find(Word, 0, eFlags); !Found.isNull();
-         Found = pPanel->document()->find(Word, Found, eFlags))
+    const QRegularExpression Whole(QStringLiteral("(?<!\\w)%1(?!\\w)").arg(QRegularExpression::escape(Word)),
+                                   QRegularExpression::UseUnicodePropertiesOption);
+    for (QTextCursor Found = pPanel->document()->find(Whole, 0, QTextDocument::FindCaseSensitively); !Found.isNull();
+         Found = pPanel->document()->find(Whole, Found, QTextDocument::FindCaseSensitively))
         Expected << QTextEdit::ExtraSelection{Found, {}};
     QTRY_VERIFY(!pPanel->GetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches).isEmpty());
     QCOMPARE(Ranges(pPanel->GetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches)), Ranges(Expected));
