@@ -2,6 +2,7 @@
 
 #include "CShaderEditController.h"
 #include "CShaderEditPanel.h"
+#include "CompileCommandLine.h"
 #include "DocumentFile.h"
 #include "HighlightSelections.h"
 #include "IShaderEditorDelegate.h"
@@ -66,9 +67,9 @@ void CShaderEditor::SetController(CShaderEditController* pController)
             &CShaderEditController::OnPanelChanged);
     connect(this, &CShaderEditor::StateChanged, pController, &CShaderEditController::OnEditorStateChanged);
     connect(this, &CShaderEditor::RecompileContents, pController,
-            [pController](const CZamTHash& PanelID, const QString& Contents, EShaderDocType eType,
-                          ECompileInvocationType eInvocation) {
-                pController->OnCompilePanel(PanelID, Contents, eType, eInvocation);
+            [this, pController](const CZamTHash& PanelID, const QString& Contents, EShaderDocType eType,
+                                ECompileInvocationType eInvocation) {
+                pController->OnCompilePanel(PanelID, Contents, eType, eInvocation, 0, SourceFolderOf(PanelID));
             });
     connect(this, &CShaderEditor::CancelCompile, pController, &CShaderEditController::OnCancelCompile);
     connect(pController, &CShaderEditController::EditorSettingsChanged, this, &CShaderEditor::OnEditorSettingsChanged);
@@ -114,15 +115,38 @@ int CShaderEditor::IndexOfPanel(const CShaderEditPanel* pPanel) const
     return -1;
 }
 
+QString CShaderEditor::SourceFolderOf(const CZamTHash& PanelID) const
+{
+    for (int i = 0; i < GetTabCount(); ++i)
+    {
+        const CShaderEditPanel* pPanel = GetPanel(i);
+        if (pPanel && pPanel->GetPanelID() == PanelID)
+            return IncludeFolderFor(ToQString(pPanel->GetFilename()));
+    }
+    return QString();
+}
+
 QString CShaderEditor::DocumentName(int iIndex) const
 {
     const CShaderEditPanel* pPanel = GetPanel(iIndex);
     if (!pPanel->GetFilename().IsEmpty())
         return QDir::toNativeSeparators(ToQString(pPanel->GetFilename()));
-    QString Title = m_pTabWidget->tabText(iIndex);
-    if (Title.endsWith(QLatin1Char('*')))
-        Title.chop(1);
-    return Title;
+    return DocumentTitle(iIndex);
+}
+
+QString CShaderEditor::DocumentTitle(int iIndex) const
+{
+    return m_pTabWidget->tabBar()->tabData(iIndex).toString();
+}
+
+// The document's title and, while it is modified, the marker. The title is kept apart, so a
+// name that holds a "*" itself is never mistaken for the marker.
+void CShaderEditor::SetTabTitle(int iIndex, const QString& Title)
+{
+    m_pTabWidget->tabBar()->setTabData(iIndex, Title);
+    const CShaderEditPanel* pPanel = GetPanel(iIndex);
+    const bool bModified = pPanel && pPanel->IsModified();
+    m_pTabWidget->setTabText(iIndex, bModified ? Title + QLatin1Char('*') : Title);
 }
 
 CShaderEditPanel* CShaderEditor::AddPanel(const QString& Title, const QString* pText, const QString& Path,
@@ -141,6 +165,7 @@ CShaderEditPanel* CShaderEditor::AddPanel(const QString& Title, const QString* p
     ConnectPanel(pPanel);
 
     const int iIndex = m_pTabWidget->addTab(pPage, Title);
+    SetTabTitle(iIndex, Title);
     m_pTabWidget->setTabToolTip(iIndex, QDir::toNativeSeparators(Path));
     m_pTabWidget->setCurrentIndex(iIndex);
     if (pText)
@@ -172,7 +197,7 @@ void CShaderEditor::OnNewFile(EShaderDocType eType)
 {
     QStringList Titles;
     for (int i = 0; i < GetTabCount(); ++i)
-        Titles << m_pTabWidget->tabText(i);
+        Titles << DocumentTitle(i);
     AddPanel(NextNewFileName(Titles), nullptr, QString(), eType);
 }
 
@@ -273,6 +298,8 @@ bool CShaderEditor::CloseTab(int iIndex)
         return false;
     if (pPanel->IsModified())
     {
+        // The user decides about what is in view: Quit and Close All reach tabs in the background.
+        m_pTabWidget->setCurrentIndex(iIndex);
         // Without anyone to ask, keeping the document is the only answer that loses nothing.
         const QMessageBox::StandardButton eAnswer =
             m_pDelegate ? m_pDelegate->AskSaveChanges(DocumentName(iIndex)) : QMessageBox::Cancel;
@@ -326,16 +353,11 @@ bool CShaderEditor::eventFilter(QObject* pWatched, QEvent* pEvent)
     return QWidget::eventFilter(pWatched, pEvent);
 }
 
-void CShaderEditor::OnPanelContentChanged(bool bModified)
+void CShaderEditor::OnPanelContentChanged(bool)
 {
     const int iIndex = IndexOfPanel(qobject_cast<CShaderEditPanel*>(sender()));
-    if (iIndex < 0)
-        return;
-    QString Title = m_pTabWidget->tabText(iIndex);
-    if (bModified && !Title.contains(QLatin1Char('*')))
-        m_pTabWidget->setTabText(iIndex, Title + QLatin1Char('*'));
-    else if (!bModified && Title.contains(QLatin1Char('*')))
-        m_pTabWidget->setTabText(iIndex, Title.chopped(1));
+    if (iIndex >= 0)
+        SetTabTitle(iIndex, DocumentTitle(iIndex));
 }
 
 void CShaderEditor::OnPanelFilenameChanged(const QString& FileName)
@@ -343,7 +365,7 @@ void CShaderEditor::OnPanelFilenameChanged(const QString& FileName)
     const int iIndex = IndexOfPanel(qobject_cast<CShaderEditPanel*>(sender()));
     if (iIndex < 0)
         return;
-    m_pTabWidget->setTabText(iIndex, QFileInfo(FileName).fileName());
+    SetTabTitle(iIndex, QFileInfo(FileName).fileName());
     m_pTabWidget->setTabToolTip(iIndex, QDir::toNativeSeparators(FileName));
 }
 

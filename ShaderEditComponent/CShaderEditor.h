@@ -115,6 +115,10 @@ private:
     bool CloseTab(int iIndex);
     int IndexOfPanel(const CShaderEditPanel* pPanel) const;
     QString DocumentName(int iIndex) const;
+    // The folder of the panel's file, empty for a never-saved document or an unknown panel.
+    QString SourceFolderOf(const CZamTHash& PanelID) const;
+    QString DocumentTitle(int iIndex) const;
+    void SetTabTitle(int iIndex, const QString& Title);
 
     IShaderEditorDelegate* m_pDelegate = nullptr;
     QTimer m_CursorMatchTimer;

@@ -4,6 +4,8 @@
 
 #include <QStringList>
 
+#include <functional>
+
 // Answers the editor's questions from scripted values and records what it was asked.
 class CFakeEditorDelegate : public IShaderEditorDelegate
 {
@@ -11,6 +13,8 @@ public:
     QMessageBox::StandardButton AskSaveChanges(const QString& FileName) override
     {
         Asked << FileName;
+        if (OnAsk)
+            OnAsk();
         return eAnswer;
     }
 
@@ -40,6 +44,7 @@ public:
     }
 
     QMessageBox::StandardButton eAnswer = QMessageBox::Cancel;
+    std::function<void()> OnAsk; // called while the question is asked
     QString SavePath;
     QString OpenPath;
     int iSaveNameRequests = 0;

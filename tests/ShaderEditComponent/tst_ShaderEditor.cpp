@@ -37,6 +37,7 @@ private slots:
 
     void OpenSwitchesToAnOpenFile();
     void ModifiedMarkerAndSaveAs();
+    void TitlesShowTheWholeName();
     void LineColumnAndCursorMatches();
     void FindResultsAndSelection();
     void CompileTrafficReachesTheRightPanel();
@@ -197,10 +198,14 @@ void CShaderEditorTest::CloseAllStopsAtCancel()
     Type(QStringLiteral("typed"));
     m_pEditor->OnNewFile(DocType_PlainText);
 
+    // The document asked about is the one in view while the question is asked.
+    QStringList Shown;
+    m_Delegate.OnAsk = [&] { Shown << m_pEditor->findChild<QTabWidget*>()->tabText(m_pEditor->findChild<QTabWidget*>()->currentIndex()); };
     m_Delegate.eAnswer = QMessageBox::Cancel;
     QVERIFY(!m_pEditor->OnCloseAllTabs());
     QCOMPARE(TabTitles(), QStringList({"New File (1)*", "New File (2)"}));
     QCOMPARE(m_Delegate.Asked, QStringList{"New File (1)"});
+    QCOMPARE(Shown, QStringList{"New File (1)*"});
 
     // Save of a never-saved document asks for a name; cancelling that keeps the tab too.
     m_Delegate.eAnswer = QMessageBox::Save;
@@ -285,6 +290,29 @@ void CShaderEditorTest::ModifiedMarkerAndSaveAs()
     QCOMPARE(m_pEditor->GetCurrentPanel()->GetPanelID(), PanelID);
     QCOMPARE(m_pEditor->GetOpenFilenames().GetSize(), 1u);
     QCOMPARE(QString::fromUtf8(m_pEditor->GetOpenFilenames()[0].GetString()), m_Delegate.SavePath);
+}
+
+void CShaderEditorTest::TitlesShowTheWholeName()
+{
+    QVERIFY(m_pEditor->OnOpenFile(WriteFile(QStringLiteral("a*b.fsh"), "void main() {}")));
+    QVERIFY(m_pEditor->OnOpenFile(WriteFile(QStringLiteral("star*"), "x")));
+    QCOMPARE(TabTitles(), QStringList({"a*b.fsh", "star*"}));
+    Type(QStringLiteral("y"));
+    m_pEditor->findChild<QTabWidget*>()->setCurrentIndex(0);
+    Type(QStringLiteral("y"));
+    QCOMPARE(TabTitles(), QStringList({"a*b.fsh*", "star**"}));
+    m_pEditor->OnSaveAllTabs();
+    QCOMPARE(TabTitles(), QStringList({"a*b.fsh", "star*"}));
+    Type(QStringLiteral("z"));
+    m_pEditor->GetCurrentPanel()->Undo();
+    QCOMPARE(TabTitles(), QStringList({"a*b.fsh", "star*"}));
+
+    // A never-saved document is asked about by its whole title, without the marker.
+    m_pEditor->OnNewFile(DocType_PlainText);
+    Type(QStringLiteral("typed"));
+    m_Delegate.eAnswer = QMessageBox::Cancel;
+    m_pEditor->OnCloseCurrentTab();
+    QCOMPARE(m_Delegate.Asked, QStringList{"New File"});
 }
 
 void CShaderEditorTest::LineColumnAndCursorMatches()
