@@ -1,15 +1,10 @@
 #include "DocumentFile.h"
 
+#include "RegularFile.h"
 #include "UIString.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QSaveFile>
 #include <QStringDecoder>
-
-#include <cerrno>
-#include <cstring>
-#include <new>
 
 namespace
 {
@@ -94,44 +89,22 @@ QByteArray EncodeDocument(const QString& Text, const SDocumentFormat& Format)
 SFileReadResult ReadDocumentFile(const QString& Path)
 {
     SFileReadResult Result;
-    const QFileInfo Info(Path);
-    if (Info.exists() && !Info.isFile())
+    SRegularFile File = ReadRegularFile(Path, MaxDocumentBytes);
+    switch (File.eResult)
     {
-        const int iErrno = Info.isDir() ? EISDIR : ENODEV;
-        Result.Error = OpenFailedText(Path, QString::fromLocal8Bit(std::strerror(iErrno)));
-        return Result;
-    }
-
-    QFile File(Path);
-    if (!File.open(QIODevice::ReadOnly))
-    {
-        Result.Error = OpenFailedText(Path, File.errorString());
-        return Result;
-    }
-    const qint64 iSize = File.size();
-    if (iSize > iMaxDocumentBytes)
-    {
-        Result.Error = UIString(UIS_NotEnoughMemoryToLoadFile);
-        return Result;
-    }
-
-    QByteArray Bytes;
-    try
-    {
-        Bytes.resize(iSize);
-    }
-    catch (const std::bad_alloc&)
-    {
-        Result.Error = UIString(UIS_NotEnoughMemoryToLoadFile);
-        return Result;
-    }
-    if (File.read(Bytes.data(), iSize) != iSize)
-    {
+    case RegularFile_Read:
+        Result.bOk = true;
+        Result.Bytes = std::move(File.Bytes);
+        break;
+    case RegularFile_ReadFailed:
         Result.Error = UIString(UIS_ErrorWhileReadingFile) + Path;
-        return Result;
+        break;
+    case RegularFile_OpenFailed:
+    case RegularFile_NotRegular:
+    case RegularFile_TooLarge:
+        Result.Error = OpenFailedText(Path, DescribeReadFailure(File));
+        break;
     }
-    Result.bOk = true;
-    Result.Bytes = std::move(Bytes);
     return Result;
 }
 

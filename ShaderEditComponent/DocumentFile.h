@@ -31,12 +31,9 @@ struct SFileReadResult
     QString Error; // the complete message for the user when !bOk
 };
 
-// Files above this size are refused with "Not enough memory to load file.": the editor holds a
-// document several times over (text, layout, highlighting), and shaders are far smaller.
-constexpr qint64 iMaxDocumentBytes = 16 * 1024 * 1024;
-
-// Reads a regular file whole. Directories, pipes and devices are refused before they are
-// opened, so a path naming a FIFO can never block the program.
+// Reads a regular file of up to MaxDocumentBytes (256 MiB) whole. Directories, pipes and
+// devices are refused without waiting, so a path naming a FIFO can never block the program; a
+// larger file, or one there is no memory for, is refused with its size and the limit.
 SFileReadResult ReadDocumentFile(const QString& Path);
 
 struct SFileWriteResult

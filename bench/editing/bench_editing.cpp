@@ -1,5 +1,7 @@
 // Editing speed on large documents: opening until the first highlighted paint, typing, cursor
-// matching and quick find. Prints one summary line last.
+// matching and quick find; then a 64 MiB document, opened and typed in, against a bare
+// QPlainTextEdit given the same text in the same run (the ratios). Prints one summary line
+// last.
 //
 // With a scenario argument only that part runs after the opening, so an instruction counter
 // can measure it alone:
@@ -9,6 +11,7 @@
 //   bench_editing highlighted <keys>
 //                                 with both kinds of highlights shown: ten pages down,
 //                                 then <keys> keystrokes
+//   bench_editing large <keys>    only the 64 MiB document: open, then <keys> keystrokes
 // e.g. valgrind --tool=callgrind --collect-atstart=no --toggle-collect='*Scenario*'
 //      bench/bench_editing typing 20
 
@@ -24,6 +27,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextBlock>
@@ -211,6 +215,112 @@ void DisableCursorMatching(CShaderEditor* pEditor)
     Settings.bPerformCursorMatch = false;
     pEditor->OnEditorSettingsChanged(Settings);
 }
+// The large document: the generated shader repeated up to 64 MiB.
+QByteArray GenerateLargeShader()
+{
+    const QByteArray Block = GenerateShader(20000);
+    QByteArray Text;
+    Text.reserve(64 * 1024 * 1024);
+    while (Text.size() + Block.size() <= 64 * 1024 * 1024)
+        Text += Block;
+    return Text;
+}
+
+struct SLargeRun
+{
+    double dOpenMs = 0.0;
+    std::vector<double> Keystrokes;
+};
+
+// Keystrokes in the middle of a large document, after the opening has settled.
+std::vector<double> TypeInTheMiddle(QPlainTextEdit* pEdit, int iKeys)
+{
+    QTextCursor Cursor(pEdit->document()->findBlockByNumber(pEdit->blockCount() / 2));
+    Cursor.movePosition(QTextCursor::EndOfBlock);
+    pEdit->setTextCursor(Cursor);
+    pEdit->centerCursor();
+    QApplication::processEvents();
+    std::vector<double> Keystrokes;
+    for (int i = 0; i < iKeys; ++i)
+        Keystrokes.push_back(TimeKeystroke(pEdit, 'a' + static_cast<char>(i % 26)));
+    return Keystrokes;
+}
+
+// The baseline: what Qt's own text edit needs for the same bytes, decoded the same way.
+SLargeRun MeasureBareEdit(const QByteArray& Bytes, int iKeys)
+{
+    SLargeRun Run;
+    QPlainTextEdit Edit;
+    Edit.setLineWrapMode(QPlainTextEdit::NoWrap);
+    Edit.resize(1200, 900);
+    Edit.show();
+    QApplication::processEvents();
+    QElapsedTimer Timer;
+    Timer.start();
+    Edit.setPlainText(QString::fromUtf8(Bytes));
+    Edit.viewport()->repaint();
+    QApplication::processEvents();
+    Run.dOpenMs = Milliseconds(Timer);
+    Run.Keystrokes = TypeInTheMiddle(&Edit, iKeys);
+    return Run;
+}
+
+SLargeRun MeasureEditor(const QString& Path, int iKeys)
+{
+    SLargeRun Run;
+    CShaderHighlightController Highlight;
+    CSilentDelegate Delegate;
+    CShaderEditor Editor(&Highlight);
+    Editor.SetDelegate(&Delegate);
+    Editor.resize(1200, 900);
+    Editor.show();
+    DisableCursorMatching(&Editor);
+    QApplication::processEvents();
+    QElapsedTimer Timer;
+    Timer.start();
+    if (!Editor.OnOpenFile(Path))
+        return Run;
+    CShaderEditPanel* pPanel = Editor.GetCurrentPanel();
+    pPanel->viewport()->repaint();
+    QApplication::processEvents();
+    Run.dOpenMs = Milliseconds(Timer);
+    Run.Keystrokes = TypeInTheMiddle(pPanel, iKeys);
+    return Run;
+}
+
+struct SLargeFigures
+{
+    double dOpenMs = 0.0;
+    double dOpenRatio = 0.0;
+    double dKeystrokeP99Ms = 0.0;
+    double dKeystrokeRatio = 0.0;
+};
+
+SLargeFigures ScenarioLargeDocument(const QString& Folder, int iKeys)
+{
+    SLargeFigures Figures;
+    const QByteArray Bytes = GenerateLargeShader();
+    const QString Path = Folder + QStringLiteral("/large64.fsh");
+    QFile File(Path);
+    if (!File.open(QIODevice::WriteOnly) || File.write(Bytes) != Bytes.size())
+        return Figures;
+    File.close();
+    const SLargeRun Bare = MeasureBareEdit(Bytes, iKeys);
+    const SLargeRun Ours = MeasureEditor(Path, iKeys);
+    if (Ours.Keystrokes.empty())
+        return Figures;
+    const double dBareP99 = Percentile(Bare.Keystrokes, 0.99);
+    Figures.dOpenMs = Ours.dOpenMs;
+    Figures.dOpenRatio = Ours.dOpenMs / Bare.dOpenMs;
+    Figures.dKeystrokeP99Ms = Percentile(Ours.Keystrokes, 0.99);
+    Figures.dKeystrokeRatio = Figures.dKeystrokeP99Ms / dBareP99;
+    std::printf("64 MiB (%lld bytes): open %.0f ms, bare text edit %.0f ms, ratio %.2f\n",
+                static_cast<long long>(Bytes.size()), Ours.dOpenMs, Bare.dOpenMs, Figures.dOpenRatio);
+    std::printf("64 MiB: keystroke p99 %.2f ms (median %.2f), bare text edit p99 %.2f ms, ratio %.2f\n",
+                Figures.dKeystrokeP99Ms, Percentile(Ours.Keystrokes, 0.5), dBareP99, Figures.dKeystrokeRatio);
+    return Figures;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -218,6 +328,12 @@ int main(int argc, char** argv)
     QApplication App(argc, argv);
     RegisterCompileMetaTypes();
     const char* pScenario = argc > 1 ? argv[1] : "";
+    if (std::strcmp(pScenario, "large") == 0)
+    {
+        QTemporaryDir Folder;
+        ScenarioLargeDocument(Folder.path(), argc > 2 ? std::atoi(argv[2]) : 200);
+        return 0;
+    }
 
     SFixture Fixture;
     if (!Fixture.Open())
@@ -278,7 +394,10 @@ int main(int argc, char** argv)
     std::printf("typing among the highlights: median %.2f ms, p99 %.2f ms\n", Percentile(Highlighted, 0.5),
                 Percentile(Highlighted, 0.99));
 
-    std::printf("open_ms=%.1f keystroke_p99_ms=%.2f cursor_match_ms=%.1f quick_find_ms=%.1f\n", Fixture.dOpenMs,
-                dKeystrokeP99, dCursorMatchMs, dQuickFindMs);
+    const SLargeFigures Large = ScenarioLargeDocument(Fixture.Dir.path(), 200);
+    std::printf("open_ms=%.1f keystroke_p99_ms=%.2f cursor_match_ms=%.1f quick_find_ms=%.1f open64_ms=%.0f "
+                "open64_vs_bare=%.2f keystroke64_p99_ms=%.2f keystroke64_vs_bare=%.2f\n",
+                Fixture.dOpenMs, dKeystrokeP99, dCursorMatchMs, dQuickFindMs, Large.dOpenMs, Large.dOpenRatio,
+                Large.dKeystrokeP99Ms, Large.dKeystrokeRatio);
     return 0;
 }
