@@ -54,3 +54,13 @@ bench-highlight: configure
 	cmake -S bench/highlight/ksyntax -B $(BUILD_DIR)/bench-ksyntax -G Ninja -DCMAKE_BUILD_TYPE=Release
 	cmake --build $(BUILD_DIR)/bench-ksyntax -j $(JOBS)
 	QT_QPA_PLATFORM=offscreen ./$(BUILD_DIR)/bench/bench_highlight --ksyntax ./$(BUILD_DIR)/bench-ksyntax/ksyntax_bench
+
+.PHONY: bench-startup
+bench-startup: configure
+	cmake --build $(BUILD_DIR) -j $(JOBS) --target zamshadereditor bench_startup bench_startup_bare glslcompiler_zc1 clcompiler_zc1
+	./$(BUILD_DIR)/bench/bench_startup ./$(BUILD_DIR)/bin/zamshadereditor ./$(BUILD_DIR)/bench/bench_startup_bare
+
+.PHONY: bench-instance
+bench-instance: configure
+	cmake --build $(BUILD_DIR) -j $(JOBS) --target bench_instance
+	./$(BUILD_DIR)/bench/bench_instance

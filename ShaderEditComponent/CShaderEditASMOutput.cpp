@@ -3,6 +3,7 @@
 #include "CShaderEditController.h"
 #include "OutputViewSupport.h"
 #include "ShaderHighlightController.h"
+#include "ZamStringConversion.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
@@ -63,7 +64,7 @@ void CShaderEditASMOutput::OnCompileResults(const SCompileResult& Results)
     // A fresh array lets the texts of the previous result go at once.
     m_Texts = CZamTArray<QString>(Results.Profiles.GetSize());
     for (uint32_t ui = 0; ui < Results.Profiles.GetSize(); ++ui)
-        m_Texts.Append(BreakOverlongLines(ToOutputText(Results.Profiles[ui].Disassembly)));
+        m_Texts.Append(BreakOverlongLines(ToQString(Results.Profiles[ui].Disassembly)));
 
     if (m_Texts.GetSize() < 2)
     {

@@ -1,5 +1,7 @@
 #include "OutputViewSupport.h"
 
+#include "ZamStringConversion.h"
+
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -52,11 +54,6 @@ QString BreakOverlongLines(const QString& Text, qsizetype iMaxLength)
     return Broken;
 }
 
-QString ToOutputText(const CZamTString& Text)
-{
-    return QString::fromUtf8(Text.GetString(), static_cast<qsizetype>(Text.GetLength()));
-}
-
 SShaderSelector CreateShaderSelector(QWidget* pParent, const char* pLayoutName, const char* pLabelName,
                                      const char* pComboName)
 {
@@ -86,7 +83,7 @@ void FillShaderSelector(const SShaderSelector& Selector, const CZamTArray<SCompi
     const QSignalBlocker Blocker(Selector.pCombo);
     Selector.pCombo->clear();
     for (uint32_t ui = 0; ui < Profiles.GetSize(); ++ui)
-        Selector.pCombo->addItem(ToOutputText(Profiles[ui].Name));
+        Selector.pCombo->addItem(ToQString(Profiles[ui].Name));
     Selector.pCombo->setCurrentIndex(0);
 }
 

@@ -22,9 +22,6 @@ constexpr qsizetype MaxOutputLineLength = 4096;
 // out. Text without such lines comes back as it is, without a copy.
 QString BreakOverlongLines(const QString& Text, qsizetype iMaxLength = MaxOutputLineLength);
 
-// A compiler output text (UTF-8) as the views show it.
-QString ToOutputText(const CZamTString& Text);
-
 // The "Shader:" row of a view, with which the user picks one shader of an effect file.
 struct SShaderSelector
 {

@@ -1,23 +1,65 @@
-#include "CEditorWindow.h"
+#include "CAboutBoxDialog.h"
+#include "CGUIController.h"
+#include "CSingleApplication.h"
+#include "CommandLine.h"
 #include "HeadlessCompile.h"
+#include "HelpResources.h"
+#include "IconResources.h"
+#include "InstanceMessage.h"
 #include "MetaTypes.h"
+#include "StartupProbe.h"
+#include "ZamPreferences.h"
+#include "ZamShaderEditorWindow.h"
 
-#include <QApplication>
+#include <cstdio>
+
+namespace
+{
+const char* const s_pApplicationText = "ZamShaderEditor 2.0";
+
+// A later start only hands its file (or the wish to see the window) to the running one.
+int HandOver(CSingleApplication& App)
+{
+    const QString Message = HandOverMessage(QCoreApplication::arguments());
+    if (!Message.isEmpty())
+        App.SendMessage(Message);
+    return 0;
+}
+} // namespace
 
 int main(int argc, char** argv)
 {
-    // Decided before any application object exists: the command-line compile needs no display.
+    // Decided before any application object exists: none of these needs a display.
     if (IsHeadlessCompileRequest(argc, argv))
         return RunHeadlessCompileMain(argc, argv);
+    const QString Information = InformationRequested(argc, argv);
+    if (!Information.isEmpty())
+    {
+        std::fputs(Information.toLocal8Bit().constData(), stdout);
+        return 0;
+    }
 
-    QApplication App(argc, argv);
+    CSingleApplication App(argc, argv, QStringLiteral("ZamShaderEditor"));
+    InitIconResources();
+    InitHelpResources();
+    if (App.IsRunning())
+        return HandOver(App);
+
     QApplication::setApplicationName(QStringLiteral("ZamShaderEditor"));
+    QApplication::setOrganizationName(QStringLiteral("Brenmoor Systems"));
     RegisterCompileMetaTypes();
-
-    CEditorWindow Window;
-    const QStringList Arguments = QApplication::arguments();
-    if (Arguments.size() > 1)
-        Window.OpenFile(Arguments.at(1));
+    ZamShaderEditorWindow Window;
+    QObject::connect(&App, &CSingleApplication::FileOpenEvent, &Window, &ZamShaderEditorWindow::OnOpenFile);
+    QObject::connect(&App, &CSingleApplication::MessageAvailable, &Window, &ZamShaderEditorWindow::ReceiveAppMessage);
+    CStartupProbe::Install(&Window);
     Window.show();
+    // The splash image is only loaded when it is to be shown.
+    CZamPreferences& Store = CGUIController::Instance().GetPreferences();
+    if (Store.GetBool(CAboutBoxDialog::ShowSplashKey(), true))
+    {
+        CAboutBoxDialog Splash(&Window, QLatin1String(s_pApplicationText),
+                               QStringLiteral(":/ZamShaderEditor/Graphics/SplashZamShaderEditor.png"), Store, false);
+        Splash.Run();
+    }
     return App.exec();
 }

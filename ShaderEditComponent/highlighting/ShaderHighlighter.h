@@ -53,6 +53,6 @@ private:
 
     const CShaderHighlightController* m_pController;
     EShaderDocType m_eType;
-    CShaderRuleEngine m_Engine;
+    const CShaderRuleEngine& m_Engine = CShaderRuleEngine::Shared();
     std::vector<quint8> m_Elements; // per character: 0 code format, else element + 1
 };

@@ -186,6 +186,12 @@ qsizetype CShaderRuleEngine::FindPair(const QString& Text, qsizetype iFrom, char
     return -1;
 }
 
+const CShaderRuleEngine& CShaderRuleEngine::Shared()
+{
+    static const CShaderRuleEngine s_Engine;
+    return s_Engine;
+}
+
 CShaderRuleEngine::CShaderRuleEngine()
 {
     const SHighlightRuleSet Rules = GetShaderHighlightRules();

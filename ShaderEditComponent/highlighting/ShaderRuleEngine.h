@@ -23,6 +23,11 @@ class CShaderRuleEngine
 public:
     CShaderRuleEngine();
 
+    // The one engine every highlighter uses: building the tables costs more than
+    // highlighting a document of a few hundred lines. GUI thread only (QRegExp keeps its
+    // last match inside).
+    static const CShaderRuleEngine& Shared();
+
     // Elements receives one entry per character of Text: 0 where the block keeps its code
     // format, element + 1 where a rule or a fixed expression coloured it, the later one
     // winning as in rule order. Returns the element of the first rule match in rule order

@@ -1,0 +1,64 @@
+// The main window's entry points to the dialogs of the Help, Edit and Compile menus.
+
+#include "ZamShaderEditorWindow.h"
+
+#include "ApplicationText.h"
+#include "CAboutBoxDialog.h"
+#include "CCompileDialog.h"
+#include "CFeedbackDialog.h"
+#include "CGUIController.h"
+#include "CPreferencesDialog.h"
+#include "CShaderEditPanel.h"
+#include "CShaderEditor.h"
+#include "DocumentationOpener.h"
+#include "ZamStringConversion.h"
+
+namespace
+{
+const char* const s_pApplicationText = "ZamShaderEditor 2.0";
+const char* const s_pSplashImage = ":/ZamShaderEditor/Graphics/SplashZamShaderEditor.png";
+} // namespace
+
+void ZamShaderEditorWindow::OnUsageDialog()
+{
+    OpenDocumentation(this, QStringLiteral("../Documentation/"), QStringLiteral("ZamShaderEditor.User Manual.pdf"),
+                      m_GUI.GetPreferences());
+}
+
+void ZamShaderEditorWindow::OnAboutDialog()
+{
+    CAboutBoxDialog About(this, QLatin1String(s_pApplicationText), QLatin1String(s_pSplashImage),
+                          m_GUI.GetPreferences(), true);
+    About.Run();
+}
+
+void ZamShaderEditorWindow::OnFeedbackDialog()
+{
+    CFeedbackDialog Feedback(this, QLatin1String(s_pApplicationText));
+    Feedback.exec();
+}
+
+void ZamShaderEditorWindow::OnPreferencesDialog()
+{
+    CPreferencesDialog Dialog(this, m_GUI, *m_pEditController, *m_pHighlight);
+    QMetaObject::invokeMethod(&Dialog, "OnRetranslate");
+    Dialog.exec();
+}
+
+void ZamShaderEditorWindow::OnCompileDialog()
+{
+    CShaderEditPanel* pPanel = m_pEditor->GetCurrentPanel();
+    if (!pPanel)
+        return;
+    if (pPanel->IsModified())
+    {
+        QMessageBox Box(QMessageBox::Warning, QLatin1String(s_pApplicationText),
+                        GetApplicationText(AppText_UnsavedChangesCompile), QMessageBox::Save | QMessageBox::Ignore);
+        Box.setInformativeText(GetApplicationText(AppText_SaveChangesQuestion));
+        if (Box.exec() == QMessageBox::Save)
+            m_pEditor->OnSaveCurrentTab();
+    }
+    CCompileDialog Dialog(this, m_GUI, *m_pEditController, pPanel->GetPanelID(), ToQString(pPanel->GetFilename()),
+                          pPanel->GetDocumentType());
+    Dialog.exec();
+}

@@ -1,0 +1,449 @@
+// The real main window, offscreen, on a private preference file and real files: its
+// actions, command state, session, drag and drop, recent files, and the output docks fed
+// by the bundled compiler.
+
+#include "CRecentFiles.h"
+#include "CShaderEditController.h"
+#include "CShaderEditPanel.h"
+#include "CShaderEditor.h"
+#include "MetaTypes.h"
+#include "WindowTestSupport.h"
+#include "ZamStringConversion.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QDockWidget>
+#include <QFileDialog>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QToolBar>
+#include <QtTest>
+
+using namespace WindowTest;
+
+namespace
+{
+const char* const s_pFragment = "#version 300 es\n"
+                                "precision mediump float;\n"
+                                "in vec2 vUv;\n"
+                                "uniform sampler2D uImage;\n"
+                                "out vec4 fragColor;\n"
+                                "void main()\n"
+                                "{\n"
+                                "    fragColor = texture(uImage, vUv) * 0.5;\n"
+                                "}\n";
+
+QStringList ActionTexts(const QList<QAction*>& Actions)
+{
+    QStringList Texts;
+    for (const QAction* pAction : Actions)
+        Texts << (pAction->isSeparator() ? QStringLiteral("---") : pAction->text());
+    return Texts;
+}
+
+QString PanelText(const ZamShaderEditorWindow& Window, int iTab)
+{
+    return Window.GetEditor()->GetPanel(iTab)->toPlainText();
+}
+} // namespace
+
+class tst_MainWindow : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void menusToolBarAndActions();
+    void actionsReachTheEditor();
+    void commandsFollowTheEditor();
+    void sessionAndCloseSequence();
+    void firstStartShowsAnExample();
+    void dragAndDropOpensEachFile();
+    void recentFilesAndAppMessages();
+    void outputDocksShowRealCompiles();
+    void logDoubleClickMovesTheCursor();
+
+private:
+    QString NewFile(const QString& Name, const QByteArray& Text = s_pFragment);
+
+    QTemporaryDir m_Config;
+    QTemporaryDir m_Files;
+    std::unique_ptr<CGUIController> m_pGUI;
+};
+
+void tst_MainWindow::initTestCase()
+{
+    RegisterCompileMetaTypes();
+    QVERIFY(m_Config.isValid() && m_Files.isValid());
+}
+
+void tst_MainWindow::init()
+{
+    qputenv("XDG_CONFIG_HOME", m_Config.path().toUtf8());
+    m_pGUI.reset();
+    QDir(m_Config.path()).removeRecursively();
+    QDir().mkpath(m_Config.path());
+    m_pGUI = NewGUIController();
+}
+
+QString tst_MainWindow::NewFile(const QString& Name, const QByteArray& Text)
+{
+    const QString Path = m_Files.filePath(Name);
+    WriteFile(Path, Text);
+    return Path;
+}
+
+void tst_MainWindow::menusToolBarAndActions()
+{
+    auto pWindow = NewWindow(*m_pGUI);
+    const SMainWindowUi& Ui = pWindow->GetUi();
+    QCOMPARE(pWindow->objectName(), QStringLiteral("MainWindow"));
+    QCOMPARE(pWindow->windowTitle(), QStringLiteral("ZamShaderEditor 2.0"));
+    QVERIFY(pWindow->acceptDrops());
+
+    QCOMPARE(ActionTexts(pWindow->menuBar()->actions()),
+             (QStringList{"File", "Edit", "Compile", "View", "Help"}));
+    QCOMPARE(ActionTexts(Ui.menuFile->actions()),
+             (QStringList{"New...", "Open...", "Open Recent", "---", "Save", "Save All", "Save As...", "---", "Close",
+                          "Close All", "---", "Print...", "---", "Quit"}));
+    QCOMPARE(ActionTexts(Ui.menuEdit->actions()),
+             (QStringList{"Undo", "Redo", "---", "Cut", "Copy", "Paste", "Delete", "Select All", "---", "Find",
+                          "Replace", "---", "Comment Selection", "Uncomment Selection", "Increase Indent",
+                          "Decrease Indent", "---", "Preferences..."}));
+    QCOMPARE(ActionTexts(Ui.menuView->actions()), (QStringList{"Show Compile Output", "Show Profile", "Show TXE ASM"}));
+    QCOMPARE(ActionTexts(Ui.menuHelp->actions()),
+             (QStringList{"ZamShaderEditor Help", "---", "Feedback...", "Check for Updates", "---",
+                          "About ZamShaderEditor"}));
+    QCOMPARE(ActionTexts(Ui.mainToolBar->actions()),
+             (QStringList{"New...", "Open...", "Save", "Save All", "---", "Cut", "Copy", "Paste", "---", "Find", "---",
+                          "Preferences...", "---", "Undo", "Redo", "---", "Compile..."}));
+
+    // The deliberate crossing: the object names read the other way round from the texts.
+    QCOMPARE(Ui.actionIndent_Selection->text(), QStringLiteral("Decrease Indent"));
+    QCOMPARE(Ui.actionIndent_Selection->shortcut(), QKeySequence(Qt::SHIFT | Qt::Key_Tab));
+    QCOMPARE(Ui.actionOutdent_Selection->text(), QStringLiteral("Increase Indent"));
+    QCOMPARE(Ui.actionOutdent_Selection->shortcut(), QKeySequence(Qt::Key_Tab));
+    QCOMPARE(Ui.actionCompile->shortcut(), QKeySequence(QStringLiteral("F7")));
+    QCOMPARE(Ui.actionSave_All->shortcut(), QKeySequence(QStringLiteral("Ctrl+Shift+S")));
+    QCOMPARE(Ui.actionOpen->toolTip(), QStringLiteral("Open File"));
+    QVERIFY(!Ui.actionCompile->icon().isNull());
+    QVERIFY(!pWindow->windowIcon().isNull());
+    QCOMPARE(pWindow->findChild<QAction*>(QStringLiteral("actionShow_Source_Viewer"))->associatedObjects().size(), 0);
+
+    // Every dock has a name of its own, so a stored layout finds each again.
+    QStringList DockNames;
+    for (const QDockWidget* pDock : pWindow->findChildren<QDockWidget*>())
+        DockNames << pDock->objectName();
+    QCOMPARE(DockNames.size(), QSet<QString>(DockNames.begin(), DockNames.end()).size());
+    QVERIFY(pWindow->findChild<QDockWidget*>(QStringLiteral("FindDock"))->isHidden());
+}
+
+void tst_MainWindow::actionsReachTheEditor()
+{
+    const QString Path = NewFile(QStringLiteral("edit.frag"), "void main()\n{\n}\n");
+    auto pWindow = NewWindow(*m_pGUI, {Path});
+    pWindow->show();
+    QVERIFY(QTest::qWaitForWindowExposed(pWindow.get()));
+    const SMainWindowUi& Ui = pWindow->GetUi();
+    CShaderEditor* pEditor = pWindow->GetEditor();
+    QCOMPARE(pEditor->GetTabCount(), 1);
+    CShaderEditPanel* pPanel = pEditor->GetCurrentPanel();
+
+    Ui.actionSelect_All->trigger();
+    Ui.actionComment_Selection->trigger();
+    QVERIFY(PanelText(*pWindow, 0).startsWith(QStringLiteral("//void main()")));
+    Ui.actionUncomment_Selection->trigger();
+    QCOMPARE(PanelText(*pWindow, 0), QStringLiteral("void main()\n{\n}\n"));
+    Ui.actionOutdent_Selection->trigger(); // "Increase Indent"
+    QVERIFY(PanelText(*pWindow, 0).startsWith(QLatin1Char('\t')) || PanelText(*pWindow, 0).startsWith(QLatin1Char(' ')));
+    Ui.actionIndent_Selection->trigger(); // "Decrease Indent"
+    QCOMPARE(PanelText(*pWindow, 0), QStringLiteral("void main()\n{\n}\n"));
+
+    Ui.actionSelect_All->trigger();
+    Ui.actionCopy->trigger();
+    Ui.actionDelete->trigger();
+    QCOMPARE(PanelText(*pWindow, 0), QString());
+    Ui.actionPaste->trigger();
+    QCOMPARE(PanelText(*pWindow, 0), QStringLiteral("void main()\n{\n}\n"));
+    Ui.actionUndo->trigger();
+    QCOMPARE(PanelText(*pWindow, 0), QString());
+    Ui.actionRedo->trigger();
+    QCOMPARE(PanelText(*pWindow, 0), QStringLiteral("void main()\n{\n}\n"));
+    Ui.actionSelect_All->trigger();
+    Ui.actionCut->trigger();
+    QCOMPARE(PanelText(*pWindow, 0), QString());
+    pPanel->setPlainText(QStringLiteral("saved text\n"));
+
+    Ui.actionSave->trigger();
+    QCOMPARE(ReadFile(Path), QByteArray("saved text\n"));
+
+    // Save As asks through the window's file dialog and remembers its folder.
+    const QString Copy = m_Files.filePath(QStringLiteral("copy.frag"));
+    auto pAnswered = AnswerNextModal(
+        [Copy](QWidget* pModal)
+        {
+            auto* pDialog = qobject_cast<QFileDialog*>(pModal);
+            QVERIFY(pDialog);
+            pDialog->selectFile(Copy);
+            QMetaObject::invokeMethod(pDialog, "accept");
+        });
+    Ui.actionSave_As->trigger();
+    QVERIFY(*pAnswered);
+    QCOMPARE(ReadFile(Copy), QByteArray("saved text\n"));
+    QCOMPARE(ToQString(m_pGUI->GetGeneralSettings().LastDirectory), m_Files.path());
+
+    Ui.actionFind->trigger();
+    QVERIFY(pWindow->findChild<QDockWidget*>(QStringLiteral("FindDock"))->isVisible());
+    QVERIFY(Ui.actionFind->isChecked());
+    Ui.actionFind->trigger(); // pressed again while the bar is up: it stays, and so does the check
+    QVERIFY(Ui.actionFind->isChecked());
+
+    // New asks for a type; the new document gets a tab of its own.
+    pAnswered = AnswerNextModal([](QWidget* pModal) { static_cast<QDialog*>(pModal)->accept(); });
+    Ui.actionNew->trigger();
+    QVERIFY(*pAnswered);
+    QCOMPARE(pEditor->GetTabCount(), 2);
+    Ui.actionClose->trigger();
+    QCOMPARE(pEditor->GetTabCount(), 1);
+    Ui.actionClose_All->trigger();
+    QCOMPARE(pEditor->GetTabCount(), 0);
+
+    Ui.actionQuit->trigger();
+    QVERIFY(!pWindow->isVisible());
+}
+
+void tst_MainWindow::commandsFollowTheEditor()
+{
+    auto pWindow = NewWindow(*m_pGUI);
+    const SMainWindowUi& Ui = pWindow->GetUi();
+    auto* pSelector = pWindow->findChild<QComboBox*>(QStringLiteral("FileTypeComboSelector"));
+    QVERIFY(pSelector);
+    QCOMPARE(pSelector->count(), 12);
+    pWindow->show();
+    QVERIFY(QTest::qWaitForWindowExposed(pWindow.get()));
+
+    QCOMPARE(pWindow->GetEditor()->GetTabCount(), 0);
+    for (QAction* pAction : Ui.DocumentActions())
+        QVERIFY2(!pAction->isEnabled(), qPrintable(pAction->objectName()));
+    QVERIFY(!pSelector->isVisible());
+    for (QAction* pAction : {Ui.actionNew, Ui.actionOpen, Ui.actionQuit, Ui.actionPreferences, Ui.actionUsage,
+                             Ui.actionAbout, Ui.actionFeedback, Ui.actionCheck_For_Updates})
+        QVERIFY(pAction->isEnabled());
+
+    pWindow->OnOpenFile(NewFile(QStringLiteral("state.vert"), "void main() { gl_Position = vec4(0.0); }\n"));
+    for (QAction* pAction : Ui.DocumentActions())
+        QVERIFY2(pAction->isEnabled(), qPrintable(pAction->objectName()));
+    QVERIFY(pSelector->isVisible());
+    QCOMPARE(pSelector->currentData().toUInt(), static_cast<uint>(DocType_GLSLESVertex));
+
+    // Choosing a type in the status bar changes the document's type.
+    pSelector->setCurrentIndex(pSelector->findData(static_cast<uint>(DocType_GLSLVertex)));
+    QCOMPARE(pWindow->GetEditor()->GetCurrentPanel()->GetDocumentType(), DocType_GLSLVertex);
+
+    // Line and column follow the cursor.
+    CShaderEditPanel* pPanel = pWindow->GetEditor()->GetCurrentPanel();
+    QTextCursor Cursor = pPanel->textCursor();
+    Cursor.setPosition(5);
+    pPanel->setTextCursor(Cursor);
+    QCOMPARE(pWindow->findChild<QLabel*>(QStringLiteral("ColumnNumberLabel"))->text(), QStringLiteral("6"));
+    QCOMPARE(pWindow->findChild<QLabel*>(QStringLiteral("LineNumberLabel"))->text(), QStringLiteral("1"));
+
+    // A file that is not there opens nothing.
+    pWindow->OnOpenFile(m_Files.filePath(QStringLiteral("missing.frag")));
+    QCOMPARE(pWindow->GetEditor()->GetTabCount(), 1);
+}
+
+void tst_MainWindow::sessionAndCloseSequence()
+{
+    const QString First = NewFile(QStringLiteral("one.frag"));
+    const QString Second = NewFile(QStringLiteral("two.vert"), "void main() { gl_Position = vec4(1.0); }\n");
+    Settings::SGeneral General = m_pGUI->GetGeneralSettings();
+    General.bOpenLastTabs = true;
+    m_pGUI->SetGeneralSettings(General, Settings::GeneralSetting_OpenLastTabs);
+    {
+        auto pWindow = NewWindow(*m_pGUI, {First});
+        pWindow->OnOpenFile(Second);
+        pWindow->show();
+        QVERIFY(QTest::qWaitForWindowExposed(pWindow.get()));
+        pWindow->resize(900, 600);
+        // The first tab is the modified one, so a cancel at its question closes nothing.
+        pWindow->GetEditor()->GetPanel(0)->insertPlainText(QStringLiteral("// edited\n"));
+
+        // Cancel at the question keeps the window open; the tab list is already stored.
+        auto pAnswered = AnswerNextModal(
+            [](QWidget* pModal)
+            { static_cast<QMessageBox*>(pModal)->button(QMessageBox::Cancel)->click(); });
+        QVERIFY(!pWindow->close());
+        QVERIFY(*pAnswered);
+        QVERIFY(pWindow->isVisible());
+        QCOMPARE(m_pGUI->LoadLastOpenTabs().GetSize(), 2u);
+
+        pAnswered = AnswerNextModal(
+            [](QWidget* pModal)
+            { static_cast<QMessageBox*>(pModal)->button(QMessageBox::Discard)->click(); });
+        QVERIFY(pWindow->close());
+        QVERIFY(*pAnswered);
+    }
+    // The next start (a new controller reads the file again) restores both tabs in order and
+    // the window's size.
+    m_pGUI = NewGUIController();
+    {
+        auto pWindow = NewWindow(*m_pGUI);
+        QCOMPARE(pWindow->GetEditor()->GetTabCount(), 2);
+        QCOMPARE(ToQString(pWindow->GetEditor()->GetPanel(0)->GetFilename()), First);
+        QCOMPARE(ToQString(pWindow->GetEditor()->GetPanel(1)->GetFilename()), Second);
+        QCOMPARE(PanelText(*pWindow, 0), QString::fromLatin1(s_pFragment));
+        QCOMPARE(pWindow->size(), QSize(900, 600));
+
+        // With the option off, closing stores an empty list.
+        General.bOpenLastTabs = false;
+        m_pGUI->SetGeneralSettings(General, Settings::GeneralSetting_OpenLastTabs);
+        QVERIFY(pWindow->close());
+    }
+    QCOMPARE(NewGUIController()->LoadLastOpenTabs().GetSize(), 0u);
+}
+
+void tst_MainWindow::firstStartShowsAnExample()
+{
+    {
+        auto pWindow = NewWindow(*m_pGUI, {}, true);
+        QCOMPARE(pWindow->GetEditor()->GetTabCount(), 1);
+        QVERIFY(ToQString(pWindow->GetEditor()->GetPanel(0)->GetFilename()).endsWith(QStringLiteral("lit_mesh.fsh")));
+        QVERIFY(pWindow->close());
+    }
+    // Once the window has been closed, later starts open what the user asked for.
+    auto pWindow = NewWindow(*m_pGUI, {}, true);
+    QCOMPARE(pWindow->GetEditor()->GetTabCount(), 0);
+}
+
+void tst_MainWindow::dragAndDropOpensEachFile()
+{
+    auto pWindow = NewWindow(*m_pGUI);
+    pWindow->show();
+    QVERIFY(QTest::qWaitForWindowExposed(pWindow.get()));
+    QMimeData Data;
+    Data.setUrls({QUrl::fromLocalFile(NewFile(QStringLiteral("d1.frag"))), QUrl(QStringLiteral("https://example.com/x.frag")),
+                  QUrl::fromLocalFile(NewFile(QStringLiteral("d2 with blank.frag")))});
+    const QPoint Centre = pWindow->rect().center();
+    QDragEnterEvent Enter(Centre, Qt::CopyAction, &Data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(pWindow.get(), &Enter);
+    QVERIFY(Enter.isAccepted());
+    QDropEvent Drop(Centre, Qt::CopyAction, &Data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(pWindow.get(), &Drop);
+    QCOMPARE(pWindow->GetEditor()->GetTabCount(), 2);
+    QVERIFY(ToQString(pWindow->GetEditor()->GetPanel(1)->GetFilename()).endsWith(QStringLiteral("d2 with blank.frag")));
+
+    QMimeData Text;
+    Text.setText(QStringLiteral("not files"));
+    QDragEnterEvent Refused(Centre, Qt::CopyAction, &Text, Qt::LeftButton, Qt::NoModifier);
+    Refused.setAccepted(false);
+    QApplication::sendEvent(pWindow.get(), &Refused);
+    QVERIFY(!Refused.isAccepted());
+}
+
+void tst_MainWindow::recentFilesAndAppMessages()
+{
+    auto pWindow = NewWindow(*m_pGUI);
+    const QString First = NewFile(QStringLiteral("r1.frag"));
+    const QString Second = NewFile(QStringLiteral("r2.frag"));
+    pWindow->OnOpenFile(First);
+    // A message from a second start opens its file; the raise keyword opens nothing.
+    pWindow->ReceiveAppMessage(Second);
+    pWindow->ReceiveAppMessage(QStringLiteral("raisebanana"));
+    QCOMPARE(pWindow->GetEditor()->GetTabCount(), 2);
+
+    QMenu* pRecent = pWindow->GetUi().menuOpen_Recent;
+    emit pRecent->aboutToShow();
+    QStringList Entries;
+    for (QAction* pAction : pRecent->actions())
+    {
+        if (pAction->objectName() == QLatin1String("ARecentFile"))
+            Entries << pAction->text();
+    }
+    QCOMPARE(Entries.size(), 2);
+    QCOMPARE(Entries.first(), QStringLiteral("1 ") + QString(Second).replace(QLatin1Char('/'), QLatin1Char('\\')));
+
+    // Choosing an entry opens the file (here in the tab it already has).
+    pWindow->GetEditor()->OnCloseAllTabs();
+    for (QAction* pAction : pRecent->actions())
+    {
+        if (pAction->objectName() == QLatin1String("ARecentFile"))
+        {
+            pAction->trigger();
+            break;
+        }
+    }
+    QCOMPARE(pWindow->GetEditor()->GetTabCount(), 1);
+    QCOMPARE(ToQString(pWindow->GetEditor()->GetPanel(0)->GetFilename()), Second);
+}
+
+void tst_MainWindow::outputDocksShowRealCompiles()
+{
+    const QString Effect = QDir(SourceDir()).filePath(QStringLiteral("examples/bloom_postprocess.zfx"));
+    QVERIFY2(QFile::exists(Effect), qPrintable(Effect));
+    auto pWindow = NewWindow(*m_pGUI, {Effect});
+    pWindow->show();
+    QVERIFY(QTest::qWaitForWindowExposed(pWindow.get()));
+    // Detection runs off the GUI thread; the dock follows when its answer comes.
+    QTRY_VERIFY_WITH_TIMEOUT(pWindow->GetEditController()->GetCompilerFlags() & 32, 20000);
+    auto* pASMDock = pWindow->findChild<QDockWidget*>(QStringLiteral("DockWidget_TXEASM"));
+    QTRY_VERIFY(pASMDock->isVisible());
+    QVERIFY(pASMDock->toggleViewAction()->isEnabled());
+
+    auto* pLog = pWindow->findChild<QPlainTextEdit*>(QStringLiteral("ShaderEditLogOutput"));
+    QVERIFY(pLog);
+    QTRY_VERIFY_WITH_TIMEOUT(pLog->toPlainText().contains(QStringLiteral("Compile succeeded")), 20000);
+    auto* pProfileSelector = pWindow->findChild<QComboBox*>(QStringLiteral("ShaderSelectorComboBox"));
+    auto* pASMSelector = pWindow->findChild<QComboBox*>(QStringLiteral("ShaderSelectCombo"));
+    QTRY_COMPARE(pProfileSelector->count(), 3);
+    QCOMPARE(pASMSelector->count(), 3);
+    auto* pCycles = pWindow->findChild<QLabel*>(QStringLiteral("EmulatedCycles"));
+    QVERIFY(pCycles->text().toDouble() > 0.0);
+    auto* pASMText = pWindow->findChild<QPlainTextEdit*>(QStringLiteral("OutputTextEdit"));
+    const QString FirstShader = pASMText->toPlainText();
+    pASMSelector->setCurrentIndex(1);
+    QVERIFY(!pASMText->toPlainText().isEmpty());
+    QVERIFY(pASMText->toPlainText() != FirstShader);
+
+    // The gutter of the effect's panel got its per-line counts.
+    QSignalSpy Counts(pWindow->GetEditController(), &CShaderEditController::CompileCycleCountChanged);
+    pWindow->GetEditor()->GetCurrentPanel()->insertPlainText(QStringLiteral("\n"));
+    QVERIFY(Counts.wait(20000));
+    bool bSomeLineCounted = false;
+    const CZamTArray<int> Lines = Counts.last().at(1).value<CZamTArray<int>>();
+    for (uint32_t i = 0; i < Lines.GetSize(); ++i)
+        bSomeLineCounted = bSomeLineCounted || Lines[i] > 0;
+    QVERIFY(bSomeLineCounted);
+}
+
+void tst_MainWindow::logDoubleClickMovesTheCursor()
+{
+    const QString Broken = NewFile(QStringLiteral("broken.frag"), "#version 300 es\n"
+                                                                  "precision mediump float;\n"
+                                                                  "out vec4 fragColor;\n"
+                                                                  "void main()\n"
+                                                                  "{\n"
+                                                                  "    fragColor = vec4(undefinedName);\n"
+                                                                  "}\n");
+    auto pWindow = NewWindow(*m_pGUI, {Broken});
+    pWindow->show();
+    QVERIFY(QTest::qWaitForWindowExposed(pWindow.get()));
+    auto* pLog = pWindow->findChild<QPlainTextEdit*>(QStringLiteral("ShaderEditLogOutput"));
+    QTRY_VERIFY_WITH_TIMEOUT(pLog->toPlainText().contains(QStringLiteral("ERROR: 0:6:")), 20000);
+
+    const QTextBlock Block = pLog->document()->find(QStringLiteral("ERROR: 0:6:")).block();
+    const QRect LineRect = pLog->cursorRect(QTextCursor(Block));
+    QTest::mouseDClick(pLog->viewport(), Qt::LeftButton, Qt::NoModifier, LineRect.center() + QPoint(20, 0));
+    CShaderEditPanel* pPanel = pWindow->GetEditor()->GetCurrentPanel();
+    QCOMPARE(pPanel->textCursor().blockNumber() + 1, 6);
+    QVERIFY(pPanel->hasFocus());
+}
+
+QTEST_MAIN(tst_MainWindow)
+#include "tst_MainWindow.moc"
