@@ -198,7 +198,8 @@ void CShaderEditor::OnNewFile(EShaderDocType eType)
     QStringList Titles;
     for (int i = 0; i < GetTabCount(); ++i)
         Titles << DocumentTitle(i);
-    AddPanel(NextNewFileName(Titles), nullptr, QString(), eType);
+    const QString Text = NewFileText(eType);
+    AddPanel(NextNewFileName(Titles), Text.isEmpty() ? nullptr : &Text, QString(), eType);
 }
 
 bool CShaderEditor::OnOpenFile()

@@ -4,6 +4,51 @@
 
 #include <QRegExp>
 
+namespace
+{
+// GL_ES guards the precision line, so the same effect also serves desktop GLSL.
+const char s_MinimalEffect[] = "[HEADER]\n"
+                               "VERSION 1.0\n"
+                               "DESCRIPTION A minimal effect: one vertex shader, one fragment shader\n"
+                               "[/HEADER]\n"
+                               "\n"
+                               "[VERTEXSHADER]\n"
+                               "NAME MainVS\n"
+                               "[GLSL_CODE]\n"
+                               "attribute vec4 a_position;\n"
+                               "uniform mat4 u_modelViewProjection;\n"
+                               "\n"
+                               "void main()\n"
+                               "{\n"
+                               "    gl_Position = u_modelViewProjection * a_position;\n"
+                               "}\n"
+                               "[/GLSL_CODE]\n"
+                               "[/VERTEXSHADER]\n"
+                               "\n"
+                               "[FRAGMENTSHADER]\n"
+                               "NAME MainFS\n"
+                               "[GLSL_CODE]\n"
+                               "#ifdef GL_ES\n"
+                               "precision mediump float;\n"
+                               "#endif\n"
+                               "uniform vec4 u_colour;\n"
+                               "\n"
+                               "void main()\n"
+                               "{\n"
+                               "    gl_FragColor = u_colour;\n"
+                               "}\n"
+                               "[/GLSL_CODE]\n"
+                               "[/FRAGMENTSHADER]\n"
+                               "\n"
+                               "[EFFECT]\n"
+                               "NAME Main\n"
+                               "VERTEXSHADER MainVS\n"
+                               "FRAGMENTSHADER MainFS\n"
+                               "ATTRIBUTE a_position POSITION\n"
+                               "UNIFORM u_modelViewProjection WORLDVIEWPROJECTION\n"
+                               "[/EFFECT]\n";
+} // namespace
+
 QString NextNewFileName(const QStringList& TabTitles)
 {
     const QString Base = UIString(UIS_NewFile);
@@ -22,4 +67,11 @@ QString NextNewFileName(const QStringList& TabTitles)
     if (iNext > 0)
         return Base + QStringLiteral(" (%1)").arg(iNext);
     return Base;
+}
+
+QString NewFileText(EShaderDocType eType)
+{
+    if (eType == DocType_ZFXGLSLES || eType == DocType_ZFXGLSL)
+        return QString::fromLatin1(s_MinimalEffect);
+    return QString();
 }

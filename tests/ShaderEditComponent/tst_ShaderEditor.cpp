@@ -29,6 +29,7 @@ private slots:
     void NewFileNames_data();
     void NewFileNames();
     void NewFilesThroughTheTabs();
+    void NewEffectFileCompiles();
 
     void CloseQuestion_data();
     void CloseQuestion();
@@ -140,6 +141,49 @@ void CShaderEditorTest::NewFilesThroughTheTabs()
     // Never-saved documents share the PanelID of the empty path.
     QCOMPARE(m_pEditor->GetPanel(0)->GetPanelID(), m_pEditor->GetPanel(2)->GetPanelID());
     QCOMPARE(m_pEditor->GetPanel(0)->GetPanelID(), CZamTHash(""));
+}
+
+// The new-file dialog promises a basic template for effect files: it is one the bundled
+// compiler takes as it is.
+void CShaderEditorTest::NewEffectFileCompiles()
+{
+    const QString BinDir = qEnvironmentVariable("ZAM_BIN_DIR");
+    if (!QFileInfo(QDir(BinDir).filePath(QStringLiteral("glslcompiler_zc1"))).isExecutable())
+        QSKIP("the bundled compiler is not part of this build");
+    SShaderEditControllerOptions Options;
+    Options.CompilerSearchPaths = {BinDir};
+    CShaderEditController Controller(Options);
+    // Whatever an earlier test stored: compile in the background, with the first bundled core.
+    Settings::SCompiler Compiler = Controller.GetCompilerSettings();
+    Compiler.bAutoCompile = true;
+    Compiler.uiCompilerSelection = 0;
+    Controller.SetCompilerSettings(Compiler, Settings::CompilerSetting_All);
+    Controller.WaitForCompilerDetection();
+    SCompileResult Result;
+    int iResults = 0;
+    connect(&Controller, &CShaderEditController::CompileProfileChanged, this,
+            [&](const SCompileResult& Delivered)
+            {
+                Result = Delivered;
+                ++iResults;
+            });
+    m_pEditor->SetController(&Controller);
+
+    m_pEditor->OnNewFile(DocType_ZFXGLSLES);
+    CShaderEditPanel* pPanel = m_pEditor->GetCurrentPanel();
+    QVERIFY(!pPanel->IsModified());
+    QCOMPARE(TabTitles(), QStringList{"New File"});
+    QTRY_COMPARE_WITH_TIMEOUT(iResults, 1, 30000);
+    QCOMPARE(QString::fromUtf8(Result.Log.GetString()),
+             QStringLiteral("MainVS: Compile succeeded.\nMainFS: Compile succeeded.\n"));
+    QCOMPARE(Result.iStatus, 0);
+    QCOMPARE(Result.Profiles.GetSize(), 2u);
+
+    // The desktop effect gets the same effect; the other types start empty.
+    m_pEditor->OnNewFile(DocType_ZFXGLSL);
+    QCOMPARE(m_pEditor->GetCurrentPanel()->toPlainText(), pPanel->toPlainText());
+    m_pEditor->OnNewFile(DocType_GLSLESFragment);
+    QVERIFY(m_pEditor->GetCurrentPanel()->toPlainText().isEmpty());
 }
 
 void CShaderEditorTest::CloseQuestion_data()
