@@ -195,6 +195,8 @@ void ZamShaderEditorWindow::ConnectEditor()
     connect(m_pEditController.get(), &CShaderEditController::EndCompiling, this,
             &ZamShaderEditorWindow::OnEndCompiling);
     connect(&m_GUI, &CGUIController::PreferencesSaveFailed, this, &ZamShaderEditorWindow::OnPreferencesSaveFailed);
+    connect(&m_GUI, &CGUIController::PreferencesNotice, this, &ZamShaderEditorWindow::OnPreferencesNotice);
+    m_GUI.DeliverPreferenceNotices();
 }
 
 void ZamShaderEditorWindow::ConnectActions()
@@ -341,12 +343,21 @@ void ZamShaderEditorWindow::OnEndCompiling()
 
 void ZamShaderEditorWindow::OnPreferencesSaveFailed(const QString& Reason)
 {
-    // Told once, without stopping the user: the settings of this session still apply.
-    auto* pBox = new QMessageBox(QMessageBox::Warning, QLatin1String(s_pWindowTitle),
-                                 tr("Your settings could not be saved to %1. They apply until you quit.")
-                                     .arg(QDir::toNativeSeparators(m_GUI.GetPreferences().GetFilePath())),
-                                 QMessageBox::Ok, this);
-    pBox->setInformativeText(Reason);
+    ShowSettingsProblem(tr("Your settings could not be saved to %1. They apply until you quit.")
+                            .arg(QDir::toNativeSeparators(m_GUI.GetPreferences().GetFilePath())),
+                        Reason);
+}
+
+void ZamShaderEditorWindow::OnPreferencesNotice(const QString& Text)
+{
+    ShowSettingsProblem(Text, QString());
+}
+
+void ZamShaderEditorWindow::ShowSettingsProblem(const QString& Text, const QString& Details)
+{
+    // Told without stopping the user: the settings of this session still apply.
+    auto* pBox = new QMessageBox(QMessageBox::Warning, QLatin1String(s_pWindowTitle), Text, QMessageBox::Ok, this);
+    pBox->setInformativeText(Details);
     pBox->setAttribute(Qt::WA_DeleteOnClose);
     pBox->open();
 }

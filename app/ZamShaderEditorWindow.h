@@ -86,6 +86,7 @@ private slots:
     void OnBeginCompiling();
     void OnEndCompiling();
     void OnPreferencesSaveFailed(const QString& Reason);
+    void OnPreferencesNotice(const QString& Text);
 
 private:
     void BuildStatusBar();
@@ -98,6 +99,7 @@ private:
     bool RestoreSession();
     void OpenWelcomeExample();
     bool AskForFileName(CZamTString& FileName, bool bSave, EShaderDocType eType);
+    void ShowSettingsProblem(const QString& Text, const QString& Details);
 
     CGUIController& m_GUI;
     const bool m_bWelcomeExample;

@@ -61,6 +61,18 @@ bool CGUIController::SavePreferences()
     return false;
 }
 
+void CGUIController::DeliverPreferenceNotices()
+{
+    m_pStore->SetNoticeHandler(
+        [this](const SPreferencesNotice& Notice)
+        {
+            // A read-only file also fails every save; the notice already says why.
+            if (Notice.eKind == SPreferencesNotice::Kind_ReadOnly)
+                m_bSaveFailureReported = true;
+            emit PreferencesNotice(Notice.Text);
+        });
+}
+
 void CGUIController::SetGeneralSettings(const Settings::SGeneral& Settings, uint uiChangedMask)
 {
     if (uiChangedMask & Settings::GeneralSetting_OpenLastTabs)

@@ -32,8 +32,13 @@ public:
     CZamPreferences& GetPreferences() { return *m_pStore; }
 
     // Writes the store to disk. The first failure of the process is announced once through
-    // PreferencesSaveFailed; later ones only go to the debug stream.
+    // PreferencesSaveFailed (unless a notice already told why); later ones only go to the
+    // debug stream.
     bool SavePreferences();
+    // From now on, what the store has to tell the user about the file (kept aside, read-only)
+    // comes as PreferencesNotice, the notices so far at once. Called once the receivers are
+    // connected.
+    void DeliverPreferenceNotices();
 
     void SaveWindowLayout(const QMainWindow& Window);
     void RestoreWindowLayout(QMainWindow& Window) const;
@@ -46,6 +51,7 @@ public:
 signals:
     void GeneralSettingsChanged(const Settings::SGeneral& Settings);
     void PreferencesSaveFailed(const QString& Reason);
+    void PreferencesNotice(const QString& Text);
 
 public slots:
     void SetGeneralSettings(const Settings::SGeneral& Settings, uint uiChangedMask);

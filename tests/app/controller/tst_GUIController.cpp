@@ -196,6 +196,24 @@ void tst_GUIController::aFailedSaveIsReportedOnce()
     QVERIFY(!Failed.at(0).at(0).toString().isEmpty());
     // The record still follows the user's choice for the rest of the session.
     QCOMPARE(pController->GetGeneralSettings().bOpenLastTabs, true);
+
+    // A file the user made read-only is left alone; the notice tells why, once, and the
+    // failed saves add nothing to it.
+    pController->SavePreferences();
+    const QString File = pController->GetPreferences().GetFilePath();
+    const QByteArray Before = PreferenceFileBytes();
+    QVERIFY(QFile::setPermissions(File, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
+    pController = NewController();
+    QSignalSpy Notices(pController.get(), &CGUIController::PreferencesNotice);
+    QSignalSpy SaveFailures(pController.get(), &CGUIController::PreferencesSaveFailed);
+    pController->DeliverPreferenceNotices();
+    General.bOpenLastTabs = false;
+    pController->SetGeneralSettings(General, Settings::GeneralSetting_OpenLastTabs);
+    pController->SetGeneralSettings(General, Settings::GeneralSetting_OpenLastTabs);
+    QFile::setPermissions(File, QFile::ReadOwner | QFile::WriteOwner);
+    QCOMPARE(Notices.count(), 1);
+    QCOMPARE(SaveFailures.count(), 0);
+    QCOMPARE(PreferenceFileBytes(), Before);
 }
 
 void tst_GUIController::recentFiles()
