@@ -1,5 +1,7 @@
 #include "ZamTZFXParser.h"
 
+#include <cstring>
+
 #include "ZamTResourceFile.h"
 #include "ZamTZFXParserBlocks.h"
 
@@ -45,7 +47,8 @@ uint32_t FindBlockKind(const SZamTZFXToken& Line)
     return uiKind;
 }
 
-int ReadBlocks(const CZamTZFXLineTable& Lines, SZamTZFXDocument& Document, CZamTString& Error)
+int ReadBlocks(const CZamTZFXLineTable& Lines, const char* pFileFolder, SZamTZFXDocument& Document,
+               CZamTString& Error)
 {
     bool abSeen[kBlockKindCount] = {};
     uint32_t uiLine = 0;
@@ -83,6 +86,7 @@ int ReadBlocks(const CZamTZFXLineTable& Lines, SZamTZFXDocument& Document, CZamT
         Block.uiBegin = uiLine + 1;
         Block.uiEnd = uiClose;
         Block.iOpeningLine = Lines.GetNumber(uiLine);
+        Block.pFileFolder = pFileFolder;
         if (Kind.pRead(Block, Document, Error))
             return 1;
         uiLine = uiClose + 1;
@@ -141,15 +145,25 @@ int CZamTZFXParser::ParseFromMemory(const char* pText, CZamTString& Error)
         return 1;
     // The line table lives only for one parse.
     CZamTZFXLineTable Lines;
-    const int iResult = Lines.Build(pText, Error) || ReadBlocks(Lines, m_Document, Error)
+    const int iResult = Lines.Build(pText, Error) || ReadBlocks(Lines, m_FileFolder.GetString(), m_Document, Error)
         || CheckRequiredBlocks(m_Document, Error) || ZamTZFXCheckEffectTextures(m_Document, Error)
         || ZamTZFXOrderRenderPasses(m_Document, Error);
     return (iResult || !Error.IsEmpty()) ? 1 : 0;
 }
 
+void CZamTZFXParser::SetFileFolder(const char* pFolder)
+{
+    m_FileFolder = pFolder ? pFolder : "";
+}
+
 int CZamTZFXParser::ParseFromFile(const char* pFileName, CZamTString& Error)
 {
     m_Document.Clear();
+    // The folder part of the name, up to its last '/'; none: the names stay as written.
+    const char* pSlash = pFileName ? std::strrchr(pFileName, '/') : nullptr;
+    m_FileFolder.Assign(pFileName ? pFileName : "", pSlash ? static_cast<uint32_t>(pSlash - pFileName) : 0);
+    if (pSlash == pFileName && pSlash)
+        m_FileFolder = "/";
     const CZamTResourceFile File(pFileName);
     if (!File.IsOpen())
     {

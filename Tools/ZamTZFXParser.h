@@ -42,8 +42,13 @@ public:
     // Error empty when pText is null.
     int ParseFromMemory(const char* pText, CZamTString& Error);
     // Reads the file through CZamTResourceFile, then parses it as ParseFromMemory does; the
-    // text ends at its first NUL byte.
+    // text ends at its first NUL byte. Its FILE and BINARYFILE names are relative to its folder.
     int ParseFromFile(const char* pFileName, CZamTString& Error);
+    // The folder that relative FILE and BINARYFILE names of ParseFromMemory are found in: the
+    // folder of the effect file the text belongs to. Empty (the default): names are used as
+    // written, against the working folder and the in-memory files. A missing file is named
+    // in the error with the folder it was looked for in.
+    void SetFileFolder(const char* pFolder);
 
     const CZamTString& GetVersion() const { return m_Document.Version; }
     const CZamTString& GetDescription() const { return m_Document.Description; }
@@ -59,6 +64,7 @@ public:
 
 private:
     SZamTZFXDocument m_Document;
+    CZamTString m_FileFolder;
 };
 
 #endif // ZAMTZFXPARSER_H

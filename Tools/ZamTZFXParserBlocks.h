@@ -15,6 +15,8 @@ struct SZamTZFXBlock
     uint32_t uiEnd = 0;
     // File line number of the opening tag.
     int iOpeningLine = 0;
+    // Where relative FILE and BINARYFILE names are; empty: as written.
+    const char* pFileFolder = "";
 };
 
 int ZamTZFXReadHeader(const SZamTZFXBlock& Block, SZamTZFXDocument& Document, CZamTString& Error);

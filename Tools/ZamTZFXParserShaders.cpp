@@ -36,7 +36,19 @@ struct SShaderLine
     CZamTZFXTokenizer* pTokens;
     const char* pBlockName;
     int iLine;
+    const char* pFileFolder;
 };
+
+// A FILE or BINARYFILE name as it is looked for: relative names in the effect's folder.
+int ResolveName(const CZamTString& Written, const char* pFolder, CZamTString& Name)
+{
+    if (!pFolder || !*pFolder || Written.GetString()[0] == '/')
+        return Name.Assign(Written.GetString(), Written.GetLength());
+    Name = pFolder;
+    if (Name.GetString()[Name.GetLength() - 1] != '/' && Name.Append("/"))
+        return 1;
+    return Name.Append(Written.GetString(), Written.GetLength());
+}
 
 int CheckNoMoreData(const SShaderLine& Line, CZamTString& Error)
 {
@@ -93,7 +105,12 @@ int LoadFileArgument(const SShaderLine& Line, const char* pMissing, const char* 
     }
     if (CheckNoMoreData(Line, Error))
         return 1;
-    const CZamTString Name = Argument.ToString();
+    CZamTString Name;
+    if (ResolveName(Argument.ToString(), Line.pFileFolder, Name))
+    {
+        Error = "Out of memory\n";
+        return 1;
+    }
     const CZamTResourceFile File(Name.GetString());
     if (!File.IsOpen() || File.GetSize() > CZamTString::MaxLength)
     {
@@ -113,7 +130,7 @@ int ReadShaderLine(const SZamTZFXBlock& Block, uint32_t& uiLine, const char* pBl
 {
     const CZamTZFXLineTable& Lines = *Block.pLines;
     CZamTZFXTokenizer Tokens(Lines.GetToken(uiLine), CZamTZFXTokenizer::Spaces);
-    const SShaderLine Line = {&Tokens, pBlockName, Lines.GetNumber(uiLine)};
+    const SShaderLine Line = {&Tokens, pBlockName, Lines.GetNumber(uiLine), Block.pFileFolder};
     SZamTZFXToken Keyword;
     if (!Tokens.Next(Keyword))
     {

@@ -156,6 +156,7 @@ private slots:
     void initTestCase();
     void RealisticFile();
     void Reparse();
+    void FilesBesideTheEffect();
     void Errors_data();
     void Errors();
     void ShaderErrors_data();
@@ -268,6 +269,43 @@ void CTestZFXParser::Reparse()
     QVERIFY(Error.IsEmpty());
     QCOMPARE(Parser.ParseFromFile("missing.zfx", Error), 1);
     QCOMPARE(Bytes(Error), QByteArray("Error loading file 'missing.zfx'\n"));
+}
+
+// FILE and BINARYFILE name files beside the effect file, wherever the program was started.
+void CTestZFXParser::FilesBesideTheEffect()
+{
+    QTemporaryDir Dir;
+    QVERIFY(QDir(Dir.path()).mkpath(QStringLiteral("fx/shaders")));
+    const QString Folder = Dir.filePath(QStringLiteral("fx"));
+    const auto Write = [&](const QString& Name, const QByteArray& Bytes)
+    {
+        QFile File(Folder + "/" + Name);
+        return File.open(QIODevice::WriteOnly) && File.write(Bytes) == Bytes.size();
+    };
+    const QByteArray Effect = "[VERTEXSHADER]\nNAME vs\nFILE shaders/lit.vert\n[/VERTEXSHADER]\n"
+                              "[FRAGMENTSHADER]\nNAME fs\nFILE lit.frag\nBINARYFILE \"lit bin.dat\"\n[/FRAGMENTSHADER]\n"
+        + QByteArray(kEffect);
+    QVERIFY(Write("scene.zfx", Effect) && Write("shaders/lit.vert", "void main() { gl_Position = vec4(0.0); }\n")
+            && Write("lit.frag", kFileShader) && Write("lit bin.dat", QByteArray(kBinary, 3)));
+
+    CZamTZFXParser Parser;
+    CZamTString Error;
+    QCOMPARE(Parser.ParseFromFile(QFile::encodeName(Folder + "/scene.zfx").constData(), Error), 0);
+    QCOMPARE(Bytes(Parser.GetFragmentShaders()[0].Source), QByteArray(kFileShader));
+    QCOMPARE(Bytes(Parser.GetFragmentShaders()[0].Binary), QByteArray(kBinary, 3));
+    QVERIFY(Bytes(Parser.GetVertexShaders()[0].Source).startsWith("void main()"));
+
+    // A text from memory (an editor's tab) is given its folder.
+    Parser.SetFileFolder(QFile::encodeName(Folder).constData());
+    QCOMPARE(Parser.ParseFromMemory(Effect.constData(), Error), 0);
+    QCOMPARE(Bytes(Parser.GetFragmentShaders()[0].Source), QByteArray(kFileShader));
+    // An absolute name stays as it is.
+    const QByteArray Absolute = QByteArray(Effect).replace("FILE lit.frag", "FILE " + QFile::encodeName(Folder) + "/lit.frag");
+    QCOMPARE(Parser.ParseFromMemory(Absolute.constData(), Error), 0);
+    // A file that is not there is named with the folder it was looked for in.
+    const QByteArray Missing = QByteArray(Effect).replace("FILE lit.frag", "FILE absent.frag");
+    QCOMPARE(Parser.ParseFromMemory(Missing.constData(), Error), 1);
+    QCOMPARE(Bytes(Error), "Error loading file '" + QFile::encodeName(Folder) + "/absent.frag' in [FRAGMENTSHADER] on line 7\n");
 }
 
 void CTestZFXParser::Errors_data()
