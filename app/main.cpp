@@ -5,6 +5,7 @@
 #include "HeadlessCompile.h"
 #include "HelpResources.h"
 #include "IconResources.h"
+#include "InstanceHandOver.h"
 #include "InstanceMessage.h"
 #include "MetaTypes.h"
 #include "StartupProbe.h"
@@ -29,7 +30,8 @@ int HandOver(CSingleApplication& App)
 
 int main(int argc, char** argv)
 {
-    // Decided before any application object exists: none of these needs a display.
+    // Decided before any application object exists: none of these needs a display, and a
+    // second start that only hands over its file should not wait for one.
     if (IsHeadlessCompileRequest(argc, argv))
         return RunHeadlessCompileMain(argc, argv);
     const QString Information = InformationRequested(argc, argv);
@@ -38,6 +40,12 @@ int main(int argc, char** argv)
         std::fputs(Information.toLocal8Bit().constData(), stdout);
         return 0;
     }
+
+    QStringList Arguments;
+    for (int i = 0; i < argc; ++i)
+        Arguments << QString::fromLocal8Bit(argv[i]);
+    if (HandOverToRunningInstance(QStringLiteral("ZamShaderEditor"), Arguments))
+        return 0;
 
     CSingleApplication App(argc, argv, QStringLiteral("ZamShaderEditor"));
     InitIconResources();

@@ -1,4 +1,5 @@
-// Starts the way the editor does. A second start hands its message over and exits 0; the first
+// Starts the way the editor does (with ZAM_INSTANCE_HOST_LATE set, without the hand-over
+// before the application object). A second start hands its message over and exits 0; the first
 // instance prints "first <server path>", then every message and file-open request it receives,
 // one line each, and takes commands on standard input:
 //   fileopen <path>    post the platform's file-open event to the application
@@ -6,6 +7,7 @@
 //   quit               leave the event loop (so does the end of standard input)
 
 #include "CSingleApplication.h"
+#include "InstanceHandOver.h"
 #include "InstanceMessage.h"
 
 #include <QFile>
@@ -49,6 +51,12 @@ void RunCommand(CSingleApplication& App, const QString& Line)
 
 int main(int argc, char** argv)
 {
+    QStringList Arguments;
+    for (int i = 0; i < argc; ++i)
+        Arguments << QString::fromLocal8Bit(argv[i]);
+    if (!qEnvironmentVariableIsSet("ZAM_INSTANCE_HOST_LATE")
+        && HandOverToRunningInstance(QStringLiteral("ZamShaderEditor"), Arguments))
+        return 0;
     CSingleApplication App(argc, argv, QStringLiteral("ZamShaderEditor"));
     if (App.IsRunning())
     {

@@ -45,6 +45,8 @@ public:
         m_Environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     }
 
+    void SetVariable(const QString& Name, const QString& Value) { m_Environment.insert(Name, Value); }
+
     QString Path(const QString& Name = QString()) const { return Name.isEmpty() ? m_Folder.path() : m_Folder.filePath(Name); }
     QString ServerPath() const { return Path(QStringLiteral("ZamShaderEditor-") + QString::number(geteuid())); }
 
@@ -240,6 +242,7 @@ class CSingleInstanceTest : public QObject
 
 private slots:
     void initTestCase();
+    void HandOverBetweenProcesses_data();
     void HandOverBetweenProcesses();
     void ConcurrentStarts();
     void BusyFirstInstance();
@@ -254,9 +257,19 @@ void CSingleInstanceTest::initTestCase()
     QVERIFY2(QFileInfo(HostProgram()).isExecutable(), qPrintable(HostProgram() + " is missing; run through ctest"));
 }
 
+void CSingleInstanceTest::HandOverBetweenProcesses_data()
+{
+    QTest::addColumn<bool>("bLate");
+    QTest::newRow("before the application object") << false;
+    QTest::newRow("through the application object") << true;
+}
+
 void CSingleInstanceTest::HandOverBetweenProcesses()
 {
+    QFETCH(bool, bLate);
     CSession Session;
+    if (bLate)
+        Session.SetVariable(QStringLiteral("ZAM_INSTANCE_HOST_LATE"), QStringLiteral("1"));
     const QString Shader = Session.MakeFile(QStringLiteral("lit mesh.frag"));
     const QString Keyword = Session.MakeFile(QStringLiteral("raisebanana"));
     {
