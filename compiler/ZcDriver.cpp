@@ -6,6 +6,8 @@
 #include "ZcSourceLimits.h"
 #include "ZcWriters.h"
 
+#include <cctype>
+
 namespace ZamCompiler
 {
 
@@ -50,46 +52,66 @@ int Fail(std::string& output, const std::string& message)
     return 1;
 }
 
-ECommandLine ParseCommandLine(const std::vector<std::string>& aArgs, SCommandLine& commandLine, std::string& error)
+namespace
 {
-    commandLine = SCommandLine();
-    if (aArgs.empty())
-        return CommandLine_Banner;
-    std::vector<std::string> aPositional;
-    bool bOptionsEnded = false;
-    for (const std::string& arg : aArgs)
+
+bool IsIdentifier(const std::string& name)
+{
+    if (name.empty() || std::isdigit(static_cast<unsigned char>(name[0])))
+        return false;
+    for (char c : name)
     {
-        // After "--" every argument is a file or unit name, whatever it starts with.
-        if (!bOptionsEnded && arg == "--")
-        {
-            bOptionsEnded = true;
-            continue;
-        }
-        if (!bOptionsEnded && (arg == "-h" || arg == "--help" || arg == "-help"))
-            return CommandLine_Banner;
-        if (!bOptionsEnded && arg.size() > 1 && arg[0] == '-')
-        {
-            if (arg == "-v")
-                commandLine.bVertex = true;
-            else if (arg == "-f")
-                commandLine.bFragment = true;
-            else if (arg == "-nowarn")
-                commandLine.bNoWarn = true;
-            else if (arg == "-profile")
-                commandLine.bProfile = true;
-            else if (arg == "-perfsim")
-                commandLine.bPerfSim = true;
-            else if (arg == "-disasm")
-                commandLine.bDisasm = true;
-            else
-            {
-                error = "unknown option '" + arg + "' (run without arguments for the list of options)";
-                return CommandLine_Invalid;
-            }
-            continue;
-        }
-        aPositional.push_back(arg);
+        if (!std::isalnum(static_cast<unsigned char>(c)) && c != '_')
+            return false;
     }
+    return true;
+}
+
+// -D NAME[=VALUE] or -I DIR, the value already separated from the switch.
+bool AddPreprocessorOption(char cOption, const std::string& value, SCommandLine& commandLine, std::string& error)
+{
+    if (cOption == 'I')
+    {
+        if (value.empty())
+        {
+            error = "-I needs a folder";
+            return false;
+        }
+        commandLine.aIncludeFolders.push_back(value);
+        return true;
+    }
+    if (!IsIdentifier(value.substr(0, value.find('='))))
+    {
+        error = "-D needs a macro name, optionally followed by =value, and got '" + value + "'";
+        return false;
+    }
+    commandLine.aDefines.push_back(value);
+    return true;
+}
+
+bool ApplySwitch(const std::string& arg, SCommandLine& commandLine, std::string& error)
+{
+    static const struct
+    {
+        const char* pName;
+        bool SCommandLine::*pFlag;
+    } s_aSwitches[] = {{"-v", &SCommandLine::bVertex},     {"-f", &SCommandLine::bFragment},
+                       {"-nowarn", &SCommandLine::bNoWarn}, {"-profile", &SCommandLine::bProfile},
+                       {"-perfsim", &SCommandLine::bPerfSim}, {"-disasm", &SCommandLine::bDisasm}};
+    for (const auto& entry : s_aSwitches)
+    {
+        if (arg == entry.pName)
+        {
+            commandLine.*entry.pFlag = true;
+            return true;
+        }
+    }
+    error = "unknown option '" + arg + "' (run without arguments for the list of options)";
+    return false;
+}
+
+ECommandLine CheckPositional(std::vector<std::string> aPositional, SCommandLine& commandLine, std::string& error)
+{
     // An empty unit name disappears from a command line that leaves out empty arguments.
     if (aPositional.size() == 2)
         aPositional.insert(aPositional.begin() + 1, std::string());
@@ -115,11 +137,55 @@ ECommandLine ParseCommandLine(const std::vector<std::string>& aArgs, SCommandLin
     return CommandLine_Compile;
 }
 
+} // namespace
+
+ECommandLine ParseCommandLine(const std::vector<std::string>& aArgs, SCommandLine& commandLine, std::string& error,
+                              bool bPreprocessorOptions)
+{
+    commandLine = SCommandLine();
+    if (aArgs.empty())
+        return CommandLine_Banner;
+    std::vector<std::string> aPositional;
+    bool bOptionsEnded = false;
+    for (std::size_t i = 0; i < aArgs.size(); ++i)
+    {
+        const std::string& arg = aArgs[i];
+        // After "--" every argument is a file or unit name, whatever it starts with.
+        if (!bOptionsEnded && arg == "--")
+        {
+            bOptionsEnded = true;
+            continue;
+        }
+        if (!bOptionsEnded && (arg == "-h" || arg == "--help" || arg == "-help"))
+            return CommandLine_Banner;
+        if (bOptionsEnded || arg.size() < 2 || arg[0] != '-')
+        {
+            aPositional.push_back(arg);
+            continue;
+        }
+        if (bPreprocessorOptions && (arg[1] == 'D' || arg[1] == 'I'))
+        {
+            const bool bJoined = arg.size() > 2;
+            if (!bJoined && i + 1 >= aArgs.size())
+            {
+                error = arg[1] == 'I' ? "-I needs a folder" : "-D needs a macro name";
+                return CommandLine_Invalid;
+            }
+            if (!AddPreprocessorOption(arg[1], bJoined ? arg.substr(2) : aArgs[++i], commandLine, error))
+                return CommandLine_Invalid;
+            continue;
+        }
+        if (!ApplySwitch(arg, commandLine, error))
+            return CommandLine_Invalid;
+    }
+    return CheckPositional(std::move(aPositional), commandLine, error);
+}
+
 int ReadCompileRequest(const std::vector<std::string>& aArgs, const std::string& banner, SCommandLine& commandLine,
-                       std::string& source, std::string& output)
+                       std::string& source, std::string& output, bool bPreprocessorOptions)
 {
     std::string error;
-    switch (ParseCommandLine(aArgs, commandLine, error))
+    switch (ParseCommandLine(aArgs, commandLine, error, bPreprocessorOptions))
     {
     case CommandLine_Banner:
         output += banner;

@@ -19,6 +19,8 @@ struct SCommandLine
     bool bProfile = false;
     bool bPerfSim = false;
     bool bDisasm = false;
+    std::vector<std::string> aDefines;        // -D NAME[=VALUE], as given
+    std::vector<std::string> aIncludeFolders; // -I DIR
 };
 
 enum ECommandLine
@@ -28,7 +30,10 @@ enum ECommandLine
     CommandLine_Invalid,
 };
 
-ECommandLine ParseCommandLine(const std::vector<std::string>& aArgs, SCommandLine& commandLine, std::string& error);
+// bPreprocessorOptions: -D and -I are accepted (the OpenCL compiler hands them to clang), with
+// the value joined (-DNAME=1) or as the next argument (-I folder).
+ECommandLine ParseCommandLine(const std::vector<std::string>& aArgs, SCommandLine& commandLine, std::string& error,
+                              bool bPreprocessorOptions = false);
 
 // Reported by a failed compile: one ERROR line, then the verdict. Returns the exit status 1.
 int Fail(std::string& output, const std::string& message);
@@ -38,7 +43,7 @@ int Fail(std::string& output, const std::string& message);
 // otherwise the banner or the error is in output and the result is the exit status.
 constexpr int Request_Compile = -1;
 int ReadCompileRequest(const std::vector<std::string>& aArgs, const std::string& banner, SCommandLine& commandLine,
-                       std::string& source, std::string& output);
+                       std::string& source, std::string& output, bool bPreprocessorOptions = false);
 
 // Exit status: 0 success, 1 compile failed, 2 unusable command line.
 int RunGlslCompiler(const std::string& programPath, const std::vector<std::string>& aArgs, std::string& output);

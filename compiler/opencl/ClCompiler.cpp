@@ -9,6 +9,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace ZamCompiler
@@ -50,6 +51,33 @@ std::string FindClang()
     if (const char* pOverride = std::getenv("ZAM_CLANG"))
         return FindExecutable({pOverride});
     return FindExecutable({"clang", "clang-19", "clang-18", "clang-17", "clang-16", "clang-15", "clang-14"});
+}
+
+std::vector<std::string> ClangArguments(const SCommandLine& commandLine, const std::string& irPath)
+{
+    std::vector<std::string> aArgs = {"-x", "cl", "-cl-std=CL1.2", "-Xclang", "-finclude-default-header",
+                                      "-fno-color-diagnostics", "-fno-caret-diagnostics", "-Wall"};
+    // Each value is an argument of its own, so a value that starts with "-" stays a value.
+    for (const std::string& define : commandLine.aDefines)
+        aArgs.insert(aArgs.end(), {"-D", define});
+    for (const std::string& folder : commandLine.aIncludeFolders)
+        aArgs.insert(aArgs.end(), {"-I", folder});
+    aArgs.insert(aArgs.end(), {"-S", "-emit-llvm", "-g", "-O1", "-o", irPath, "--", commandLine.input});
+    return aArgs;
+}
+
+std::string FormatIrProfile(const SIrProfile& profile)
+{
+    std::string text;
+    long long llTotal = 0;
+    for (const auto& [iLine, llCount] : profile.mapLineCounts)
+    {
+        text += "line: " + std::to_string(iLine) + ", count: " + std::to_string(llCount) + "\n";
+        llTotal += llCount;
+    }
+    text += "Total consumed cycles = " + std::to_string(llTotal) + "\n";
+    text += "TXC generated instructions = " + std::to_string(profile.llInstructions) + "\n";
+    return text;
 }
 
 } // namespace
@@ -163,6 +191,9 @@ std::string ClBanner(const std::string& coreName)
     text += "-nowarn : leave warnings out of the log\n";
     text += "-profile : write per-line instruction counts to <output base>.prof\n";
     text += "-disasm : write the LLVM IR to <output base>.disasm\n";
+    text += "Preprocessor options are:\n";
+    text += "-D NAME[=VALUE]   define a macro for the kernel\n";
+    text += "-I DIR            search DIR for included headers\n";
     return text;
 }
 
@@ -173,7 +204,8 @@ int RunClCompiler(const std::string& programPath, const std::vector<std::string>
 
     SCommandLine commandLine;
     std::string source;
-    const int iStatus = ReadCompileRequest(aArgs, ClBanner(CoreModel(eCore).pName), commandLine, source, output);
+    const int iStatus =
+        ReadCompileRequest(aArgs, ClBanner(CoreModel(eCore).pName), commandLine, source, output, true);
     if (iStatus != Request_Compile)
         return iStatus;
     std::string error;
@@ -181,6 +213,12 @@ int RunClCompiler(const std::string& programPath, const std::vector<std::string>
     if (!CheckSourceText(source, DefaultSourceLimits(), aLimits))
         return Fail(output, FormatDiagnostic(aLimits.front()).substr(7));
 
+    for (const std::string& folder : commandLine.aIncludeFolders)
+    {
+        struct stat info;
+        if (stat(folder.c_str(), &info) != 0 || !S_ISDIR(info.st_mode))
+            return Fail(output, "the include folder '" + folder + "' is not a folder");
+    }
     const std::string clang = FindClang();
     if (clang.empty())
         return Fail(output, "clang was not found: install the clang package to compile OpenCL kernels");
@@ -188,12 +226,9 @@ int RunClCompiler(const std::string& programPath, const std::vector<std::string>
     // The IR goes to the output base: it is this compiler's program file.
     const std::string irPath = commandLine.outputBase;
     std::remove(irPath.c_str());
-    const std::vector<std::string> aClangArgs = {
-        "-x", "cl", "-cl-std=CL1.2", "-Xclang", "-finclude-default-header", "-fno-color-diagnostics",
-        "-fno-caret-diagnostics", "-Wall", "-S", "-emit-llvm", "-g", "-O1", "-o", irPath, commandLine.input};
     std::string diagnosticsText;
     int iExitCode = -1;
-    if (!RunProcess(clang, aClangArgs, k_uiMaxDiagnosticBytes, k_iClangTimeoutSeconds, diagnosticsText, iExitCode))
+    if (!RunProcess(clang, ClangArguments(commandLine, irPath), k_uiMaxDiagnosticBytes, k_iClangTimeoutSeconds, diagnosticsText, iExitCode))
         return Fail(output, "clang could not be run or did not finish: " + clang);
 
     const CDiagnosticList aDiagnostics = ParseClangDiagnostics(diagnosticsText);
@@ -215,21 +250,9 @@ int RunClCompiler(const std::string& programPath, const std::vector<std::string>
     std::string ir;
     if (ReadFileBounded(irPath, k_uiMaxIrBytes, ir, error) != Read_Ok)
         return Fail(output, "cannot read the IR clang wrote to '" + irPath + "'");
-    const SIrProfile profile = ProfileIr(ir, CountLines(source));
-    if (commandLine.bProfile)
-    {
-        std::string text;
-        long long llTotal = 0;
-        for (const auto& [iLine, llCount] : profile.mapLineCounts)
-        {
-            text += "line: " + std::to_string(iLine) + ", count: " + std::to_string(llCount) + "\n";
-            llTotal += llCount;
-        }
-        text += "Total consumed cycles = " + std::to_string(llTotal) + "\n";
-        text += "TXC generated instructions = " + std::to_string(profile.llInstructions) + "\n";
-        if (!WriteFile(commandLine.outputBase + ".prof", text, error))
-            return Fail(output, "cannot write '" + commandLine.outputBase + ".prof': " + error);
-    }
+    if (commandLine.bProfile &&
+        !WriteFile(commandLine.outputBase + ".prof", FormatIrProfile(ProfileIr(ir, CountLines(source))), error))
+        return Fail(output, "cannot write '" + commandLine.outputBase + ".prof': " + error);
     if (commandLine.bDisasm && !WriteFile(commandLine.outputBase + ".disasm", ir, error))
         return Fail(output, "cannot write '" + commandLine.outputBase + ".disasm': " + error);
     output += "Success.\n";

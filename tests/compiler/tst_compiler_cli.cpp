@@ -79,6 +79,7 @@ private slots:
     void commandLineErrors();
     void openClBannerAndOptions();
     void openClKernels();
+    void openClDefinesAndIncludeFolders();
     void openClWithoutClang();
 
 private:
@@ -323,6 +324,44 @@ void CCompilerCliTest::openClKernels()
     run = Run("clcompiler_zc1", {broken, "f", m_work.filePath("broken-cl"), "-profile"});
     QCOMPARE(run.iExitCode, 1);
     QCOMPARE(run.output, QString("ERROR: 0:3: use of undeclared identifier 'q'\nCompile failed.\n"));
+}
+
+// A kernel that needs a header from another folder and a definition: -I and -D reach clang,
+// each value as one argument; bad values are refused before clang runs.
+void CCompilerCliTest::openClDefinesAndIncludeFolders()
+{
+    if (QStandardPaths::findExecutable("clang").isEmpty())
+        QSKIP("clang is not installed");
+    QVERIFY(QDir(m_work.path()).mkpath("my headers"));
+    QVERIFY(WriteBytes(m_work.filePath("my headers/scale.h"), "#define SCALE(x) ((x) * FACTOR)\n"));
+    const QString kernel = m_work.filePath("scaled.cl");
+    QVERIFY(WriteBytes(kernel, "#include \"scale.h\"\n"
+                               "#if FACTOR != 3\n"
+                               "#error FACTOR must be 3\n"
+                               "#endif\n"
+                               "__kernel void scale(__global float* p) { p[0] = SCALE(p[0]); }\n"));
+    const QString base = m_work.filePath("scaled-out");
+    const QString headers = m_work.filePath("my headers");
+
+    SRun run = Run("clcompiler_zc1", {kernel, "scaled", base, "-DFACTOR=3"});
+    QCOMPARE(run.output, QString("ERROR: 0:1: 'scale.h' file not found\nCompile failed.\n"));
+    run = Run("clcompiler_zc1", {kernel, "scaled", base, "-I", headers, "-D", "FACTOR=2"});
+    QCOMPARE(run.output, QString("ERROR: 0:3: FACTOR must be 3\nCompile failed.\n"));
+    run = Run("clcompiler_zc1", {kernel, "scaled", base, "-I" + headers, "-D", "FACTOR=3", "-profile"});
+    QCOMPARE(run.output, QString("Success.\n"));
+    QVERIFY(QFile::exists(base + ".prof"));
+
+    run = Run("clcompiler_zc1", {kernel, "scaled", base, "-I", m_work.filePath("missing")});
+    QCOMPARE(run.iExitCode, 1);
+    QCOMPARE(run.output, "ERROR: the include folder '" + m_work.filePath("missing") + "' is not a folder\nCompile failed.\n");
+    run = Run("clcompiler_zc1", {kernel, "scaled", base, "-D", "-o/tmp/elsewhere"});
+    QCOMPARE(run.iExitCode, 2);
+    QVERIFY2(run.output.startsWith("ERROR: -D needs a macro name"), qPrintable(run.output));
+    run = Run("clcompiler_zc1", {kernel, "scaled", base, "-I"});
+    QCOMPARE(run.output, QString("ERROR: -I needs a folder\n"));
+    // The GLSL compilers have no preprocessor options.
+    run = Run("glslcompiler_zc1", {kernel, "scaled", base, "-DFACTOR=3"});
+    QCOMPARE(run.iExitCode, 2);
 }
 
 void CCompilerCliTest::openClWithoutClang()
