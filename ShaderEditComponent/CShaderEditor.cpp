@@ -69,7 +69,7 @@ void CShaderEditor::SetController(CShaderEditController* pController)
     connect(this, &CShaderEditor::RecompileContents, pController,
             [this, pController](const CZamTHash& PanelID, const QString& Contents, EShaderDocType eType,
                                 ECompileInvocationType eInvocation) {
-                pController->OnCompilePanel(PanelID, Contents, eType, eInvocation, 0, SourceFolderOf(PanelID));
+                pController->CompilePanelIn(SourceFolderOf(PanelID), PanelID, Contents, eType, eInvocation);
             });
     connect(this, &CShaderEditor::CancelCompile, pController, &CShaderEditController::OnCancelCompile);
     connect(pController, &CShaderEditController::EditorSettingsChanged, this, &CShaderEditor::OnEditorSettingsChanged);

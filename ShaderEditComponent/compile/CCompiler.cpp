@@ -88,7 +88,7 @@ SCompileResult CCompiler::NewResult(EShaderDocType eType) const
     return Result;
 }
 
-SCompileTarget CCompiler::TargetFor(EShaderDocType eType, unsigned int uiFlags) const
+SCompileTarget CCompiler::TargetFor(EShaderDocType eType, unsigned int uiFlags, const QString& SourceFolder) const
 {
     SCompileTarget Target;
     Target.TempDirectory = m_Setup.TempDirectory;
@@ -97,6 +97,8 @@ SCompileTarget CCompiler::TargetFor(EShaderDocType eType, unsigned int uiFlags) 
     {
         Target.Executable = m_Setup.OpenCLExecutable;
         Target.uiSwitches = (uiFlags | m_Setup.uiOwnFlags) & m_Setup.uiOpenCLSwitches;
+        // The kernel is compiled from a temporary copy, so its own folder must be named.
+        Target.ExtraArguments = IncludeFolderArguments(SourceFolder);
         return Target;
     }
     Target.Executable = m_Setup.Executable;
@@ -105,7 +107,7 @@ SCompileTarget CCompiler::TargetFor(EShaderDocType eType, unsigned int uiFlags) 
 }
 
 void CCompiler::OnCompile(const CZamTHash& PanelID, unsigned int uiCompileKey, const QString& Contents,
-                          EShaderDocType eType, unsigned int uiFlags)
+                          EShaderDocType eType, unsigned int uiFlags, const QString& SourceFolder)
 {
     SCompileResult Result = NewResult(eType);
     if (!m_Control.IsCancelled())
@@ -123,7 +125,7 @@ void CCompiler::OnCompile(const CZamTHash& PanelID, unsigned int uiCompileKey, c
         else
         {
             const SCompileUnit Unit{ToZamString(GetDocTypeName(eType)), 0, uiFlags};
-            Combine(Result, CompileSource(Unit, Text, TargetFor(eType, uiFlags), m_Control, Result));
+            Combine(Result, CompileSource(Unit, Text, TargetFor(eType, uiFlags, SourceFolder), m_Control, Result));
         }
     }
     Deliver(PanelID, uiCompileKey, Result);

@@ -56,9 +56,10 @@ signals:
 public slots:
     // A document's text. Effect files are parsed and each shader compiled by itself, its line
     // numbers moved to the effect file's lines; any other type is compiled whole, with the
-    // stage switch of its type (vertex types "-v", fragment types "-f").
+    // stage switch of its type (vertex types "-v", fragment types "-f"). An OpenCL kernel
+    // finds its local headers in SourceFolder, the document's folder (empty: none).
     void OnCompile(const CZamTHash& PanelID, unsigned int uiCompileKey, const QString& Contents, EShaderDocType eType,
-                   unsigned int uiFlags);
+                   unsigned int uiFlags, const QString& SourceFolder = QString());
     // A saved file and a compile-to-file command template: the template is split into
     // words first and its placeholders (%i%, %f%, %b%) filled in afterwards, then run without
     // a shell in the file's folder. For an effect file each shader is run by itself with
@@ -68,7 +69,8 @@ public slots:
 
 private:
     SCompileResult NewResult(EShaderDocType eType) const;
-    SCompileTarget TargetFor(EShaderDocType eType, unsigned int uiFlags) const;
+    SCompileTarget TargetFor(EShaderDocType eType, unsigned int uiFlags,
+                             const QString& SourceFolder = QString()) const;
     void CompileEffect(const CZamTZFXParser& Parser, unsigned int uiFlags, SCompileResult& Result);
     void CompileEffectFile(const CZamTZFXParser& Parser, const QString& Path, const QString& Template,
                            SCompileResult& Result);

@@ -240,6 +240,13 @@ void CShaderEditController::OnCompileFile(const CZamTHash& PanelID, const CZamTS
 void CShaderEditController::OnCompilePanel(const CZamTHash& PanelID, const QString& Contents, EShaderDocType eType,
                                            ECompileInvocationType eInvocation, unsigned int uiFlags)
 {
+    CompilePanelIn(QString(), PanelID, Contents, eType, eInvocation, uiFlags);
+}
+
+void CShaderEditController::CompilePanelIn(const QString& SourceFolder, const CZamTHash& PanelID,
+                                           const QString& Contents, EShaderDocType eType,
+                                           ECompileInvocationType eInvocation, unsigned int uiFlags)
+{
     if (Contents.isEmpty())
         return;
     SDeferredCompile Request;
@@ -248,6 +255,7 @@ void CShaderEditController::OnCompilePanel(const CZamTHash& PanelID, const QStri
     Request.eType = eType;
     Request.eInvocation = eInvocation;
     Request.uiFlags = uiFlags;
+    Request.SourceFolder = SourceFolder;
     Enqueue(Request);
 }
 
@@ -280,8 +288,10 @@ void CShaderEditController::StartCompile(const SDeferredCompile& Request)
     if (Request.eInvocation == CompileInvocation_Background)
         uiFlags |= m_uiCompilerFlags | BackgroundCompileFlag;
     const QString Contents = Request.Contents;
+    const QString SourceFolder = Request.SourceFolder;
     QMetaObject::invokeMethod(
-        pCompiler, [=] { pCompiler->OnCompile(PanelID, uiKey, Contents, eType, uiFlags); }, Qt::QueuedConnection);
+        pCompiler, [=] { pCompiler->OnCompile(PanelID, uiKey, Contents, eType, uiFlags, SourceFolder); },
+        Qt::QueuedConnection);
 }
 
 void CShaderEditController::OnPanelCompiled(const CZamTHash& PanelID, unsigned int CompileKey,

@@ -86,6 +86,11 @@ public:
     // unit and the output name carry "<ZFXShaders>", which becomes each shader's name.
     QString GetCompileCommandLine(unsigned int uiFlags, EShaderDocType eType, const QString& OutputDirectory) const;
 
+    // OnCompilePanel for a document whose file is in SourceFolder (empty: never saved): an
+    // OpenCL kernel's local headers are searched there.
+    void CompilePanelIn(const QString& SourceFolder, const CZamTHash& PanelID, const QString& Contents,
+                        EShaderDocType eType, ECompileInvocationType eInvocation, unsigned int uiFlags = 0);
+
 signals:
     void CompileOutputChanged(const QString& Log);
     void CompileProfileChanged(const SCompileResult& Result);
@@ -122,6 +127,7 @@ private:
         EShaderDocType eType = DocType_PlainText;
         ECompileInvocationType eInvocation = CompileInvocation_Manual;
         unsigned int uiFlags = 0;
+        QString SourceFolder;
     };
 
     void LoadSettings(qint64 iCompilerSelection);

@@ -37,7 +37,7 @@ unsigned int StageSwitchFor(EShaderDocType eType)
 }
 
 SCompileCommand BuildCompilerCommand(const QString& Executable, const QString& Input, const QString& Unit,
-                                     const QString& OutputBase, unsigned int uiFlags)
+                                     const QString& OutputBase, unsigned int uiFlags, const QStringList& ExtraArguments)
 {
     SCompileCommand Command;
     Command.Program = Executable;
@@ -46,6 +46,7 @@ SCompileCommand BuildCompilerCommand(const QString& Executable, const QString& I
         if (!pPart->isEmpty())
             Command.Arguments.append(*pPart);
     }
+    Command.Arguments.append(ExtraArguments);
     for (int i = 0; i < GetCompileOptionCount(); ++i)
     {
         const SCompileOptionName Option = GetCompileOption(i);
@@ -53,6 +54,18 @@ SCompileCommand BuildCompilerCommand(const QString& Executable, const QString& I
             Command.Arguments.append(QLatin1Char('-') + QLatin1String(Option.pName));
     }
     return Command;
+}
+
+QString IncludeFolderFor(const QString& DocumentPath)
+{
+    return DocumentPath.isEmpty() ? QString() : QFileInfo(DocumentPath).absolutePath();
+}
+
+QStringList IncludeFolderArguments(const QString& Folder)
+{
+    if (Folder.isEmpty())
+        return QStringList();
+    return {QStringLiteral("-I"), Folder};
 }
 
 QString FormatCommandLine(const SCompileCommand& Command)

@@ -20,10 +20,18 @@ struct SCompileCommand
 };
 
 // The compiler's command: the three positional arguments (input, unit name, output base; empty
-// ones are left out) followed by one switch per option flag set, in flag order ("-v", "-f",
-// "-nowarn", "-profile", "-perfsim", "-disasm"). Flags outside the option table add nothing.
+// ones are left out), the extra arguments as they are, then one switch per option flag set, in
+// flag order ("-v", "-f", "-nowarn", "-profile", "-perfsim", "-disasm"). Flags outside the
+// option table add nothing.
 SCompileCommand BuildCompilerCommand(const QString& Executable, const QString& Input, const QString& Unit,
-                                     const QString& OutputBase, unsigned int uiFlags);
+                                     const QString& OutputBase, unsigned int uiFlags,
+                                     const QStringList& ExtraArguments = QStringList());
+
+// The folder an OpenCL document's local headers are searched in: the folder of its file, empty
+// for a document that was never saved.
+QString IncludeFolderFor(const QString& DocumentPath);
+// "-I" and the folder, as two arguments; nothing for an empty folder.
+QStringList IncludeFolderArguments(const QString& Folder);
 
 // The command as one line of text: the program and each argument that is not a switch in
 // double quotes followed by a blank, then " -name" per switch. SplitCommandLine gives the

@@ -176,7 +176,8 @@ ECompileStatus CompileSource(const SCompileUnit& Unit, const QByteArray& Source,
     Outputs.OutputBase = Private.filePath(QStringLiteral("shader"));
     const QString Unit8 = QString::fromUtf8(Unit.Name.GetString(), static_cast<int>(Unit.Name.GetLength()));
     const SCompileCommand Command =
-        BuildCompilerCommand(Target.Executable, InputPath, Unit8, Outputs.OutputBase, Target.uiSwitches);
+        BuildCompilerCommand(Target.Executable, InputPath, Unit8, Outputs.OutputBase, Target.uiSwitches,
+                             Target.ExtraArguments);
     Outputs.bProfile = AsksFor(Command, "-profile");
     Outputs.bDisassembly = AsksFor(Command, "-disasm");
 

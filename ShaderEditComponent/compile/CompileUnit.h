@@ -23,6 +23,7 @@ struct SCompileTarget
     QString Executable;
     QString TempDirectory;       // where the private folder for the unit's files is made
     unsigned int uiSwitches = 0; // option flags written on the command line
+    QStringList ExtraArguments;  // after the positional arguments (an OpenCL include folder)
     qint64 iOutputCap = DefaultOutputCap;
 };
 

@@ -29,6 +29,7 @@ private slots:
     void Banner();
 
     void CompilerCommand();
+    void IncludeFolderArgumentsFollowThePositionals();
     void Split_data();
     void Split();
     void HostileFileNameStaysOneArgument_data();
@@ -284,6 +285,20 @@ void CCompileParsersTest::CompilerCommand()
     QCOMPARE(Command.Arguments, (QStringList{"/t/in.tmp", "/t/o", "-v", "-profile", "-disasm"}));
     QCOMPARE(FormatCommandLine(Command), QStringLiteral("\"/opt/a b/cc\" \"/t/in.tmp\" \"/t/o\"  -v -profile -disasm"));
     QCOMPARE(SplitCommandLine(FormatCommandLine(Command)), QStringList{Command.Program} + Command.Arguments);
+}
+
+// An OpenCL document's folder rides after the positional arguments as "-I" and the folder,
+// one argument each however the folder is spelt.
+void CCompileParsersTest::IncludeFolderArgumentsFollowThePositionals()
+{
+    const SCompileCommand Command =
+        BuildCompilerCommand(QStringLiteral("/b/cl"), QStringLiteral("/t/in.tmp"), QStringLiteral("unit"),
+                             QStringLiteral("/t/o"), 8, IncludeFolderArguments(QStringLiteral("/src/-my kernels")));
+    QCOMPARE(Command.Arguments,
+             (QStringList{"/t/in.tmp", "unit", "/t/o", "-I", "/src/-my kernels", "-profile"}));
+    QCOMPARE(IncludeFolderArguments(QString()), QStringList());
+    QCOMPARE(IncludeFolderFor(QStringLiteral("/src/k/a.cl")), QStringLiteral("/src/k"));
+    QCOMPARE(IncludeFolderFor(QString()), QString());
 }
 
 void CCompileParsersTest::Split_data()

@@ -3,6 +3,7 @@
 
 #include "CCompiler.h"
 #include "CShaderEditController.h"
+#include "CompileCommandLine.h"
 #include "CompileTestSupport.h"
 #include "MetaTypes.h"
 #include "UIString.h"
@@ -109,7 +110,10 @@ private slots:
     void HundredRequestsForOnePanel();
     void TwoPanelsAtOnce();
     void OpenCLKernel();
+    void OpenCLKernelFindsItsLocalHeader();
     void NamesThatLookLikeOptions();
+    void EffectShadersInFiles();
+    void ShaderWithoutSourceIsNamed();
     void CommandLineCompile_data();
     void CommandLineCompile();
 
@@ -331,10 +335,44 @@ void CCompilePipelineTest::OpenCLKernel()
     QVERIFY(CountedLines(Delivery.Last.CycleCounts).contains(4));
 }
 
+// A saved kernel includes a header beside it: the compile is given the document's folder. A
+// never-saved document has no folder, so the same text cannot find the header.
+void CCompilePipelineTest::OpenCLKernelFindsItsLocalHeader()
+{
+    if (!QFileInfo(Program("clcompiler_zc1")).isExecutable())
+        QSKIP("the OpenCL compiler is not part of this build");
+    const QString Folder = m_Temp.filePath("my kernels");
+    QVERIFY(QDir().mkpath(Folder));
+    QFile Header(Folder + "/blur_weights.h");
+    QVERIFY(Header.open(QIODevice::WriteOnly));
+    Header.write("#define WEIGHT_CENTRE 0.5f\n#define WEIGHT_SIDE 0.25f\n");
+    Header.close();
+    const QString Kernel = QStringLiteral("#include \"blur_weights.h\"\n"
+                                          "__kernel void blur(__global const float* a, __global float* b)\n{\n"
+                                          "    int i = get_global_id(0);\n"
+                                          "    b[i] = a[i] * WEIGHT_CENTRE + (a[i - 1] + a[i + 1]) * WEIGHT_SIDE;\n}\n");
+    const QString DocumentPath = Folder + "/blur.cl";
+    QCOMPARE(IncludeFolderFor(DocumentPath), Folder);
+
+    SDelivery Delivery;
+    auto pController = MakeController(Delivery);
+    pController->CompilePanelIn(IncludeFolderFor(DocumentPath), CZamTHash("blur.cl"), Kernel, DocType_OpenCLKernel,
+                                CompileInvocation_Background);
+    QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 1, 60000);
+    QCOMPARE(Delivery.LastLog, QStringLiteral("OpenCL Kernel: Compile succeeded.\n"));
+    QVERIFY(CountedLines(Delivery.Last.CycleCounts).contains(5));
+
+    pController->CompilePanelIn(IncludeFolderFor(QString()), CZamTHash("New File"), Kernel, DocType_OpenCLKernel,
+                                CompileInvocation_Background);
+    QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 2, 60000);
+    QCOMPARE(Delivery.LastLog, QStringLiteral("OpenCL Kernel: Compile failed.\n"
+                                              "ERROR: 0:1: 'blur_weights.h' file not found\n"));
+}
+
 void CCompilePipelineTest::NamesThatLookLikeOptions()
 {
     const QString Folder = m_Temp.filePath("dash");
-    QVERIFY(QDir().mkpath(Folder));
+    QVERIFY(QDir().mkpath(Folder + "/out"));
     QFile Source(Folder + "/-x.frag");
     QVERIFY(Source.open(QIODevice::WriteOnly) && Source.write(kFragment) > 0);
     Source.close();
@@ -347,6 +385,72 @@ void CCompilePipelineTest::NamesThatLookLikeOptions()
     QCOMPARE(Compiler.exitCode(), 0);
     QCOMPARE(Compiler.readAll(), QByteArray("Success.\n"));
     QVERIFY(QFileInfo::exists(Folder + "/-x.disasm"));
+
+    // The editor: an effect shader named like a switch, compiled in the background.
+    SDelivery Delivery;
+    auto pController = MakeController(Delivery);
+    QString Effect = QString::fromLatin1(kEffect).arg(QLatin1String("* 2.0"));
+    Effect.replace(QStringLiteral("FlatFS"), QStringLiteral("-v"));
+    CompileAndWait(*pController, Delivery, Effect, DocType_ZFXGLSLES);
+    QVERIFY2(Delivery.LastLog.contains(QStringLiteral("\n-v: Compile succeeded.\n")), qPrintable(Delivery.LastLog));
+    QCOMPARE(Delivery.Last.iStatus, 0);
+
+    // Compiled to files, with the built-in command and with one typed by hand.
+    const QString Path = Folder + "/-x.frag";
+    const QStringList Templates = {
+        pController->GetCompileCommandLine(CompileOption_Disassembly, DocType_GLSLESFragment, Folder + "/out"),
+        QStringLiteral("\"%1\" -f %f% \"%b%\" \"out/%b%_typed\"").arg(Program("glslcompiler_zc1"))};
+    for (const QString& Template : Templates)
+    {
+        const int iBefore = Delivery.iResults;
+        pController->OnCompileFile(CZamTHash(Path.toUtf8().constData()), CZamTString(Path.toUtf8().constData()),
+                                   CZamTString(Template.toUtf8().constData()), DocType_GLSLESFragment);
+        QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, iBefore + 1, 60000);
+        QVERIFY2(Delivery.LastLog == QStringLiteral("-x.frag: Compile succeeded.\n"), qPrintable(Template + "\n" + Delivery.LastLog));
+    }
+    QVERIFY(QFileInfo::exists(Folder + "/out/-x.disasm"));
+    QVERIFY(QFileInfo::exists(Folder + "/out/-x_typed"));
+}
+
+// FILE shaders are read from beside the effect, whatever folder the program runs in.
+void CCompilePipelineTest::EffectShadersInFiles()
+{
+    const QString Folder = m_Temp.filePath("fx");
+    QVERIFY(QDir().mkpath(Folder + "/shaders"));
+    QFile Shader(Folder + "/shaders/flat.frag");
+    QVERIFY(Shader.open(QIODevice::WriteOnly) && Shader.write(kFragment) > 0);
+    Shader.close();
+    QString Effect = QString::fromLatin1(kEffect).arg(QLatin1String("* 2.0"));
+    const qsizetype iCode = Effect.indexOf(QStringLiteral("[GLSL_CODE]"), Effect.indexOf(QStringLiteral("NAME FlatFS")));
+    const qsizetype iEnd = Effect.indexOf(QStringLiteral("[/GLSL_CODE]\n"), iCode) + 13;
+    Effect.replace(iCode, iEnd - iCode, QStringLiteral("FILE shaders/flat.frag\n"));
+
+    SDelivery Delivery;
+    auto pController = MakeController(Delivery);
+    pController->OnCompilePanel(CZamTHash("fx"), Effect, DocType_ZFXGLSLES, CompileInvocation_Background, 0, Folder);
+    QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 1, 60000);
+    QCOMPARE(Delivery.LastLog, QStringLiteral("SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\n"
+                                              "TexturedFS: Compile succeeded.\n"));
+
+    Effect.replace(QStringLiteral("shaders/flat.frag"), QStringLiteral("shaders/gone.frag"));
+    pController->OnCompilePanel(CZamTHash("fx"), Effect, DocType_ZFXGLSLES, CompileInvocation_Background, 0, Folder);
+    QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 2, 60000);
+    QVERIFY2(Delivery.LastLog.startsWith(QStringLiteral("Error loading file '%1/shaders/gone.frag'").arg(Folder)),
+             qPrintable(Delivery.LastLog));
+}
+
+// A shader with nothing to compile is said to be skipped, not left out in silence.
+void CCompilePipelineTest::ShaderWithoutSourceIsNamed()
+{
+    QString Effect = QString::fromLatin1(kEffect).arg(QLatin1String("* 2.0"));
+    const qsizetype iCode = Effect.indexOf(QStringLiteral("[GLSL_CODE]\n"), Effect.indexOf(QStringLiteral("NAME FlatFS"))) + 12;
+    Effect.remove(iCode, Effect.indexOf(QStringLiteral("[/GLSL_CODE]"), iCode) - iCode);
+
+    SDelivery Delivery;
+    auto pController = MakeController(Delivery);
+    CompileAndWait(*pController, Delivery, Effect, DocType_ZFXGLSLES);
+    QCOMPARE(Delivery.LastLog, QStringLiteral("SceneVS: Compile succeeded.\nFlatFS: no source to compile.\n"
+                                              "TexturedFS: Compile succeeded.\n"));
 }
 
 void CCompilePipelineTest::CommandLineCompile_data()
