@@ -75,12 +75,20 @@ void CTxeMachine::SetSlot(ETxeFile eFile, int iSlot, const SLanes& value, int iI
     }
 }
 
+// Temporaries and scratch memory start as NaN: a program that reads a lane it never
+// wrote shows it in its outputs instead of reading a lucky zero.
+SLanes CTxeMachine::Unwritten(ETxeFile eFile)
+{
+    const float f = eFile == File_Temp || eFile == File_Scratch ? std::numeric_limits<float>::quiet_NaN() : 0.0f;
+    return {f, f, f, f};
+}
+
 SLanes CTxeMachine::Slot(ETxeFile eFile, int iSlot, int iInvocation) const
 {
     const std::vector<SLanes>& aFile = m_aaFiles[eFile & 7];
     const std::size_t uiIndex = static_cast<std::size_t>(iSlot) * k_iInvocations + static_cast<std::size_t>(iInvocation);
     if (iSlot < 0 || uiIndex >= aFile.size())
-        return {0, 0, 0, 0};
+        return Unwritten(eFile);
     return aFile[uiIndex];
 }
 
@@ -90,7 +98,7 @@ SLanes& CTxeMachine::Writable(ETxeFile eFile, int iSlot, int iInvocation)
     const std::size_t uiIndex = static_cast<std::size_t>(std::clamp(iSlot, 0, k_iMaxSlot)) * k_iInvocations +
                                 static_cast<std::size_t>(iInvocation);
     if (uiIndex >= aFile.size())
-        aFile.resize(uiIndex + k_iInvocations, SLanes{0, 0, 0, 0});
+        aFile.resize(uiIndex + k_iInvocations, Unwritten(eFile));
     return aFile[uiIndex];
 }
 
@@ -167,71 +175,27 @@ bool CTxeMachine::Flow(const STxeInstruction& instr, std::size_t& pc)
     switch (instr.eOp)
     {
     case Op_If:
-    {
-        SFrame frame;
-        frame.uiSaved = m_uiActive;
-        frame.uiTaken = Holding(instr.aSrc[0], true);
-        m_aFrames.push_back(frame);
-        m_uiActive = frame.uiTaken;
-        pc = m_uiActive ? pc + 1 : m_aJump[pc];
-        return true;
-    }
     case Op_Else:
     case Op_Endif:
-    {
-        if (m_aFrames.empty() || m_aFrames.back().bLoop)
-        {
-            Fail("else/endif outside an if");
-            return false;
-        }
-        const SFrame frame = m_aFrames.back();
-        if (instr.eOp == Op_Else)
-        {
-            m_uiActive = frame.uiSaved & ~frame.uiTaken & ~Blocked();
-            pc = m_uiActive ? pc + 1 : m_aJump[pc];
-            return true;
-        }
-        m_aFrames.pop_back();
-        m_uiActive = frame.uiSaved & ~Blocked();
-        ++pc;
-        return true;
-    }
+        return Branch(instr, pc);
     case Op_Loop:
-    {
         if ((instr.trips.bKnown && instr.trips.iWorst <= 0) || m_uiActive == 0)
         {
             pc = m_aJump[pc] + 1;
             return true;
         }
-        SFrame frame;
-        frame.bLoop = true;
-        frame.uiStart = pc;
-        frame.uiSaved = m_uiActive;
-        m_aFrames.push_back(frame);
+        m_aFrames.push_back(SFrame());
+        m_aFrames.back().bLoop = true;
+        m_aFrames.back().uiStart = pc;
+        m_aFrames.back().uiSaved = m_uiActive;
         ++pc;
         return true;
-    }
     case Op_Endloop:
         return EndLoop(pc);
     case Op_Brk:
     case Op_Brkz:
     case Op_Cont:
-    {
-        const unsigned uiLeaving = instr.eOp == Op_Brkz ? Holding(instr.aSrc[0], false) : m_uiActive;
-        SFrame* pLoop = InnermostLoop();
-        if (!pLoop)
-        {
-            Fail(std::string(TxeOpInfo(instr.eOp).pMnemonic) + " outside a loop");
-            return false;
-        }
-        if (instr.eOp == Op_Cont)
-            pLoop->uiContinued |= uiLeaving;
-        else
-            pLoop->uiBroken |= uiLeaving;
-        m_uiActive &= ~uiLeaving;
-        ++pc;
-        return true;
-    }
+        return Leave(instr, pc);
     case Op_Kil:
     case Op_Ret:
         if (instr.eOp == Op_Kil)
@@ -244,6 +208,56 @@ bool CTxeMachine::Flow(const STxeInstruction& instr, std::size_t& pc)
         Fail("unknown flow instruction");
         return false;
     }
+}
+
+// if / else / endif: lanes whose condition fails wait at else, the rest at endif.
+bool CTxeMachine::Branch(const STxeInstruction& instr, std::size_t& pc)
+{
+    if (instr.eOp == Op_If)
+    {
+        SFrame frame;
+        frame.uiSaved = m_uiActive;
+        frame.uiTaken = Holding(instr.aSrc[0], true);
+        m_aFrames.push_back(frame);
+        m_uiActive = frame.uiTaken;
+        pc = m_uiActive ? pc + 1 : m_aJump[pc];
+        return true;
+    }
+    if (m_aFrames.empty() || m_aFrames.back().bLoop)
+    {
+        Fail("else/endif outside an if");
+        return false;
+    }
+    const SFrame frame = m_aFrames.back();
+    if (instr.eOp == Op_Else)
+    {
+        m_uiActive = frame.uiSaved & ~frame.uiTaken & ~Blocked();
+        pc = m_uiActive ? pc + 1 : m_aJump[pc];
+        return true;
+    }
+    m_aFrames.pop_back();
+    m_uiActive = frame.uiSaved & ~Blocked();
+    ++pc;
+    return true;
+}
+
+// brk, brkz and cont: the leaving lanes wait for the loop's end or next iteration.
+bool CTxeMachine::Leave(const STxeInstruction& instr, std::size_t& pc)
+{
+    const unsigned uiLeaving = instr.eOp == Op_Brkz ? Holding(instr.aSrc[0], false) : m_uiActive;
+    SFrame* pLoop = InnermostLoop();
+    if (!pLoop)
+    {
+        Fail(std::string(TxeOpInfo(instr.eOp).pMnemonic) + " outside a loop");
+        return false;
+    }
+    if (instr.eOp == Op_Cont)
+        pLoop->uiContinued |= uiLeaving;
+    else
+        pLoop->uiBroken |= uiLeaving;
+    m_uiActive &= ~uiLeaving;
+    ++pc;
+    return true;
 }
 
 bool CTxeMachine::EndLoop(std::size_t& pc)

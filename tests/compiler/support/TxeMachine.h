@@ -75,6 +75,8 @@ private:
     bool Match();
     bool Step(std::size_t& pc);
     bool Flow(const ZamCompiler::STxeInstruction& instr, std::size_t& pc);
+    bool Branch(const ZamCompiler::STxeInstruction& instr, std::size_t& pc);
+    bool Leave(const ZamCompiler::STxeInstruction& instr, std::size_t& pc);
     bool EndLoop(std::size_t& pc);
     SFrame* InnermostLoop();
     unsigned Blocked();
@@ -87,6 +89,7 @@ private:
     bool Address(const ZamCompiler::STxeOperand& op, int iInvocation, int& iSlot);
     bool InBinding(const ZamCompiler::STxeOperand& op, long long llSlot) const;
     SLanes& Writable(ZamCompiler::ETxeFile eFile, int iSlot, int iInvocation);
+    static SLanes Unwritten(ZamCompiler::ETxeFile eFile);
     void Fail(const std::string& text);
 
     const ZamCompiler::STxeProgram& m_program;
