@@ -112,22 +112,15 @@ bool CExpressionLowerer::ResolveDynamicIndex(TIntermBinary* pNode, SAccess& acce
 {
     const int iLine = LineOf(pNode);
     const TType& leftType = pNode->getLeft()->getType();
-    const std::string name = AccessName(pNode->getLeft());
-    // Reading v[i] never gets here: it selects a lane from the loaded vector.
-    if (!leftType.isArray() && !leftType.isMatrix())
-    {
-        m_builder.Refuse(iLine, name, "writing a vector component chosen by a non-constant index");
-        return false;
-    }
     const EStorage eStorage = access.pVariable->eStorage;
-    if (eStorage == Storage_Temp || eStorage == Storage_Alias || eStorage == Storage_Sampler)
+    if (eStorage == Storage_Sampler)
     {
-        m_builder.Refuse(iLine, name,
-                         eStorage == Storage_Sampler ? "a non-constant index into an array of samplers"
-                         : eStorage == Storage_Alias ? "a non-constant index into a matrix parameter"
-                                                     : "a non-constant index into a local matrix");
+        m_builder.Refuse(iLine, AccessName(pNode->getLeft()), "a non-constant index into an array of samplers");
         return false;
     }
+    const bool bInRegisters = eStorage == Storage_Temp || eStorage == Storage_Alias;
+    if ((!leftType.isArray() && !leftType.isMatrix()) || (bInRegisters && leftType.isMatrix()))
+        return SelectAtRunTime(pNode, access);
     SValue index;
     if (!Lower(pNode->getRight(), index) || index.aSlots.empty())
         return false;
@@ -150,6 +143,35 @@ bool CExpressionLowerer::ResolveDynamicIndex(TIntermBinary* pNode, SAccess& acce
     return true;
 }
 
+// A vector lane, or a column of a matrix in registers, chosen by the index: the access keeps
+// every candidate and the index, and loads and stores choose with sel.
+bool CExpressionLowerer::SelectAtRunTime(TIntermBinary* pNode, SAccess& access)
+{
+    const int iLine = LineOf(pNode);
+    SValue index;
+    if (!Lower(pNode->getRight(), index) || index.aSlots.empty())
+        return false;
+    const bool bColumn = pNode->getLeft()->getType().isMatrix();
+    if ((bColumn && access.iSelectColumn >= 0) || access.iSelectLane >= 0)
+    {
+        m_builder.Refuse(iLine, AccessName(pNode->getLeft()), "a second non-constant index into the same value");
+        return false;
+    }
+    STxeOperand chosen = Lane(index.aSlots[0], 0);
+    if (chosen.eFile != File_Temp || chosen.bNegate || chosen.bAbs || chosen.auiSwizzle[0] != 0 ||
+        m_builder.IsVariable(chosen.iIndex))
+        chosen = m_builder.Compute(Op_Mov, {chosen}, 1, iLine);
+    if (bColumn)
+    {
+        access.iSelectColumn = chosen.iIndex;
+        access.aLanes = IdentityLanes(pNode->getLeft()->getType().getMatrixRows());
+        return true;
+    }
+    access.iSelectLane = chosen.iIndex;
+    access.eLaneType = TxeTypeOf(pNode->getBasicType());
+    return true;
+}
+
 bool CExpressionLowerer::ResolveMember(TIntermBinary* pNode, SAccess& access)
 {
     const TTypeList& members = *pNode->getLeft()->getType().getStruct();
@@ -167,7 +189,7 @@ bool CExpressionLowerer::ResolveSwizzle(TIntermBinary* pNode, SAccess& access)
 {
     const int iLine = LineOf(pNode);
     TIntermAggregate* pSelectors = pNode->getRight()->getAsAggregate();
-    if (!pSelectors || access.iSlotCount != 1)
+    if (!pSelectors || (access.iSlotCount != 1 && access.iSelectColumn < 0))
     {
         m_builder.Refuse(iLine, access.pVariable->name, "this swizzle");
         return false;

@@ -121,6 +121,29 @@ bool SlotOperation(CProgramBuilder& builder, TOperator eOp, bool bInteger, const
 
 } // namespace
 
+STxeOperand LaneMask(CProgramBuilder& builder, const STxeOperand& index, int iLanes, int iLine)
+{
+    const CTypeScope scope(builder, Type_Int);
+    const double adLanes[4] = {0.0, 1.0, 2.0, 3.0};
+    return builder.Compute(Op_Seq, {Broadcast(Lane(index, 0), iLanes), builder.Immediate(adLanes, iLanes)}, iLanes,
+                           iLine);
+}
+
+STxeOperand PickLane(CProgramBuilder& builder, const STxeOperand& vector, const STxeOperand& index, ETxeType eLanes,
+                     int iLine)
+{
+    const int iLanes = vector.uiCount;
+    const STxeOperand mask = LaneMask(builder, index, iLanes, iLine);
+    if (eLanes == Type_Float)
+        return builder.Compute(DotFor(iLanes), {vector, mask}, 1, iLine);
+    const CTypeScope scope(builder, eLanes);
+    const STxeOperand picked = builder.Compute(Op_Mul, {vector, mask}, iLanes, iLine);
+    STxeOperand sum = Lane(picked, 0);
+    for (int i = 1; i < iLanes; ++i)
+        sum = builder.Compute(Op_Add, {sum, Lane(picked, i)}, 1, iLine);
+    return sum;
+}
+
 bool LowerArithmetic(CProgramBuilder& builder, TOperator eOp, const TType& type, const SValue& left,
                      const SValue& right, int iLine, SValue& value)
 {

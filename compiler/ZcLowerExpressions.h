@@ -55,6 +55,7 @@ private:
     bool IndexOutOfRange(glslang::TIntermBinary* pNode, int iIndex);
     bool ResolveIndex(glslang::TIntermBinary* pNode, SAccess& access);
     bool ResolveDynamicIndex(glslang::TIntermBinary* pNode, SAccess& access);
+    bool SelectAtRunTime(glslang::TIntermBinary* pNode, SAccess& access);
     bool ResolveMember(glslang::TIntermBinary* pNode, SAccess& access);
     bool ResolveSwizzle(glslang::TIntermBinary* pNode, SAccess& access);
 

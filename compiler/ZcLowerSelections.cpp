@@ -2,6 +2,7 @@
 
 #include "ZcLowerExpressions.h"
 
+#include "ZcLowerOperators.h"
 #include "ZcLowerTree.h"
 
 #include <algorithm>
@@ -106,27 +107,8 @@ bool CExpressionLowerer::DynamicLane(TIntermBinary* pNode, SValue& value)
     if (!Lower(pNode->getLeft(), whole) || !Lower(pNode->getRight(), index) || whole.aSlots.empty() ||
         index.aSlots.empty())
         return false;
-    const STxeOperand vector = whole.aSlots[0];
-    const int iLanes = vector.uiCount;
-    STxeOperand mask;
-    {
-        const CTypeScope scope(m_builder, TxeTypeOf(pNode->getRight()->getBasicType()));
-        const double adLanes[4] = {0.0, 1.0, 2.0, 3.0};
-        mask = m_builder.Compute(Op_Seq, {Broadcast(Lane(index.aSlots[0], 0), iLanes), m_builder.Immediate(adLanes, iLanes)},
-                                 iLanes, iLine);
-    }
-    const ETxeType eType = TxeTypeOf(pNode->getBasicType());
-    if (eType == Type_Float)
-    {
-        value.aSlots.push_back(m_builder.Compute(DotFor(iLanes), {vector, mask}, 1, iLine));
-        return !m_builder.Failed();
-    }
-    const CTypeScope scope(m_builder, eType);
-    const STxeOperand picked = m_builder.Compute(Op_Mul, {vector, mask}, iLanes, iLine);
-    STxeOperand sum = Lane(picked, 0);
-    for (int i = 1; i < iLanes; ++i)
-        sum = m_builder.Compute(Op_Add, {sum, Lane(picked, i)}, 1, iLine);
-    value.aSlots.push_back(sum);
+    value.aSlots.push_back(
+        PickLane(m_builder, whole.aSlots[0], index.aSlots[0], TxeTypeOf(pNode->getBasicType()), iLine));
     return !m_builder.Failed();
 }
 

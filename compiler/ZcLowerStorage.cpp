@@ -1,5 +1,6 @@
 #include "ZcLowerStorage.h"
 
+#include "ZcLowerOperators.h"
 #include "ZcLowerTree.h"
 
 #include <algorithm>
@@ -218,8 +219,89 @@ STxeOperand CVariableStore::SlotOperand(const SAccess& access, int iSlot, int iL
     return loaded;
 }
 
+// The chosen column as the sel of every column, then the chosen lane of it.
+bool CVariableStore::LoadSelected(const SAccess& access, int iLine, SValue& value)
+{
+    SAccess plain = access;
+    plain.iSelectColumn = -1;
+    plain.iSelectLane = -1;
+    if (!Load(plain, iLine, value) || value.aSlots.empty())
+        return false;
+    if (access.iSelectColumn >= 0)
+    {
+        STxeOperand chosen = value.aSlots[0];
+        for (std::size_t c = 1; c < value.aSlots.size(); ++c)
+        {
+            const int iLanes = chosen.uiCount;
+            STxeOperand hit;
+            {
+                const CTypeScope scope(m_builder, Type_Int);
+                hit = m_builder.Compute(Op_Seq, {TempOperand(access.iSelectColumn, 1), m_builder.Immediate(double(c))}, 1,
+                                        iLine);
+            }
+            chosen = m_builder.Compute(Op_Sel, {Broadcast(hit, iLanes), value.aSlots[c], chosen}, iLanes, iLine);
+        }
+        value.aSlots.assign(1, chosen);
+    }
+    if (access.iSelectLane >= 0)
+        value.aSlots.assign(1, PickLane(m_builder, value.aSlots[0], TempOperand(access.iSelectLane, 1), access.eLaneType,
+                                        iLine));
+    return !m_builder.Failed();
+}
+
+// Every column (or lane) that could be the chosen one is rewritten with a sel that keeps it
+// unless the index names it.
+bool CVariableStore::StoreSelected(const SAccess& access, const SValue& value, int iLine)
+{
+    if (value.aSlots.empty())
+        return false;
+    SAccess plain = access;
+    plain.iSelectColumn = -1;
+    plain.iSelectLane = -1;
+    if (access.iSelectLane >= 0)
+    {
+        if (access.iSelectColumn >= 0)
+        {
+            m_builder.Refuse(iLine, access.pVariable->name, "writing an element chosen by two non-constant indexes");
+            return false;
+        }
+        SValue current;
+        if (!Load(plain, iLine, current))
+            return false;
+        const int iLanes = current.aSlots[0].uiCount;
+        const STxeOperand mask = LaneMask(m_builder, TempOperand(access.iSelectLane, 1), iLanes, iLine);
+        SValue merged;
+        merged.aSlots.push_back(m_builder.Compute(
+            Op_Sel, {mask, Broadcast(Lane(value.aSlots[0], 0), iLanes), current.aSlots[0]}, iLanes, iLine));
+        return Store(plain, merged, iLine);
+    }
+    for (int c = 0; c < access.iSlotCount; ++c)
+    {
+        SAccess column = plain;
+        column.iSlot = access.iSlot + c;
+        column.iSlotCount = 1;
+        SValue current;
+        if (!Load(column, iLine, current))
+            return false;
+        const int iLanes = current.aSlots[0].uiCount;
+        STxeOperand hit;
+        {
+            const CTypeScope scope(m_builder, Type_Int);
+            hit = m_builder.Compute(Op_Seq, {TempOperand(access.iSelectColumn, 1), m_builder.Immediate(double(c))}, 1, iLine);
+        }
+        SValue merged;
+        merged.aSlots.push_back(m_builder.Compute(
+            Op_Sel, {Broadcast(hit, iLanes), Broadcast(value.aSlots[0], iLanes), current.aSlots[0]}, iLanes, iLine));
+        if (!Store(column, merged, iLine))
+            return false;
+    }
+    return true;
+}
+
 bool CVariableStore::Load(const SAccess& access, int iLine, SValue& value)
 {
+    if (access.iSelectColumn >= 0 || access.iSelectLane >= 0)
+        return LoadSelected(access, iLine, value);
     SVariable& variable = *access.pVariable;
     value.aSlots.clear();
     const bool bSelect = access.iSlotCount == 1 && !access.aLanes.empty();
@@ -294,6 +376,8 @@ bool CVariableStore::Store(const SAccess& access, const SValue& value, int iLine
         m_builder.Fail(iLine, name, "this variable cannot be written");
         return false;
     }
+    if (access.iSelectColumn >= 0 || access.iSelectLane >= 0)
+        return StoreSelected(access, value, iLine);
     if (static_cast<int>(value.aSlots.size()) != access.iSlotCount)
     {
         m_builder.Fail(iLine, name, "the value does not fit this variable");

@@ -50,6 +50,11 @@ struct SAccess
     int iSlotCount = 0;
     int iDynamic = -1;                // virtual register with a slot offset, -1 none
     std::vector<std::uint8_t> aLanes; // selected lanes when the access is one slot
+    // A column of a matrix held in registers, or a lane of a vector, chosen at run time: the
+    // register with the index, -1 none. A chosen column is one of the iSlotCount slots.
+    int iSelectColumn = -1;
+    int iSelectLane = -1;
+    ETxeType eLaneType = Type_Float;
 };
 
 class CVariableStore
@@ -81,6 +86,8 @@ public:
     int InputSlotsRead() const;
 
 private:
+    bool LoadSelected(const SAccess& access, int iLine, SValue& value);
+    bool StoreSelected(const SAccess& access, const SValue& value, int iLine);
     bool StoreSlot(const SAccess& access, int k, const STxeOperand& source, int iLine);
     STxeOperand SlotOperand(const SAccess& access, int iSlot, int iLine);
 
