@@ -14,7 +14,7 @@ namespace
 void EndGuarded(qint64 iGuard)
 {
     if (iGuard > 0)
-        ::kill(static_cast<pid_t>(iGuard), SIGTERM);
+        ::kill(static_cast<pid_t>(iGuard), GuardCancelSignal);
 }
 
 // Appends a chunk without carriage returns, up to the cap. Returns false once the cap is hit.

@@ -10,6 +10,7 @@
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/signalfd.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -32,10 +33,21 @@ struct SLaunch
     QByteArray WorkingDirectory;
     QByteArray CleanupFolder;
     pid_t iEditor = 0;
+    int iLifeline = -1;   // read end of the editor's lifeline: at its end, the editor is gone
     int iInput = -1;      // /dev/null
     int iOutput = -1;     // write end of the output pipe
     int iExecError = -1;  // write end of the pipe that carries exec's errno
 };
+
+// A pipe whose write end only the editor process holds, for as long as it lives: every guard
+// holds the read end and sees it end when the editor is gone, whichever of its threads went
+// first. (A parent-death signal alone tells only that the forking thread ended.)
+int LifelineReadEnd()
+{
+    static int s_aiLifeline[2] = {-1, -1};
+    static const bool s_bMade = ::pipe2(s_aiLifeline, O_CLOEXEC) == 0;
+    return s_bMade ? s_aiLifeline[0] : -1;
+}
 
 // What the guard knows about the command's end.
 struct SCommandEnd
@@ -62,14 +74,21 @@ void CloseIfOpen(int& iFd)
     iFd = -1;
 }
 
-void CloseAllDescriptors()
+// Every descriptor but iKept (which may be -1).
+void CloseAllDescriptorsBut(int iKept)
 {
-    if (::close_range(0, ~0U, 0) == 0)
+    const unsigned int uiKept = iKept < 0 ? ~0U : static_cast<unsigned int>(iKept);
+    const bool bClosed = (uiKept == 0 || ::close_range(0, uiKept - 1, 0) == 0)
+        && (uiKept == ~0U || ::close_range(uiKept + 1, ~0U, 0) == 0);
+    if (bClosed)
         return;
     rlimit Limit{};
     const rlim_t uiMax = ::getrlimit(RLIMIT_NOFILE, &Limit) == 0 ? Limit.rlim_cur : 1024;
     for (rlim_t uiFd = 0; uiFd < uiMax && uiFd < 65536; ++uiFd)
-        ::close(static_cast<int>(uiFd));
+    {
+        if (static_cast<int>(uiFd) != iKept)
+            ::close(static_cast<int>(uiFd));
+    }
 }
 
 [[noreturn]] void RunCommandChild(const SLaunch& Launch, pid_t iGuard)
@@ -232,6 +251,71 @@ void RemoveFolder(const char* pFolder)
     ::_exit(128 + End.iValue);
 }
 
+// How the guard's wait ended.
+struct SGuardWait
+{
+    SCommandEnd End;
+    bool bCancelled = false;    // the runner asked (SIGUSR1)
+    bool bEditorGoing = false;  // a parent-death or termination signal
+    bool bEditorGone = false;   // the lifeline ended
+};
+
+// The command ended: looked at, not reaped, since until its group is killed its id must stay
+// its own.
+bool CommandEnded(pid_t iCommand, SCommandEnd& End)
+{
+    siginfo_t Ended = {};
+    if (::waitid(P_PID, static_cast<id_t>(iCommand), &Ended, WEXITED | WNOHANG | WNOWAIT) != 0
+        || Ended.si_pid != iCommand)
+        return false;
+    End.bKnown = true;
+    End.bSignalled = Ended.si_code != CLD_EXITED;
+    End.iValue = Ended.si_status;
+    return true;
+}
+
+// Waits for the command's end, a cancel, or the editor's end, whichever comes first.
+void WaitForCommand(pid_t iCommand, int iLifeline, SGuardWait& Wait)
+{
+    sigset_t Awaited;
+    sigemptyset(&Awaited);
+    for (int iSignal : {SIGCHLD, SIGUSR1, SIGTERM, SIGINT, SIGHUP, SIGQUIT})
+        sigaddset(&Awaited, iSignal);
+    const int iSignals = ::signalfd(-1, &Awaited, SFD_CLOEXEC);
+    pollfd aWaited[2] = {{iSignals, POLLIN, 0}, {iLifeline, POLLIN, 0}};
+    while (!Wait.End.bKnown && !Wait.bCancelled && !Wait.bEditorGoing && !Wait.bEditorGone && iSignals >= 0)
+    {
+        if (::poll(aWaited, 2, -1) < 0)
+            continue;
+        Wait.bEditorGone = aWaited[1].revents != 0;
+        signalfd_siginfo Info = {};
+        if (!(aWaited[0].revents & POLLIN) || ::read(iSignals, &Info, sizeof Info) != sizeof Info)
+            continue;
+        if (Info.ssi_signo == SIGCHLD)
+            CommandEnded(iCommand, Wait.End);
+        else if (Info.ssi_signo == SIGUSR1)
+            Wait.bCancelled = true;
+        else
+            Wait.bEditorGoing = true;
+    }
+    if (iSignals < 0)
+        Wait.bEditorGoing = true;
+    ::close(iSignals);
+}
+
+// Whether the editor is gone; when it is going, it gets a moment to finish going.
+bool EditorGone(const SGuardWait& Wait, int iLifeline, pid_t iEditor)
+{
+    if (Wait.bEditorGone)
+        return true;
+    if (!Wait.bEditorGoing)
+        return false;
+    if (iLifeline < 0)
+        return ::getppid() != iEditor;
+    pollfd Lifeline{iLifeline, POLLIN, 0};
+    return ::poll(&Lifeline, 1, 2000) > 0;
+}
+
 // Runs in the forked guard, with every signal blocked since before fork.
 [[noreturn]] void RunGuard(const SLaunch& Launch)
 {
@@ -244,44 +328,19 @@ void RemoveFolder(const char* pFolder)
     ::prctl(PR_SET_PDEATHSIG, SIGTERM);
 
     const pid_t iGuard = ::getpid();
+    SGuardWait Wait;
     // The editor may have died before the parent-death signal was armed.
-    bool bAsked = ::getppid() != Launch.iEditor;
-    const pid_t iCommand = bAsked ? -1 : ::_Fork();
+    Wait.bEditorGoing = ::getppid() != Launch.iEditor;
+    const pid_t iCommand = Wait.bEditorGoing ? -1 : ::_Fork();
     if (iCommand == 0)
         RunCommandChild(Launch, iGuard);
-    CloseAllDescriptors();
-
-    sigset_t Awaited;
-    sigemptyset(&Awaited);
-    for (int iSignal : {SIGCHLD, SIGTERM, SIGINT, SIGHUP, SIGQUIT})
-        sigaddset(&Awaited, iSignal);
-    SCommandEnd End;
-    bAsked = bAsked || iCommand < 0;
-    while (!bAsked && !End.bKnown)
-    {
-        siginfo_t Info = {};
-        const int iSignal = ::sigwaitinfo(&Awaited, &Info);
-        if (iSignal == SIGCHLD)
-        {
-            // Looked at, not reaped: until its group is killed its id must stay its own.
-            siginfo_t Ended = {};
-            if (::waitid(P_PID, static_cast<id_t>(iCommand), &Ended, WEXITED | WNOHANG | WNOWAIT) == 0
-                && Ended.si_pid == iCommand)
-            {
-                End.bKnown = true;
-                End.bSignalled = Ended.si_code != CLD_EXITED;
-                End.iValue = Ended.si_status;
-            }
-        }
-        else if (iSignal > 0)
-        {
-            bAsked = true;
-        }
-    }
-    EndAllChildren(iCommand, End);
-    if (::getppid() != Launch.iEditor && !Launch.CleanupFolder.isEmpty())
+    CloseAllDescriptorsBut(Launch.iLifeline);
+    if (iCommand > 0)
+        WaitForCommand(iCommand, Launch.iLifeline, Wait);
+    EndAllChildren(iCommand, Wait.End);
+    if (!Launch.CleanupFolder.isEmpty() && EditorGone(Wait, Launch.iLifeline, Launch.iEditor))
         RemoveFolder(Launch.CleanupFolder.constData());
-    EndLikeTheCommand(End);
+    EndLikeTheCommand(Wait.End);
 }
 
 QByteArray ResolveProgram(const QString& Program)
@@ -343,6 +402,7 @@ bool CGuardedProcess::Start(const SCompileCommand& Command, const QString& Worki
     Launch.WorkingDirectory = QFile::encodeName(WorkingDirectory);
     Launch.CleanupFolder = QFile::encodeName(CleanupFolder);
     Launch.iEditor = ::getpid();
+    Launch.iLifeline = LifelineReadEnd();
 
     int aiOutput[2] = {-1, -1};
     int aiExecError[2] = {-1, -1};
@@ -442,7 +502,7 @@ bool CGuardedProcess::HasEnded()
 void CGuardedProcess::Terminate()
 {
     if (m_iGuard > 0 && !m_bEnded)
-        ::kill(m_iGuard, SIGTERM);
+        ::kill(m_iGuard, GuardCancelSignal);
 }
 
 void CGuardedProcess::WaitForEnd()

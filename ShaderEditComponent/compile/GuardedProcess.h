@@ -4,7 +4,11 @@
 
 #include <QString>
 
+#include <csignal>
 #include <sys/types.h>
+
+// The signal that asks a guard to end its command (a cancel, not the editor's end).
+constexpr int GuardCancelSignal = SIGUSR1;
 
 // A command run under a guard: a small process forked from the editor that starts the command
 // and stays its parent. The command's standard input is /dev/null; its standard output and
@@ -14,8 +18,8 @@
 // The guard ends the way the command ended (the same exit code or signal).
 //
 // The guard is a child subreaper, so whatever the command leaves behind becomes the guard's
-// child, and it learns of the editor's death from a parent-death signal. Between fork and its
-// end it only makes system calls.
+// child. It learns of the editor's death from a parent-death signal and from the end of a pipe
+// that only the editor process holds open. Between fork and its end it only makes system calls.
 class CGuardedProcess
 {
 public:
