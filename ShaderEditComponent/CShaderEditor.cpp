@@ -117,13 +117,19 @@ int CShaderEditor::IndexOfPanel(const CShaderEditPanel* pPanel) const
 
 QString CShaderEditor::SourceFolderOf(const CZamTHash& PanelID) const
 {
-    for (int i = 0; i < GetTabCount(); ++i)
+    // Never-saved documents share one PanelID; the one typed in is the current one.
+    const CShaderEditPanel* pCurrent = GetCurrentPanel();
+    const CShaderEditPanel* pPanel = pCurrent && pCurrent->GetPanelID() == PanelID ? pCurrent : nullptr;
+    for (int i = 0; !pPanel && i < GetTabCount(); ++i)
     {
-        const CShaderEditPanel* pPanel = GetPanel(i);
-        if (pPanel && pPanel->GetPanelID() == PanelID)
-            return IncludeFolderFor(ToQString(pPanel->GetFilename()));
+        if (GetPanel(i)->GetPanelID() == PanelID)
+            pPanel = GetPanel(i);
     }
-    return QString();
+    if (!pPanel)
+        return QString();
+    // A document that was never saved has no folder of its own: the user's last one stands in.
+    const QString Path = ToQString(pPanel->GetFilename());
+    return Path.isEmpty() ? m_LastFolder : IncludeFolderFor(Path);
 }
 
 QString CShaderEditor::DocumentName(int iIndex) const
@@ -232,6 +238,7 @@ bool CShaderEditor::OnOpenFile(const QString& Path)
         return false;
     }
     const SDocumentText Document = DecodeDocument(Read.Bytes);
+    m_LastFolder = QFileInfo(FullPath).absolutePath();
     CShaderEditPanel* pPanel = AddPanel(QFileInfo(FullPath).fileName(), &Document.Text, FullPath, DocType_Detect);
     pPanel->SetFileFormat(Document.Format);
     emit FileOpened(FullPath);
@@ -248,6 +255,7 @@ bool CShaderEditor::WritePanel(CShaderEditPanel* pPanel, const QString& Path)
         return false;
     }
     pPanel->MarkSaved();
+    m_LastFolder = QFileInfo(Path).absolutePath();
     return true;
 }
 

@@ -115,7 +115,9 @@ private:
     bool CloseTab(int iIndex);
     int IndexOfPanel(const CShaderEditPanel* pPanel) const;
     QString DocumentName(int iIndex) const;
-    // The folder of the panel's file, empty for a never-saved document or an unknown panel.
+    // Where the panel's document finds the files it names (an effect's FILE shaders, a kernel's
+    // headers): its file's folder; for a never-saved document the folder last opened from or
+    // saved to; empty for an unknown panel or before any file was opened or saved.
     QString SourceFolderOf(const CZamTHash& PanelID) const;
     QString DocumentTitle(int iIndex) const;
     void SetTabTitle(int iIndex, const QString& Title);
@@ -127,4 +129,5 @@ private:
     const CShaderHighlightController* m_pHighlight;
     Settings::SEditor m_EditorSettings;
     Settings::SCompiler m_CompilerSettings;
+    QString m_LastFolder; // of the last file opened or saved
 };

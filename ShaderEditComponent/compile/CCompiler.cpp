@@ -44,6 +44,17 @@ QByteArray SourceOf(const SZamTZFXParserShader& Shader)
     return QByteArray(Shader.Source.GetString(), static_cast<qsizetype>(Shader.Source.GetLength()));
 }
 
+// A shader with nothing to compile (empty inline code, or a binary only) is named, so that it
+// is not taken for one that compiled. Returns true when it was skipped.
+bool SkippedWithoutSource(const SZamTZFXParserShader& Shader, SCompileResult& Result)
+{
+    if (!Shader.Source.IsEmpty())
+        return false;
+    Result.Log += Shader.Name.Text;
+    Result.Log += ": no source to compile.\n";
+    return true;
+}
+
 // A parse failure goes to the log as the parser worded it.
 void AddParseError(const CZamTString& Error, SCompileResult& Result)
 {
@@ -115,7 +126,9 @@ void CCompiler::OnCompile(const CZamTHash& PanelID, unsigned int uiCompileKey, c
         const QByteArray Text = Contents.toUtf8();
         if (IsEffectType(eType))
         {
+            // FILE and BINARYFILE name files beside the document, not in the editor's folder.
             CZamTZFXParser Parser;
+            Parser.SetFileFolder(SourceFolder.toUtf8().constData());
             CZamTString Error;
             if (Parser.ParseFromMemory(Text.constData(), Error) != 0)
                 AddParseError(Error, Result);
@@ -136,8 +149,7 @@ void CCompiler::CompileEffect(const CZamTZFXParser& Parser, unsigned int uiFlags
     ForEachShader(Parser,
                   [&](const SZamTZFXParserShader& Shader, unsigned int uiStage)
                   {
-                      // A shader given only as a binary has no source to compile.
-                      if (Shader.Source.IsEmpty() || m_Control.IsCancelled())
+                      if (m_Control.IsCancelled() || SkippedWithoutSource(Shader, Result))
                           return;
                       const SCompileUnit Unit{Shader.Name.Text, static_cast<int>(Shader.uiFirstLine), uiFlags};
                       SCompileTarget Target = TargetFor(DocType_ZFXGLSLES, uiFlags);
@@ -182,7 +194,7 @@ void CCompiler::CompileEffectFile(const CZamTZFXParser& Parser, const QString& P
         Parser,
         [&](const SZamTZFXParserShader& Shader, unsigned int uiStage)
         {
-            if (Shader.Source.IsEmpty() || m_Control.IsCancelled())
+            if (m_Control.IsCancelled() || SkippedWithoutSource(Shader, Result))
                 return;
             const SCompileUnit Unit{Shader.Name.Text, static_cast<int>(Shader.uiFirstLine), 0};
             QTemporaryDir Private(PrivateFolderTemplate(m_Setup.TempDirectory));
@@ -200,9 +212,9 @@ void CCompiler::CompileEffectFile(const CZamTZFXParser& Parser, const QString& P
                 ShaderCommandFromTemplate(Template, Path, ToQString(Shader.Name.Text), SourcePath);
             // The bundled compiler learns the stage from a switch; other tools get their template as typed.
             if (!Command.Program.isEmpty() && Command.Program == m_Setup.Executable)
-                Command.Arguments.append(uiStage == CompileOption_Verbose ? QStringLiteral("-v")
-                                                                          : QStringLiteral("-f"));
-            Combine(Result, RunFileCommand(Unit, Command, WorkingDirectory, m_Setup.iOutputCap, m_Control, Result));
+                AddOption(Command, uiStage == CompileOption_Verbose ? QStringLiteral("-v") : QStringLiteral("-f"));
+            Combine(Result, RunFileCommand(Unit, Command, WorkingDirectory, m_Setup.iOutputCap, m_Control, Result,
+                                           Private.path()));
         });
 }
 

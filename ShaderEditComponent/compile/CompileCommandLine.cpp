@@ -1,6 +1,7 @@
 #include "CompileCommandLine.h"
 
 #include "CompileOptions.h"
+#include "CompilerLocator.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -11,6 +12,9 @@ const QLatin1String s_ShaderMarker("<ZFXShaders>");
 
 void AppendQuoted(QString& Line, const QString& Part)
 {
+    // After a switch ("-f", "--") the quote must not touch it.
+    if (!Line.isEmpty() && !Line.endsWith(QLatin1Char(' ')))
+        Line += QLatin1Char(' ');
     Line += QLatin1Char('"');
     Line += Part;
     Line += QLatin1String("\" ");
@@ -36,24 +40,67 @@ unsigned int StageSwitchFor(EShaderDocType eType)
     return 0;
 }
 
+bool TakesEndOfOptions(const QString& Executable)
+{
+    const QString Name = QFileInfo(Executable).fileName();
+    if (Name.isEmpty())
+        return false;
+    if (Name == OpenCLCompilerBaseName())
+        return true;
+    for (int i = 0; i < GetCompilerTargetCount(); ++i)
+    {
+        if (Name == QString::fromUtf8(GetCompilerTarget(i).ExecutableBaseName.GetString()))
+            return true;
+    }
+    return false;
+}
+
 SCompileCommand BuildCompilerCommand(const QString& Executable, const QString& Input, const QString& Unit,
                                      const QString& OutputBase, unsigned int uiFlags, const QStringList& ExtraArguments)
 {
-    SCompileCommand Command;
-    Command.Program = Executable;
+    QStringList Positional;
     for (const QString* pPart : {&Input, &Unit, &OutputBase})
     {
         if (!pPart->isEmpty())
-            Command.Arguments.append(*pPart);
+            Positional.append(*pPart);
     }
-    Command.Arguments.append(ExtraArguments);
+    QStringList Options = ExtraArguments;
     for (int i = 0; i < GetCompileOptionCount(); ++i)
     {
         const SCompileOptionName Option = GetCompileOption(i);
         if (uiFlags & Option.eFlag)
-            Command.Arguments.append(QLatin1Char('-') + QLatin1String(Option.pName));
+            Options.append(QLatin1Char('-') + QLatin1String(Option.pName));
     }
+    SCompileCommand Command;
+    Command.Program = Executable;
+    if (TakesEndOfOptions(Executable))
+        Command.Arguments = Options + QStringList{QStringLiteral("--")} + Positional;
+    else
+        Command.Arguments = Positional + Options;
     return Command;
+}
+
+QStringList PositionalArguments(const SCompileCommand& Command)
+{
+    const qsizetype iEnd = Command.Arguments.indexOf(QStringLiteral("--"));
+    if (iEnd >= 0)
+        return Command.Arguments.mid(iEnd + 1);
+    QStringList Positional;
+    for (const QString& Argument : Command.Arguments)
+    {
+        if (!IsSwitch(Argument))
+            Positional.append(Argument);
+    }
+    return Positional;
+}
+
+void AddOption(SCompileCommand& Command, const QString& Option)
+{
+    const qsizetype iEnd = Command.Arguments.indexOf(QStringLiteral("--"));
+    if (iEnd >= 0)
+        Command.Arguments.insert(iEnd, Option);
+    else
+        Command.Arguments.append(Option);
 }
 
 QString IncludeFolderFor(const QString& DocumentPath)
@@ -163,11 +210,15 @@ SCompileCommand CommandFromTemplate(const QString& Template, const SSourcePlaceh
     const QStringList Words = SplitCommandLine(Template);
     for (int i = 0; i < Words.size(); ++i)
     {
-        const QString Word = ExpandPlaceholders(Words.at(i), Values, ShaderName);
+        QString Word = ExpandPlaceholders(Words.at(i), Values, ShaderName);
         if (i == 0)
+        {
             Command.Program = Word;
-        else
-            Command.Arguments.append(Word);
+            continue;
+        }
+        if (Word.startsWith(QLatin1Char('-')) && !Words.at(i).startsWith(QLatin1Char('-')))
+            Word.prepend(QLatin1String("./"));
+        Command.Arguments.append(Word);
     }
     return Command;
 }

@@ -19,13 +19,24 @@ struct SCompileCommand
     QStringList Arguments;
 };
 
+// Whether the executable is one of the bundled compilers, which take "--" to end their options
+// (told by its file name: glslcompiler_zc1 ... and clcompiler_zc1).
+bool TakesEndOfOptions(const QString& Executable);
+
 // The compiler's command: the three positional arguments (input, unit name, output base; empty
 // ones are left out), the extra arguments as they are, then one switch per option flag set, in
 // flag order ("-v", "-f", "-nowarn", "-profile", "-perfsim", "-disasm"). Flags outside the
-// option table add nothing.
+// option table add nothing. A bundled compiler gets the switches and the extra arguments
+// first, then "--", then the positional arguments, so no name is ever read as a switch.
 SCompileCommand BuildCompilerCommand(const QString& Executable, const QString& Input, const QString& Unit,
                                      const QString& OutputBase, unsigned int uiFlags,
                                      const QStringList& ExtraArguments = QStringList());
+
+// The arguments that are no options: those after "--", or else those that do not start with
+// "-" (a lone "-" counts as a name).
+QStringList PositionalArguments(const SCompileCommand& Command);
+// Adds an option where it is still read as one: before "--" if there is one, else at the end.
+void AddOption(SCompileCommand& Command, const QString& Option);
 
 // The folder an OpenCL document's local headers are searched in: the folder of its file, empty
 // for a document that was never saved.
@@ -33,9 +44,9 @@ QString IncludeFolderFor(const QString& DocumentPath);
 // "-I" and the folder, as two arguments; nothing for an empty folder.
 QStringList IncludeFolderArguments(const QString& Folder);
 
-// The command as one line of text: the program and each argument that is not a switch in
-// double quotes followed by a blank, then " -name" per switch. SplitCommandLine gives the
-// command back as long as no part holds a double quote.
+// The command as one line of text, in argument order: the program and each argument that is
+// not a switch in double quotes followed by a blank, each switch as " -name". SplitCommandLine
+// gives the command back as long as no part holds a double quote.
 QString FormatCommandLine(const SCompileCommand& Command);
 
 // Splits a command template into words. Blanks separate words outside double quotes; a double
@@ -62,7 +73,9 @@ QString ExpandPlaceholders(const QString& Word, const SSourcePlaceholders& Value
 
 // A compile-to-file template turned into a command: split first, placeholders expanded in each
 // word afterwards, so whatever the file name holds (blanks, quotes, semicolons) stays inside
-// its one argument. An empty template gives an empty program.
+// its one argument. A word that only starts with "-" because of its placeholder's value (a
+// file named -x.frag) gets "./" in front, so it is never read as an option. An empty template
+// gives an empty program.
 SCompileCommand CommandFromTemplate(const QString& Template, const SSourcePlaceholders& Values,
                                     const QString& ShaderName = QString());
 

@@ -189,18 +189,21 @@ ECompileStatus CompileSource(const SCompileUnit& Unit, const QByteArray& Source,
 }
 
 ECompileStatus RunFileCommand(const SCompileUnit& Unit, const SCompileCommand& Command, const QString& WorkingDirectory,
-                              qint64 iOutputCap, CRunControl& Control, SCompileResult& Result)
+                              qint64 iOutputCap, CRunControl& Control, SCompileResult& Result,
+                              const QString& CleanupFolder)
 {
     SUnitOutputs Outputs;
-    if (Command.Arguments.size() >= 3)
+    const QStringList Positional = PositionalArguments(Command);
+    if (Positional.size() >= 3)
     {
-        Outputs.OutputBase = QDir(WorkingDirectory).filePath(Command.Arguments.at(2));
+        Outputs.OutputBase = QDir(WorkingDirectory).filePath(Positional.at(2));
         Outputs.bProfile = AsksFor(Command, "-profile");
         Outputs.bDisassembly = AsksFor(Command, "-disasm");
     }
     SRunOptions Options;
     Options.WorkingDirectory = WorkingDirectory;
     Options.iOutputCap = iOutputCap;
+    Options.CleanupFolder = CleanupFolder;
     const SCommandRun Run = RunCommand(Command, Control, Options);
     return JudgeRun(Unit, Run, Outputs, iOutputCap, Result);
 }

@@ -36,11 +36,13 @@ ECompileStatus CompileSource(const SCompileUnit& Unit, const QByteArray& Source,
                              CRunControl& Control, SCompileResult& Result);
 
 // Runs a ready compile-to-file command in WorkingDirectory and adds its outcome to Result the
-// same way. Its third argument is the output base whose ".prof" and ".disasm" files are read
-// when the command has a "-profile" or "-disasm" argument; they are the user's files and stay
-// where they are.
+// same way. Its third positional argument is the output base whose ".prof" and ".disasm" files
+// are read when the command has a "-profile" or "-disasm" argument; they are the user's files
+// and stay where they are. CleanupFolder: a private folder the command reads from, removed
+// should the editor die while the command runs.
 ECompileStatus RunFileCommand(const SCompileUnit& Unit, const SCompileCommand& Command, const QString& WorkingDirectory,
-                              qint64 iOutputCap, CRunControl& Control, SCompileResult& Result);
+                              qint64 iOutputCap, CRunControl& Control, SCompileResult& Result,
+                              const QString& CleanupFolder = QString());
 
 // The QTemporaryDir template of a private folder inside TempDirectory (the system's temporary
 // folder when that is empty): an unpredictable name, made with mode 0700.

@@ -224,7 +224,8 @@ bool CompileFile(CShaderEditController& Controller, const SHeadlessRequest& Requ
         QObject::connect(Interruption.GetNotifier(), &QSocketNotifier::activated, &Loop, &QEventLoop::quit);
     const QString FullPath = QFileInfo(Path).absoluteFilePath();
     const CZamTHash PanelID(FullPath.toUtf8().constData());
-    Controller.OnCompilePanel(PanelID, Contents, eType, CompileInvocation_Background);
+    // An effect's FILE shaders are beside it, wherever the run was started from.
+    Controller.CompilePanelIn(QFileInfo(FullPath).absolutePath(), PanelID, Contents, eType, CompileInvocation_Background);
     Limit.start(Request.iTimeoutSeconds * 1000);
     if (Interruption.GetSignal() == 0)
         Loop.exec();

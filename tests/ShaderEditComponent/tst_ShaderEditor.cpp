@@ -30,6 +30,7 @@ private slots:
     void NewFileNames();
     void NewFilesThroughTheTabs();
     void NewEffectFileCompiles();
+    void EffectFindsItsFilesBesideIt();
 
     void CloseQuestion_data();
     void CloseQuestion();
@@ -45,6 +46,15 @@ private slots:
     void FollowsTheControllersSettings();
 
 private:
+    struct SDelivered
+    {
+        SCompileResult Last;
+        QString Log;
+        int iResults = 0;
+    };
+    // A controller with the bundled compiler, wired to the editor; null when the compiler is
+    // not part of the build.
+    std::unique_ptr<CShaderEditController> BundledCompilerController(SDelivered& Delivered);
     QString WriteFile(const QString& Name, const QByteArray& Bytes);
     static QByteArray ReadFile(const QString& Path);
     QStringList TabTitles() const;
@@ -143,47 +153,82 @@ void CShaderEditorTest::NewFilesThroughTheTabs()
     QCOMPARE(m_pEditor->GetPanel(0)->GetPanelID(), CZamTHash(""));
 }
 
+std::unique_ptr<CShaderEditController> CShaderEditorTest::BundledCompilerController(SDelivered& Delivered)
+{
+    const QString BinDir = qEnvironmentVariable("ZAM_BIN_DIR");
+    if (!QFileInfo(QDir(BinDir).filePath(QStringLiteral("glslcompiler_zc1"))).isExecutable())
+        return nullptr;
+    SShaderEditControllerOptions Options;
+    Options.CompilerSearchPaths = {BinDir};
+    auto pController = std::make_unique<CShaderEditController>(Options);
+    // Whatever an earlier test stored: compile in the background, with the first bundled core.
+    Settings::SCompiler Compiler = pController->GetCompilerSettings();
+    Compiler.bAutoCompile = true;
+    Compiler.uiCompilerSelection = 0;
+    pController->SetCompilerSettings(Compiler, Settings::CompilerSetting_All);
+    pController->WaitForCompilerDetection();
+    connect(pController.get(), &CShaderEditController::CompileProfileChanged, this,
+            [&Delivered](const SCompileResult& Result)
+            {
+                Delivered.Last = Result;
+                Delivered.Log = QString::fromUtf8(Result.Log.GetString());
+                ++Delivered.iResults;
+            });
+    m_pEditor->SetController(pController.get());
+    return pController;
+}
+
 // The new-file dialog promises a basic template for effect files: it is one the bundled
 // compiler takes as it is.
 void CShaderEditorTest::NewEffectFileCompiles()
 {
-    const QString BinDir = qEnvironmentVariable("ZAM_BIN_DIR");
-    if (!QFileInfo(QDir(BinDir).filePath(QStringLiteral("glslcompiler_zc1"))).isExecutable())
+    SDelivered Delivered;
+    const auto pController = BundledCompilerController(Delivered);
+    if (!pController)
         QSKIP("the bundled compiler is not part of this build");
-    SShaderEditControllerOptions Options;
-    Options.CompilerSearchPaths = {BinDir};
-    CShaderEditController Controller(Options);
-    // Whatever an earlier test stored: compile in the background, with the first bundled core.
-    Settings::SCompiler Compiler = Controller.GetCompilerSettings();
-    Compiler.bAutoCompile = true;
-    Compiler.uiCompilerSelection = 0;
-    Controller.SetCompilerSettings(Compiler, Settings::CompilerSetting_All);
-    Controller.WaitForCompilerDetection();
-    SCompileResult Result;
-    int iResults = 0;
-    connect(&Controller, &CShaderEditController::CompileProfileChanged, this,
-            [&](const SCompileResult& Delivered)
-            {
-                Result = Delivered;
-                ++iResults;
-            });
-    m_pEditor->SetController(&Controller);
 
     m_pEditor->OnNewFile(DocType_ZFXGLSLES);
     CShaderEditPanel* pPanel = m_pEditor->GetCurrentPanel();
     QVERIFY(!pPanel->IsModified());
     QCOMPARE(TabTitles(), QStringList{"New File"});
-    QTRY_COMPARE_WITH_TIMEOUT(iResults, 1, 30000);
-    QCOMPARE(QString::fromUtf8(Result.Log.GetString()),
-             QStringLiteral("MainVS: Compile succeeded.\nMainFS: Compile succeeded.\n"));
-    QCOMPARE(Result.iStatus, 0);
-    QCOMPARE(Result.Profiles.GetSize(), 2u);
+    QTRY_COMPARE_WITH_TIMEOUT(Delivered.iResults, 1, 30000);
+    QCOMPARE(Delivered.Log, QStringLiteral("MainVS: Compile succeeded.\nMainFS: Compile succeeded.\n"));
+    QCOMPARE(Delivered.Last.iStatus, 0);
+    QCOMPARE(Delivered.Last.Profiles.GetSize(), 2u);
 
     // The desktop effect gets the same effect; the other types start empty.
     m_pEditor->OnNewFile(DocType_ZFXGLSL);
     QCOMPARE(m_pEditor->GetCurrentPanel()->toPlainText(), pPanel->toPlainText());
     m_pEditor->OnNewFile(DocType_GLSLESFragment);
     QVERIFY(m_pEditor->GetCurrentPanel()->toPlainText().isEmpty());
+}
+
+// An effect's FILE shaders are beside it, whatever folder the editor was started in; a tab
+// never saved looks in the folder last opened from or saved to.
+void CShaderEditorTest::EffectFindsItsFilesBesideIt()
+{
+    SDelivered Delivered;
+    const auto pController = BundledCompilerController(Delivered);
+    if (!pController)
+        QSKIP("the bundled compiler is not part of this build");
+    QVERIFY(QDir(m_pDir->path()).mkdir(QStringLiteral("fx")));
+    WriteFile(QStringLiteral("fx/lit.frag"), "precision mediump float;\nvoid main() { gl_FragColor = vec4(1.0); }\n");
+    // The precision line makes it a GLSL ES effect, which is compiled in the background.
+    const QByteArray Effect = "[VERTEXSHADER]\nNAME vs\n[GLSL_CODE]\nprecision highp float;\n"
+                              "void main() { gl_Position = vec4(0.0); }\n"
+                              "[/GLSL_CODE]\n[/VERTEXSHADER]\n[FRAGMENTSHADER]\nNAME fs\nFILE lit.frag\n"
+                              "[/FRAGMENTSHADER]\n[EFFECT]\nNAME e\nVERTEXSHADER vs\nFRAGMENTSHADER fs\n[/EFFECT]\n";
+    const QString Expected = QStringLiteral("vs: Compile succeeded.\nfs: Compile succeeded.\n");
+
+    QVERIFY(m_pEditor->OnOpenFile(WriteFile(QStringLiteral("fx/scene.zfx"), Effect)));
+    QTRY_COMPARE_WITH_TIMEOUT(Delivered.iResults, 1, 30000);
+    QCOMPARE(Delivered.Log, Expected);
+
+    m_pEditor->OnNewFile(DocType_ZFXGLSLES);
+    QTRY_COMPARE_WITH_TIMEOUT(Delivered.iResults, 2, 30000); // its template
+    m_pEditor->GetCurrentPanel()->setPlainText(QString::fromLatin1(Effect));
+    QTRY_COMPARE_WITH_TIMEOUT(Delivered.iResults, 3, 30000);
+    QCOMPARE(Delivered.Log, Expected);
 }
 
 void CShaderEditorTest::CloseQuestion_data()

@@ -427,13 +427,13 @@ void CCompilePipelineTest::EffectShadersInFiles()
 
     SDelivery Delivery;
     auto pController = MakeController(Delivery);
-    pController->OnCompilePanel(CZamTHash("fx"), Effect, DocType_ZFXGLSLES, CompileInvocation_Background, 0, Folder);
+    pController->CompilePanelIn(Folder, CZamTHash("fx"), Effect, DocType_ZFXGLSLES, CompileInvocation_Background);
     QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 1, 60000);
     QCOMPARE(Delivery.LastLog, QStringLiteral("SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\n"
                                               "TexturedFS: Compile succeeded.\n"));
 
     Effect.replace(QStringLiteral("shaders/flat.frag"), QStringLiteral("shaders/gone.frag"));
-    pController->OnCompilePanel(CZamTHash("fx"), Effect, DocType_ZFXGLSLES, CompileInvocation_Background, 0, Folder);
+    pController->CompilePanelIn(Folder, CZamTHash("fx"), Effect, DocType_ZFXGLSLES, CompileInvocation_Background);
     QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 2, 60000);
     QVERIFY2(Delivery.LastLog.startsWith(QStringLiteral("Error loading file '%1/shaders/gone.frag'").arg(Folder)),
              qPrintable(Delivery.LastLog));

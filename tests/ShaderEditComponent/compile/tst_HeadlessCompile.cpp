@@ -44,6 +44,7 @@ private slots:
     void EndedEditorLeavesNothingBehind();
     void TimeLimitCancelsTheCompile();
     void OnlyRegularFilesAreRead();
+    void EffectShadersBesideTheEffect();
 
 private:
     // Stores Executable as the custom compiler in the preference file the host reads.
@@ -198,6 +199,22 @@ void CHeadlessCompileTest::OnlyRegularFilesAreRead()
     QVERIFY2(Err.contains("not a regular file") && Err.contains("256 MiB"), qPrintable(Err));
     // The good file after them still compiles.
     QCOMPARE(m_Host.readAllStandardOutput(), QByteArray("GLSL:ES Fragment Shader: Compile succeeded.\n"));
+}
+
+// Started from another folder, an effect still finds its FILE shaders beside itself.
+void CHeadlessCompileTest::EffectShadersBesideTheEffect()
+{
+    UseCompiler(Fake("print"));
+    QVERIFY(QDir().mkpath(m_Temp.filePath("fx")));
+    QVERIFY(WriteFile(m_Temp.filePath("fx/lit.frag"), kShader));
+    QVERIFY(WriteFile(m_Temp.filePath("fx/scene.zfx"),
+                      "[VERTEXSHADER]\nNAME vs\n[GLSL_CODE]\nvoid main() { gl_Position = vec4(0.0); }\n"
+                      "[/GLSL_CODE]\n[/VERTEXSHADER]\n[FRAGMENTSHADER]\nNAME fs\nFILE lit.frag\n[/FRAGMENTSHADER]\n"
+                      "[EFFECT]\nNAME e\nVERTEXSHADER vs\nFRAGMENTSHADER fs\n[/EFFECT]\n"));
+    Start({"fx/scene.zfx"}); // the host runs in the folder above fx
+    QVERIFY(m_Host.waitForFinished(30000));
+    QCOMPARE(m_Host.readAllStandardOutput(), QByteArray("vs: Compile succeeded.\nfs: Compile succeeded.\n"));
+    QCOMPARE(m_Host.exitCode(), 0);
 }
 
 QTEST_GUILESS_MAIN(CHeadlessCompileTest)
