@@ -8,7 +8,7 @@ QString UsageText()
 {
     return QStringLiteral(
         "Usage: zamshadereditor [--help] [--version] [FILE]\n"
-        "       zamshadereditor --compile [--core zc1|zc2|zc3|zd1] FILE...\n"
+        "       zamshadereditor --compile [--core zc1|zc2|zc3|zd1] [--timeout SECONDS] FILE...\n"
         "\n"
         "A shader editor that compiles GLSL ES, desktop GLSL, OpenCL and effect files while you\n"
         "type and shows the log, the TXE disassembly, a performance profile and per-line cycle\n"
@@ -19,6 +19,7 @@ QString UsageText()
         "                every file compiled\n"
         "  --core NAME   with --compile: the target core (default: the one chosen in the\n"
         "                preferences)\n"
+        "  --timeout S   with --compile: give up on a file after S seconds (default 60)\n"
         "  --version     print the version and exit\n"
         "  --help        print this text and exit\n");
 }

@@ -1,0 +1,150 @@
+// The zamshadereditor program as a user starts it: the options that need no display, and a
+// second start handing its file to the running editor, which records it among the recent
+// files in the preference file.
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <signal.h>
+
+namespace
+{
+constexpr int s_iWaitMs = 30000;
+
+QString Editor()
+{
+    return qEnvironmentVariable("ZAM_BIN_DIR") + QStringLiteral("/zamshadereditor");
+}
+
+// A user of their own: configuration, runtime folder, and no splash to answer.
+class CUser
+{
+public:
+    CUser()
+    {
+        m_Environment = QProcessEnvironment::systemEnvironment();
+        m_Environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_Home.filePath(QStringLiteral("config")));
+        m_Environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_Home.filePath(QStringLiteral("run")));
+        m_Environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        m_Environment.insert(QStringLiteral("ZAM_STARTUP_PROBE"), QStringLiteral("1"));
+        QDir().mkpath(m_Home.filePath(QStringLiteral("run")));
+        QFile::setPermissions(m_Home.filePath(QStringLiteral("run")),
+                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QDir().mkpath(PreferenceFolder());
+        QFile Preferences(PreferenceFolder() + QStringLiteral("/ZamShaderEditor.plist"));
+        if (Preferences.open(QIODevice::WriteOnly))
+            Preferences.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
+                              "<key>About</key><dict><key>ShowSplash</key><false/></dict></dict></plist>\n");
+    }
+
+    QString PreferenceFolder() const { return m_Home.filePath(QStringLiteral("config/Brenmoor Systems")); }
+    QByteArray Preferences() const
+    {
+        QFile File(PreferenceFolder() + QStringLiteral("/ZamShaderEditor.plist"));
+        return File.open(QIODevice::ReadOnly) ? File.readAll() : QByteArray();
+    }
+    QString File(const QString& Name) const
+    {
+        QFile Shader(m_Home.filePath(Name));
+        if (Shader.open(QIODevice::WriteOnly))
+            Shader.write("precision mediump float;\nvoid main() { gl_FragColor = vec4(1.0); }\n");
+        return Shader.fileName();
+    }
+
+    void Start(QProcess& Process, const QStringList& Arguments) const
+    {
+        Process.setProcessEnvironment(m_Environment);
+        Process.start(Editor(), Arguments);
+    }
+
+    // The running editor, once it has painted its window.
+    bool StartFirst(QProcess& Process) const
+    {
+        Start(Process, {});
+        return QTest::qWaitFor([&] { return Process.readAllStandardError().contains("zam-first-paint") ||
+                                            Process.state() == QProcess::NotRunning; },
+                               s_iWaitMs) &&
+               Process.state() == QProcess::Running;
+    }
+
+    // A second start; its exit code, or -1 when it did not end by itself.
+    int RunSecond(const QStringList& Arguments) const
+    {
+        QProcess Second;
+        Start(Second, Arguments);
+        if (!Second.waitForFinished(s_iWaitMs) || Second.exitStatus() != QProcess::NormalExit)
+            return -1;
+        return Second.exitCode();
+    }
+
+private:
+    QTemporaryDir m_Home;
+    QProcessEnvironment m_Environment;
+};
+
+QByteArray StoredPath(const QString& Path)
+{
+    return QString(Path).replace(QLatin1Char('/'), QLatin1Char('\\')).toUtf8();
+}
+} // namespace
+
+class tst_EditorProcess : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void informationNeedsNoDisplay();
+    void secondStartsHandOverToTheEditor();
+};
+
+void tst_EditorProcess::informationNeedsNoDisplay()
+{
+    QProcessEnvironment Environment = QProcessEnvironment::systemEnvironment();
+    // A window system that is not there: any attempt to open a window would fail.
+    Environment.remove(QStringLiteral("DISPLAY"));
+    Environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    Environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    for (const char* pOption : {"--help", "--version"})
+    {
+        QProcess Process;
+        Process.setProcessEnvironment(Environment);
+        Process.start(Editor(), {QLatin1String(pOption)});
+        QVERIFY(Process.waitForFinished(s_iWaitMs));
+        QCOMPARE(Process.exitCode(), 0);
+        const QByteArray Output = Process.readAllStandardOutput();
+        QVERIFY2(Output.contains(qstrcmp(pOption, "--help") == 0 ? "Usage: zamshadereditor" : "ZamShaderEditor 2.0 (SDK build"),
+                 Output.constData());
+    }
+}
+
+void tst_EditorProcess::secondStartsHandOverToTheEditor()
+{
+    CUser User;
+    const QString Shader = User.File(QStringLiteral("handed over.frag"));
+    QProcess First;
+    QVERIFY(User.StartFirst(First));
+
+    QCOMPARE(User.RunSecond({Shader}), 0);
+    // The running editor opened it: it is now its most recent file.
+    QVERIFY(QTest::qWaitFor([&] { return User.Preferences().contains(StoredPath(Shader)); }, s_iWaitMs));
+    // A missing file changes nothing, and that start still ends cleanly.
+    QCOMPARE(User.RunSecond({User.File(QStringLiteral("x")) + QStringLiteral(".missing")}), 0);
+    QVERIFY(First.state() == QProcess::Running);
+
+    // After a crash of the running editor the next start is the editor itself.
+    ::kill(static_cast<pid_t>(First.processId()), SIGKILL);
+    QVERIFY(First.waitForFinished(s_iWaitMs));
+    QProcess Next;
+    QVERIFY(User.StartFirst(Next));
+    const QString Later = User.File(QStringLiteral("later.frag"));
+    QCOMPARE(User.RunSecond({Later}), 0);
+    QVERIFY(QTest::qWaitFor([&] { return User.Preferences().contains(StoredPath(Later)); }, s_iWaitMs));
+    Next.kill();
+    Next.waitForFinished(s_iWaitMs);
+}
+
+QTEST_GUILESS_MAIN(tst_EditorProcess)
+#include "tst_EditorProcess.moc"
