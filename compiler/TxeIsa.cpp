@@ -1,5 +1,7 @@
 #include "TxeIsa.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cstdio>
 
 namespace ZamCompiler
@@ -93,37 +95,59 @@ char FileLetter(ETxeFile eFile)
     }
 }
 
-// Integer immediates print every digit; floats as briefly as they read back.
-std::string FormatValue(double dValue, ETxeType eType)
+void AppendInteger(std::string& out, long long llValue)
 {
-    char acBuf[32];
-    if (eType == Type_Float)
-        std::snprintf(acBuf, sizeof(acBuf), "%g", dValue);
-    else
-        std::snprintf(acBuf, sizeof(acBuf), "%.0f", dValue);
-    return acBuf;
+    char acBuf[24];
+    const std::to_chars_result result = std::to_chars(acBuf, acBuf + sizeof(acBuf), llValue);
+    out.append(acBuf, result.ptr);
 }
 
-std::string FormatImmediate(const STxeProgram& program, const STxeOperand& op)
+// Integer immediates print every digit; floats as briefly as they read back.
+void AppendValue(std::string& out, double dValue, ETxeType eType)
+{
+    char acBuf[32];
+    const int iLength = eType == Type_Float ? std::snprintf(acBuf, sizeof(acBuf), "%g", dValue)
+                                            : std::snprintf(acBuf, sizeof(acBuf), "%.0f", dValue);
+    out.append(acBuf, static_cast<std::size_t>(std::max(0, iLength)));
+}
+
+void AppendLane(std::string& out, const STxeProgram& program, std::size_t uiLane, ETxeType eType,
+                const std::vector<std::string>* pPoolTexts)
+{
+    if (pPoolTexts && uiLane < pPoolTexts->size())
+        out += (*pPoolTexts)[uiLane];
+    else
+        AppendValue(out, program.aPool[uiLane], eType);
+}
+
+void AppendImmediate(std::string& out, const STxeProgram& program, const STxeOperand& op,
+                     const std::vector<std::string>* pPoolTexts)
 {
     const std::size_t uiBase = static_cast<std::size_t>(op.iIndex) * 4;
     if (uiBase + 4 > program.aPool.size())
-        return "#?";
+    {
+        out += "#?";
+        return;
+    }
     const std::size_t uiEntry = static_cast<std::size_t>(op.iIndex);
     const ETxeType eType = uiEntry < program.aPoolTypes.size() ? program.aPoolTypes[uiEntry] : Type_Float;
     bool bSplat = true;
     for (int i = 1; i < op.uiCount; ++i)
         bSplat = bSplat && program.aPool[uiBase + op.auiSwizzle[i]] == program.aPool[uiBase + op.auiSwizzle[0]];
+    out += '#';
     if (bSplat || op.uiCount <= 1)
-        return "#" + FormatValue(program.aPool[uiBase + op.auiSwizzle[0]], eType);
-    std::string text = "#(";
+    {
+        AppendLane(out, program, uiBase + op.auiSwizzle[0], eType, pPoolTexts);
+        return;
+    }
+    out += '(';
     for (int i = 0; i < op.uiCount; ++i)
     {
         if (i)
-            text += ", ";
-        text += FormatValue(program.aPool[uiBase + op.auiSwizzle[i]], eType);
+            out += ", ";
+        AppendLane(out, program, uiBase + op.auiSwizzle[i], eType, pPoolTexts);
     }
-    return text + ")";
+    out += ')';
 }
 
 } // namespace
@@ -133,22 +157,46 @@ const STxeOpInfo& TxeOpInfo(ETxeOp eOp)
     return s_aOpInfo[eOp < Op_Count ? eOp : Op_Mov];
 }
 
-std::string FormatOperand(const STxeProgram& program, const STxeOperand& op, bool bDestination)
+std::vector<std::string> ImmediateTexts(const STxeProgram& program)
+{
+    std::vector<std::string> aTexts(program.aPool.size());
+    for (std::size_t i = 0; i < program.aPool.size(); ++i)
+    {
+        const ETxeType eType = i / 4 < program.aPoolTypes.size() ? program.aPoolTypes[i / 4] : Type_Float;
+        AppendValue(aTexts[i], program.aPool[i], eType);
+    }
+    return aTexts;
+}
+
+void AppendOperand(std::string& out, const STxeProgram& program, const STxeOperand& op, bool bDestination,
+                   const std::vector<std::string>* pPoolTexts)
 {
     if (op.eFile == File_Immediate)
-        return (op.bNegate ? "-" : "") + FormatImmediate(program, op);
-
-    std::string reg;
+    {
+        if (op.bNegate)
+            out += '-';
+        AppendImmediate(out, program, op, pPoolTexts);
+        return;
+    }
+    if (!bDestination && op.bNegate)
+        out += '-';
+    if (!bDestination && op.bAbs)
+        out += '|';
+    out += FileLetter(op.eFile);
     if (op.iRelative >= 0)
     {
-        reg = std::string(1, FileLetter(op.eFile)) + "[r" + std::to_string(op.iRelative) + "." + "xyzw"[op.iRelativeLane & 3] +
-              "+" + std::to_string(op.iIndex) + "]";
+        out += "[r";
+        AppendInteger(out, op.iRelative);
+        out += '.';
+        out += "xyzw"[op.iRelativeLane & 3];
+        out += '+';
+        AppendInteger(out, op.iIndex);
+        out += ']';
     }
     else
     {
-        reg = std::string(1, FileLetter(op.eFile)) + std::to_string(op.iIndex);
+        AppendInteger(out, op.iIndex);
     }
-
     if (op.eFile != File_Sampler)
     {
         bool bIdentity = op.uiCount == 4;
@@ -156,40 +204,50 @@ std::string FormatOperand(const STxeProgram& program, const STxeOperand& op, boo
             bIdentity = op.auiSwizzle[i] == i;
         if (!bIdentity)
         {
-            reg += '.';
+            out += '.';
             for (int i = 0; i < op.uiCount; ++i)
-                reg += "xyzw"[op.auiSwizzle[i] & 3];
+                out += "xyzw"[op.auiSwizzle[i] & 3];
         }
     }
     if (!bDestination && op.bAbs)
-        reg = "|" + reg + "|";
-    if (!bDestination && op.bNegate)
-        reg = "-" + reg;
-    return reg;
+        out += '|';
 }
 
-std::string FormatInstruction(const STxeProgram& program, const STxeInstruction& instr)
+std::string FormatOperand(const STxeProgram& program, const STxeOperand& op, bool bDestination)
+{
+    std::string text;
+    AppendOperand(text, program, op, bDestination);
+    return text;
+}
+
+void AppendInstruction(std::string& out, const STxeProgram& program, const STxeInstruction& instr,
+                       const std::vector<std::string>* pPoolTexts)
 {
     const STxeOpInfo& info = TxeOpInfo(instr.eOp);
-    std::string text = info.pMnemonic;
+    const std::size_t uiStart = out.size();
+    out += info.pMnemonic;
     if (instr.eType == Type_Int)
-        text += ".i";
+        out += ".i";
     else if (instr.eType == Type_Uint)
-        text += ".u";
+        out += ".u";
     if (instr.eOp == Op_Loop)
     {
+        out += ' ';
         if (instr.trips.bKnown)
-            return text + " " + std::to_string(instr.trips.iWorst);
-        return text + " ?";
+            AppendInteger(out, instr.trips.iWorst);
+        else
+            out += '?';
+        return;
     }
     const bool bHasDst = instr.dst.eFile != File_None;
     if (!bHasDst && info.iSources == 0)
-        return text;
-    text.resize(text.size() < 8 ? 8 : text.size() + 1, ' ');
+        return;
+    const std::size_t uiMnemonic = out.size() - uiStart;
+    out.append(uiMnemonic < 8 ? 8 - uiMnemonic : 1, ' ');
     bool bFirst = true;
     if (bHasDst)
     {
-        text += FormatOperand(program, instr.dst, true);
+        AppendOperand(out, program, instr.dst, true, pPoolTexts);
         bFirst = false;
     }
     for (int i = 0; i < info.iSources; ++i)
@@ -197,10 +255,16 @@ std::string FormatInstruction(const STxeProgram& program, const STxeInstruction&
         if (instr.aSrc[i].eFile == File_None)
             continue;
         if (!bFirst)
-            text += ", ";
-        text += FormatOperand(program, instr.aSrc[i], false);
+            out += ", ";
+        AppendOperand(out, program, instr.aSrc[i], false, pPoolTexts);
         bFirst = false;
     }
+}
+
+std::string FormatInstruction(const STxeProgram& program, const STxeInstruction& instr)
+{
+    std::string text;
+    AppendInstruction(text, program, instr);
     return text;
 }
 

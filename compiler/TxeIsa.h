@@ -193,5 +193,13 @@ struct STxeProgram
 // "mul r0.xyz, a1.xyz, c0.x" (no line, no cost).
 std::string FormatInstruction(const STxeProgram& program, const STxeInstruction& instr);
 std::string FormatOperand(const STxeProgram& program, const STxeOperand& op, bool bDestination);
+// The same, appended: a listing of thousands of instructions builds one string. With
+// pPoolTexts (ImmediateTexts of the program) immediates are not formatted again.
+void AppendInstruction(std::string& out, const STxeProgram& program, const STxeInstruction& instr,
+                       const std::vector<std::string>* pPoolTexts = nullptr);
+void AppendOperand(std::string& out, const STxeProgram& program, const STxeOperand& op, bool bDestination,
+                   const std::vector<std::string>* pPoolTexts = nullptr);
+// Every lane of the immediate pool as the listing prints it.
+std::vector<std::string> ImmediateTexts(const STxeProgram& program);
 
 } // namespace ZamCompiler

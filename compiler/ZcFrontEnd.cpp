@@ -143,6 +143,7 @@ int MeasureTreeDepth(TIntermNode* pRoot, int& iLine)
 {
     iLine = 1;
     std::vector<std::pair<TIntermNode*, int>> aStack;
+    aStack.reserve(256);
     if (pRoot)
         aStack.emplace_back(pRoot, 1);
     int iMax = 0;
@@ -160,6 +161,8 @@ int MeasureTreeDepth(TIntermNode* pRoot, int& iLine)
             if (pNode->getLoc().line > 0)
                 iLine = pNode->getLoc().line;
         }
+        if (pNode->getAsSymbolNode() || pNode->getAsConstantUnion())
+            continue; // leaves, the most common nodes
         if (auto* pBinary = pNode->getAsBinaryNode())
         {
             push(pBinary->getLeft(), iDepth + 1);

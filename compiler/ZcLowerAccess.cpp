@@ -20,7 +20,7 @@ int ConstantIndex(TIntermTyped* pIndex)
 
 int ElementSlots(const TType& arrayType)
 {
-    return static_cast<int>(SlotLanes(TType(arrayType, 0)).size());
+    return SlotCount(TType(arrayType, 0));
 }
 
 // After the path narrowed to one slot, every lane of that slot is selected.
@@ -179,8 +179,8 @@ bool CExpressionLowerer::ResolveMember(TIntermBinary* pNode, SAccess& access)
     if (iMember < 0 || iMember >= static_cast<int>(members.size()))
         return IndexOutOfRange(pNode, iMember);
     for (int i = 0; i < iMember; ++i)
-        access.iSlot += static_cast<int>(SlotLanes(*members[i].type).size());
-    access.iSlotCount = static_cast<int>(SlotLanes(*members[iMember].type).size());
+        access.iSlot += SlotCount(*members[i].type);
+    access.iSlotCount = SlotCount(*members[iMember].type);
     SelectWholeSlot(access);
     return true;
 }
@@ -194,7 +194,7 @@ bool CExpressionLowerer::ResolveSwizzle(TIntermBinary* pNode, SAccess& access)
         m_builder.Refuse(iLine, access.pVariable->name, "this swizzle");
         return false;
     }
-    std::vector<std::uint8_t> aLanes;
+    CLanes aLanes;
     for (TIntermNode* pSelector : pSelectors->getSequence())
     {
         const int iLane = pSelector->getAsTyped() ? ConstantIndex(pSelector->getAsTyped()) : -1;

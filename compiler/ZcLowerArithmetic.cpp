@@ -164,13 +164,15 @@ bool LowerArithmetic(CProgramBuilder& builder, TOperator eOp, const TType& type,
         return !builder.Failed();
     }
 
-    const std::vector<std::uint8_t> aResultLanes = SlotLanes(type);
+    // Operators work on scalars, vectors and matrices: every slot has the same lanes.
+    const int iResultLanes = LanesOf(type);
+    const std::size_t uiResultSlots = static_cast<std::size_t>(SlotCount(type));
     const bool bInteger = IsIntegerType(type.getBasicType());
     const CTypeScope scope(builder, TxeTypeOf(type.getBasicType()));
     const std::size_t uiSlots = std::max(left.aSlots.size(), right.aSlots.size());
     for (std::size_t k = 0; k < uiSlots; ++k)
     {
-        const int iLanes = k < aResultLanes.size() ? aResultLanes[k] : 4;
+        const int iLanes = k < uiResultSlots ? iResultLanes : 4;
         const STxeOperand a = Broadcast(left.aSlots[std::min(k, left.aSlots.size() - 1)], iLanes);
         const STxeOperand b = Broadcast(right.aSlots[std::min(k, right.aSlots.size() - 1)], iLanes);
         STxeOperand result;

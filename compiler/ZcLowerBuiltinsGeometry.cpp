@@ -162,7 +162,7 @@ struct SMatrix4Parts
 SMatrix4Parts Matrix4Parts(const SBuiltinCall& call, const SValue& m)
 {
     SMatrix4Parts parts;
-    const std::vector<std::uint8_t> xyz = {0, 1, 2};
+    const CLanes xyz = {0, 1, 2};
     parts.a = Swizzled(m.aSlots[0], xyz);
     parts.b = Swizzled(m.aSlots[1], xyz);
     parts.c = Swizzled(m.aSlots[2], xyz);

@@ -99,7 +99,7 @@ bool CCallInliner::BindIn(TIntermSymbol* pParam, TIntermTyped* pArg, TIntermNode
     if (!m_expressions.Lower(pArg, argValue))
         return false;
     // A global could change under the callee, an out argument would change it.
-    bool bAliasable = !pParam->getType().isArray() && !WritesVariable(pBody, pParam->getId());
+    bool bAliasable = !pParam->getType().isArray() && !m_facts.Writes(pBody, pParam->getId());
     for (const STxeOperand& op : argValue.aSlots)
     {
         bAliasable = bAliasable && op.eFile != File_Output && op.iRelative < 0 &&
@@ -184,14 +184,27 @@ bool CCallInliner::BindParameters(TIntermAggregate* pCall, TIntermAggregate* pDe
     return true;
 }
 
+CCallInliner::SReturnShape CCallInliner::ReturnShape(TIntermNode* pBody)
+{
+    const auto it = m_mapReturnShapes.find(pBody);
+    if (it != m_mapReturnShapes.end())
+        return it->second;
+    const SReturnCount returns = CountReturns(pBody);
+    SReturnShape shape;
+    shape.bWrapped = returns.iReturns > 1 || (returns.iReturns == 1 && !EndsWithReturn(pBody));
+    shape.bNeedsFlag = shape.bWrapped && returns.bInsideLevel;
+    m_mapReturnShapes.emplace(pBody, shape);
+    return shape;
+}
+
 // A body with a return before its end runs inside a one-trip loop, each return a break;
 // a return nested in a loop or switch also sets a flag that breaks the levels around it.
 bool CCallInliner::RunBody(const std::string& mangled, TIntermNode* pBody, int iLine, SValue& result)
 {
-    const SReturnCount returns = CountReturns(pBody);
-    const bool bWrapped = returns.iReturns > 1 || (returns.iReturns == 1 && !EndsWithReturn(pBody));
+    const SReturnShape shape = ReturnShape(pBody);
+    const bool bWrapped = shape.bWrapped;
     int iReturnFlag = -1;
-    if (bWrapped && returns.bInsideLevel)
+    if (shape.bNeedsFlag)
     {
         iReturnFlag = m_builder.NewRegister();
         m_builder.MarkVariable(iReturnFlag);

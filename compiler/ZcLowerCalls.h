@@ -15,14 +15,15 @@ namespace ZamCompiler
 {
 
 class CStatementLowerer;
+class CTreeFacts;
 
 class CCallInliner
 {
 public:
     CCallInliner(CProgramBuilder& builder, CVariableStore& variables, CKnownValues& known, CControlStack& control,
-                 CExpressionLowerer& expressions, CStatementLowerer& statements)
+                 CExpressionLowerer& expressions, CStatementLowerer& statements, CTreeFacts& facts)
         : m_builder(builder), m_variables(variables), m_known(known), m_control(control), m_expressions(expressions),
-          m_statements(statements)
+          m_statements(statements), m_facts(facts)
     {
     }
 
@@ -57,8 +58,18 @@ private:
     CControlStack& m_control;
     CExpressionLowerer& m_expressions;
     CStatementLowerer& m_statements;
+    // What a body's returns need, found once per function.
+    struct SReturnShape
+    {
+        bool bWrapped = false;    // a return before the end: the body runs in a one-trip loop
+        bool bNeedsFlag = false;  // a return inside a loop or switch
+    };
+    SReturnShape ReturnShape(TIntermNode* pBody);
+
     std::unordered_map<std::string, glslang::TIntermAggregate*> m_mapFunctions;
     std::set<std::string> m_setActiveFunctions;
+    std::unordered_map<const TIntermNode*, SReturnShape> m_mapReturnShapes;
+    CTreeFacts& m_facts;
 };
 
 } // namespace ZamCompiler

@@ -108,7 +108,7 @@ void MoveLiterals(CProgramBuilder& builder, const CColumnSources& aSources, cons
                   std::vector<bool>& abDone, int iLine)
 {
     float afLiteral[4] = {0, 0, 0, 0};
-    std::vector<std::uint8_t> aLiteralLanes;
+    CLanes aLiteralLanes;
     for (std::size_t r = 0; r < aSources.size(); ++r)
     {
         const SLaneSource& lane = aSources[r];
@@ -131,7 +131,7 @@ void MoveRegisterLanes(CProgramBuilder& builder, const CColumnSources& aSources,
     {
         if (abDone[r])
             continue;
-        std::vector<std::uint8_t> aDstLanes;
+        CLanes aDstLanes;
         STxeOperand source = aSources[r].op;
         int iCount = 0;
         for (std::size_t s = r; s < aSources.size(); ++s)
@@ -159,7 +159,7 @@ bool LowerConstructor(CProgramBuilder& builder, const TType& type, const std::ve
     {
         // Aggregates are lists of slots: construction only gathers operands.
         for (const SValue& arg : aArgs)
-            value.aSlots.insert(value.aSlots.end(), arg.aSlots.begin(), arg.aSlots.end());
+            value.aSlots.append(arg.aSlots.begin(), arg.aSlots.end());
         if (value.aSlots.size() == aResultLanes.size())
             return true;
         builder.Refuse(iLine, GlslTypeName(type), "this constructor");

@@ -49,13 +49,19 @@ SValue CExpressionLowerer::ConstantValue(const TIntermConstantUnion* pConstant)
     SValue value;
     const TConstUnionArray& aConstants = pConstant->getConstArray();
     const CTypeScope scope(m_builder, TxeTypeOf(pConstant->getBasicType()));
+    const TType& type = pConstant->getType();
+    const bool bUniform = !type.isArray() && !type.isStruct();
+    const std::vector<std::uint8_t> aLanes =
+        bUniform ? std::vector<std::uint8_t>() : SlotLanes(type);
+    const std::size_t uiSlots = bUniform ? static_cast<std::size_t>(SlotCount(type)) : aLanes.size();
     int iNext = 0;
-    for (std::uint8_t uiLanes : SlotLanes(pConstant->getType()))
+    for (std::size_t uiSlot = 0; uiSlot < uiSlots; ++uiSlot)
     {
+        const int iLanes = bUniform ? LanesOf(type) : aLanes[uiSlot];
         double adValues[4] = {0.0, 0.0, 0.0, 0.0};
-        for (int i = 0; i < uiLanes && iNext < aConstants.size(); ++i, ++iNext)
+        for (int i = 0; i < iLanes && iNext < aConstants.size(); ++i, ++iNext)
             adValues[i] = ConstantAsDouble(aConstants[iNext]);
-        value.aSlots.push_back(m_builder.Immediate(adValues, uiLanes));
+        value.aSlots.push_back(m_builder.Immediate(adValues, iLanes));
     }
     return value;
 }

@@ -12,12 +12,14 @@ namespace ZamCompiler
 {
 
 class CCallInliner;
+class CTreeFacts;
 
 class CExpressionLowerer
 {
 public:
-    CExpressionLowerer(CProgramBuilder& builder, CVariableStore& variables, CKnownValues& known, CCallInliner& calls)
-        : m_builder(builder), m_variables(variables), m_known(known), m_calls(calls)
+    CExpressionLowerer(CProgramBuilder& builder, CVariableStore& variables, CKnownValues& known, CCallInliner& calls,
+                       CTreeFacts& facts)
+        : m_builder(builder), m_variables(variables), m_known(known), m_calls(calls), m_facts(facts)
     {
     }
 
@@ -63,6 +65,7 @@ private:
     CVariableStore& m_variables;
     CKnownValues& m_known;
     CCallInliner& m_calls;
+    CTreeFacts& m_facts;
 };
 
 int LineOf(const TIntermNode* pNode);

@@ -48,6 +48,7 @@ CProgramBuilder::CProgramBuilder(ETxeStage eStage, const SSourceLimits& limits, 
     : m_limits(limits), m_program(program), m_aDiagnostics(aDiagnostics)
 {
     m_program.eStage = eStage;
+    m_program.aInstructions.reserve(4096);
 }
 
 void CProgramBuilder::Fail(int iLine, const std::string& text)
@@ -65,6 +66,34 @@ void CProgramBuilder::Fail(int iLine, const std::string& name, const std::string
 void CProgramBuilder::Refuse(int iLine, const std::string& name, const std::string& what)
 {
     Fail(iLine, name, what + " is not supported by the TXE code generator");
+}
+
+void CProgramBuilder::Mark(int iRegister, std::uint8_t uiFlag)
+{
+    if (iRegister < 0)
+        return;
+    if (static_cast<std::size_t>(iRegister) >= m_aRegisterFlags.size())
+        m_aRegisterFlags.resize(static_cast<std::size_t>(iRegister) * 2 + 16, 0);
+    m_aRegisterFlags[static_cast<std::size_t>(iRegister)] |= uiFlag;
+}
+
+bool CProgramBuilder::Has(int iRegister, std::uint8_t uiFlag) const
+{
+    return iRegister >= 0 && static_cast<std::size_t>(iRegister) < m_aRegisterFlags.size() &&
+           (m_aRegisterFlags[static_cast<std::size_t>(iRegister)] & uiFlag) != 0;
+}
+
+bool CProgramBuilder::SPoolKey::operator==(const SPoolKey& other) const
+{
+    return eType == other.eType && std::memcmp(auiBits, other.auiBits, sizeof(auiBits)) == 0;
+}
+
+std::size_t CProgramBuilder::SPoolKeyHash::operator()(const SPoolKey& key) const
+{
+    std::uint64_t uiHash = 1469598103934665603ull ^ key.eType;
+    for (std::uint64_t uiBits : key.auiBits)
+        uiHash = (uiHash ^ uiBits) * 1099511628211ull;
+    return static_cast<std::size_t>(uiHash ^ (uiHash >> 29));
 }
 
 STxeOperand CProgramBuilder::NewTemp(int iLanes)
@@ -185,28 +214,20 @@ SValue CProgramBuilder::Materialize(const SValue& value, int iLine)
 
 STxeOperand CProgramBuilder::Immediate(const double adValues[4], int iLanes)
 {
-    std::vector<double> aLanes(4, 0.0);
+    double adLanes[4] = {0.0, 0.0, 0.0, 0.0};
     for (int i = 0; i < iLanes && i < 4; ++i)
     {
         // A float immediate holds what a 32-bit lane can hold.
-        aLanes[i] = m_eType == Type_Float ? static_cast<double>(static_cast<float>(adValues[i])) : adValues[i];
+        adLanes[i] = m_eType == Type_Float ? static_cast<double>(static_cast<float>(adValues[i])) : adValues[i];
     }
-    std::vector<std::uint64_t> aBits(4, 0);
-    for (int i = 0; i < 4; ++i)
-        std::memcpy(&aBits[i], &aLanes[i], sizeof(double));
-    auto key = std::make_pair(m_eType, std::move(aBits));
-    auto it = m_mapPool.find(key);
-    int iEntry = 0;
-    if (it != m_mapPool.end())
+    SPoolKey key{m_eType, {}};
+    std::memcpy(key.auiBits, adLanes, sizeof(adLanes));
+    const auto inserted = m_mapPool.emplace(key, static_cast<int>(m_program.aPool.size() / 4));
+    const int iEntry = inserted.first->second;
+    if (inserted.second)
     {
-        iEntry = it->second;
-    }
-    else
-    {
-        iEntry = static_cast<int>(m_program.aPool.size() / 4);
-        m_program.aPool.insert(m_program.aPool.end(), aLanes.begin(), aLanes.end());
+        m_program.aPool.insert(m_program.aPool.end(), adLanes, adLanes + 4);
         m_program.aPoolTypes.push_back(m_eType);
-        m_mapPool.emplace(std::move(key), iEntry);
     }
     STxeOperand op;
     op.eFile = File_Immediate;

@@ -9,9 +9,9 @@
 #include "ZcSourceLimits.h"
 
 #include <initializer_list>
-#include <map>
-#include <set>
+#include <cstdint>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace ZamCompiler
@@ -38,10 +38,10 @@ public:
     int RegisterCount() const { return m_iNextTemp; }
     // A register that holds a variable may be written again later, so an instruction that
     // produced it cannot simply be retargeted.
-    void MarkVariable(int iRegister) { m_setVariableTemps.insert(iRegister); }
-    bool IsVariable(int iRegister) const { return m_setVariableTemps.count(iRegister) != 0; }
-    void MarkGlobal(int iRegister) { m_setGlobalTemps.insert(iRegister); }
-    bool IsGlobal(int iRegister) const { return m_setGlobalTemps.count(iRegister) != 0; }
+    void MarkVariable(int iRegister) { Mark(iRegister, k_uiVariable); }
+    bool IsVariable(int iRegister) const { return Has(iRegister, k_uiVariable); }
+    void MarkGlobal(int iRegister) { Mark(iRegister, k_uiGlobal); }
+    bool IsGlobal(int iRegister) const { return Has(iRegister, k_uiGlobal); }
 
     // --- instructions ---
     // Returns the new instruction's index, or -1 once the lowering has failed.
@@ -77,6 +77,10 @@ public:
     void Finish(int iInputSlotsRead);
 
 private:
+    static constexpr std::uint8_t k_uiVariable = 1;
+    static constexpr std::uint8_t k_uiGlobal = 2;
+    void Mark(int iRegister, std::uint8_t uiFlag);
+    bool Has(int iRegister, std::uint8_t uiFlag) const;
     bool Touches(std::size_t uiInstruction, const STxeOperand& reg) const;
     bool Retarget(const STxeOperand& dst, const STxeOperand& src);
 
@@ -85,10 +89,19 @@ private:
     CDiagnosticList& m_aDiagnostics;
     bool m_bFailed = false;
     int m_iNextTemp = 0;
-    std::set<int> m_setVariableTemps;
-    std::set<int> m_setGlobalTemps;
-    // Keyed by the lanes' bits, so -0 and NaN stay themselves.
-    std::map<std::pair<ETxeType, std::vector<std::uint64_t>>, int> m_mapPool;
+    std::vector<std::uint8_t> m_aRegisterFlags; // k_uiVariable, k_uiGlobal by virtual register
+    // Keyed by the type and the lanes' bits, so -0 and NaN stay themselves.
+    struct SPoolKey
+    {
+        ETxeType eType;
+        std::uint64_t auiBits[4];
+        bool operator==(const SPoolKey& other) const;
+    };
+    struct SPoolKeyHash
+    {
+        std::size_t operator()(const SPoolKey& key) const;
+    };
+    std::unordered_map<SPoolKey, int, SPoolKeyHash> m_mapPool;
     ETxeType m_eType = Type_Float;
     int m_aiNextSlot[8] = {};
 };

@@ -15,9 +15,9 @@ using namespace glslang;
 namespace
 {
 
-std::vector<std::uint8_t> SwizzleLanes(TIntermTyped* pSelectors)
+CLanes SwizzleLanes(TIntermTyped* pSelectors)
 {
-    std::vector<std::uint8_t> aLanes;
+    CLanes aLanes;
     TIntermAggregate* pAggregate = pSelectors ? pSelectors->getAsAggregate() : nullptr;
     for (TIntermNode* pSelector : pAggregate ? pAggregate->getSequence() : TIntermSequence())
     {
@@ -38,7 +38,7 @@ bool CExpressionLowerer::Select(TIntermBinary* pNode, SValue& value)
         return false;
     if (pNode->getOp() == EOpVectorSwizzle)
     {
-        const std::vector<std::uint8_t> aLanes = SwizzleLanes(pNode->getRight());
+        const CLanes aLanes = SwizzleLanes(pNode->getRight());
         if (whole.aSlots.size() != 1 || aLanes.empty())
         {
             m_builder.Refuse(iLine, ".", "this swizzle");
@@ -64,15 +64,15 @@ bool CExpressionLowerer::SelectSlots(TIntermBinary* pNode, const SValue& whole, 
     int iCount = 1;
     if (leftType.isArray())
     {
-        iCount = static_cast<int>(SlotLanes(TType(leftType, 0)).size());
+        iCount = SlotCount(TType(leftType, 0));
         iFirst = iIndex * iCount;
     }
     else if (leftType.isStruct())
     {
         const TTypeList& members = *leftType.getStruct();
         for (int i = 0; i < iIndex && i < static_cast<int>(members.size()); ++i)
-            iFirst += static_cast<int>(SlotLanes(*members[i].type).size());
-        iCount = iIndex < static_cast<int>(members.size()) ? static_cast<int>(SlotLanes(*members[iIndex].type).size()) : 0;
+            iFirst += SlotCount(*members[i].type);
+        iCount = iIndex < static_cast<int>(members.size()) ? SlotCount(*members[iIndex].type) : 0;
     }
     else if (leftType.isMatrix())
     {
@@ -126,7 +126,7 @@ bool CExpressionLowerer::Ternary(TIntermSelection* pNode, SValue& value)
     if (!Lower(pNode->getCondition(), condition) || condition.aSlots.empty())
         return false;
     const STxeOperand test = Lane(condition.aSlots[0], 0);
-    if (HasSideEffects(pTrue) || HasSideEffects(pFalse))
+    if (m_facts.HasSideEffects(pTrue) || m_facts.HasSideEffects(pFalse))
         return BranchingTernary(pNode, test, value);
 
     // Both sides are free of effects: evaluate both and select instead of branching.
@@ -180,7 +180,7 @@ bool CExpressionLowerer::ShortCircuit(TIntermBinary* pNode, SValue& value)
     SValue left;
     if (!Lower(pNode->getLeft(), left) || left.aSlots.empty())
         return false;
-    if (!HasSideEffects(pNode->getRight()))
+    if (!m_facts.HasSideEffects(pNode->getRight()))
     {
         SValue right;
         if (!Lower(pNode->getRight(), right) || right.aSlots.empty())

@@ -89,7 +89,7 @@ bool CStatementLowerer::LoopTest(TIntermLoop* pNode)
 bool CStatementLowerer::Loop(TIntermLoop* pNode)
 {
     const int iLine = LineOf(pNode);
-    const STxeTrips trips = TripCount(pNode, m_known);
+    const STxeTrips trips = TripCount(pNode, m_known, m_facts);
     m_builder.SetTrips(m_builder.Emit(Op_Loop, STxeOperand(), {}, iLine), trips);
     if (m_builder.Failed())
         return false;

@@ -13,8 +13,8 @@ class CStatementLowerer
 {
 public:
     CStatementLowerer(CProgramBuilder& builder, CKnownValues& known, CControlStack& control,
-                      CExpressionLowerer& expressions)
-        : m_builder(builder), m_known(known), m_control(control), m_expressions(expressions)
+                      CExpressionLowerer& expressions, CTreeFacts& facts)
+        : m_builder(builder), m_known(known), m_control(control), m_expressions(expressions), m_facts(facts)
     {
     }
 
@@ -40,6 +40,7 @@ private:
     CKnownValues& m_known;
     CControlStack& m_control;
     CExpressionLowerer& m_expressions;
+    CTreeFacts& m_facts;
 };
 
 } // namespace ZamCompiler

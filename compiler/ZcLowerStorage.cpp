@@ -328,7 +328,7 @@ bool CVariableStore::StoreSlot(const SAccess& access, int k, const STxeOperand& 
 {
     const SVariable& variable = *access.pVariable;
     const int iSlot = access.iSlot + k;
-    const std::vector<std::uint8_t> aTarget =
+    const CLanes aTarget =
         access.iSlotCount == 1 && !access.aLanes.empty() ? access.aLanes : IdentityLanes(variable.aLanes[iSlot]);
     const STxeOperand src = Broadcast(source, static_cast<int>(aTarget.size()));
 

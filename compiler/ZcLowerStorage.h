@@ -6,8 +6,8 @@
 #include "ZcLowerProgram.h"
 
 #include <deque>
-#include <map>
 #include <string>
+#include <unordered_map>
 
 namespace glslang
 {
@@ -49,7 +49,7 @@ struct SAccess
     int iSlot = 0;                    // constant slot offset
     int iSlotCount = 0;
     int iDynamic = -1;                // virtual register with a slot offset, -1 none
-    std::vector<std::uint8_t> aLanes; // selected lanes when the access is one slot
+    CLanes aLanes; // selected lanes when the access is one slot
     // A column of a matrix held in registers, or a lane of a vector, chosen at run time: the
     // register with the index, -1 none. A chosen column is one of the iSlotCount slots.
     int iSelectColumn = -1;
@@ -95,8 +95,8 @@ private:
     // Variables live in an arena that only grows, so an SVariable* stays valid for the
     // whole lowering, even after its symbol is unbound at the end of an inlined call.
     std::deque<SVariable> m_aArena;
-    std::map<long long, SVariable*> m_mapVariables;
-    std::map<const void*, SVariable*> m_mapConstantArrays;
+    std::unordered_map<long long, SVariable*> m_mapVariables;
+    std::unordered_map<const void*, SVariable*> m_mapConstantArrays;
     std::vector<long long> m_aCreated; // locals, in creation order
 };
 

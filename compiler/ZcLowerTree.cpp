@@ -10,23 +10,23 @@ using namespace glslang;
 namespace
 {
 
-class CWriteFinder : public TIntermTraverser
+// Collects every variable written: assigned, incremented, or passed to an out parameter.
+class CWriteCollector : public TIntermTraverser
 {
 public:
-    explicit CWriteFinder(long long llId) : m_llId(llId) {}
-    bool bFound = false;
+    std::vector<long long> aWritten;
 
     bool visitBinary(TVisit, TIntermBinary* pNode) override
     {
-        if (IsAssignment(pNode->getOp()) && Targets(pNode->getLeft()))
-            bFound = true;
-        return !bFound;
+        if (IsAssignment(pNode->getOp()))
+            Note(pNode->getLeft());
+        return true;
     }
     bool visitUnary(TVisit, TIntermUnary* pNode) override
     {
-        if (IsIncDec(pNode->getOp()) && Targets(pNode->getOperand()))
-            bFound = true;
-        return !bFound;
+        if (IsIncDec(pNode->getOp()))
+            Note(pNode->getOperand());
+        return true;
     }
     bool visitAggregate(TVisit, TIntermAggregate* pNode) override
     {
@@ -38,19 +38,18 @@ public:
             // Without qualifiers recorded, any argument of a user function might be written.
             const bool bWritable = bCall ? i >= aQualifiers.size() || aQualifiers[i] == EvqOut || aQualifiers[i] == EvqInOut
                                          : IsBuiltinOutput(pNode->getOp(), i);
-            if (bWritable && aArgs[i] && aArgs[i]->getAsTyped() && Targets(aArgs[i]->getAsTyped()))
-                bFound = true;
+            if (bWritable && aArgs[i] && aArgs[i]->getAsTyped())
+                Note(aArgs[i]->getAsTyped());
         }
-        return !bFound;
+        return true;
     }
 
 private:
-    bool Targets(TIntermTyped* pNode) const
+    void Note(TIntermTyped* pTarget)
     {
-        TIntermSymbol* pRoot = RootOf(pNode);
-        return pRoot && pRoot->getId() == m_llId;
+        if (TIntermSymbol* pRoot = RootOf(pTarget))
+            aWritten.push_back(pRoot->getId());
     }
-    long long m_llId;
 };
 
 class CSideEffectFinder : public TIntermTraverser
@@ -159,6 +158,25 @@ std::vector<std::uint8_t> SlotLanes(const TType& type)
         aLanes.push_back(static_cast<std::uint8_t>(std::clamp(type.getVectorSize(), 1, 4)));
     }
     return aLanes;
+}
+
+int SlotCount(const TType& type)
+{
+    if (type.isArray())
+    {
+        const bool bRuntimeSized = type.isUnsizedArray() && type.getQualifier().storage == EvqBuffer;
+        const int iCount = type.isSizedArray() ? std::max(0, type.getOuterArraySize())
+                                               : (bRuntimeSized ? k_iRuntimeArrayElements : 0);
+        return iCount * SlotCount(TType(type, 0));
+    }
+    if (type.isStruct())
+    {
+        int iSlots = 0;
+        for (const TTypeLoc& member : *type.getStruct())
+            iSlots += SlotCount(*member.type);
+        return iSlots;
+    }
+    return type.isMatrix() ? type.getMatrixCols() : 1;
 }
 
 int LanesOf(const TType& type)
@@ -469,9 +487,9 @@ bool WritesVariable(TIntermNode* pNode, long long llId)
 {
     if (!pNode)
         return false;
-    CWriteFinder finder(llId);
-    pNode->traverse(&finder);
-    return finder.bFound;
+    CWriteCollector collector;
+    pNode->traverse(&collector);
+    return std::find(collector.aWritten.begin(), collector.aWritten.end(), llId) != collector.aWritten.end();
 }
 
 bool HasSideEffects(TIntermNode* pNode)
@@ -481,6 +499,31 @@ bool HasSideEffects(TIntermNode* pNode)
     CSideEffectFinder finder;
     pNode->traverse(&finder);
     return finder.bFound;
+}
+
+bool CTreeFacts::Writes(TIntermNode* pNode, long long llId)
+{
+    if (!pNode)
+        return false;
+    auto it = m_mapWritten.find(pNode);
+    if (it == m_mapWritten.end())
+    {
+        CWriteCollector collector;
+        pNode->traverse(&collector);
+        std::sort(collector.aWritten.begin(), collector.aWritten.end());
+        it = m_mapWritten.emplace(pNode, std::move(collector.aWritten)).first;
+    }
+    return std::binary_search(it->second.begin(), it->second.end(), llId);
+}
+
+bool CTreeFacts::HasSideEffects(TIntermNode* pNode)
+{
+    const auto it = m_mapSideEffects.find(pNode);
+    if (it != m_mapSideEffects.end())
+        return it->second;
+    const bool bEffects = ZamCompiler::HasSideEffects(pNode);
+    m_mapSideEffects.emplace(pNode, bEffects);
+    return bEffects;
 }
 
 SReturnCount CountReturns(TIntermNode* pBody)

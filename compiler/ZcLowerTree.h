@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace ZamCompiler
@@ -19,6 +20,8 @@ namespace ZamCompiler
 constexpr int k_iRuntimeArrayElements = 16;
 // Lanes of each four-lane slot the type occupies (a mat3 is {3, 3, 3}).
 std::vector<std::uint8_t> SlotLanes(const glslang::TType& type);
+// The number of slots SlotLanes would list, without listing them.
+int SlotCount(const glslang::TType& type);
 // Lanes of one slot: a vector's size, a matrix's rows.
 int LanesOf(const glslang::TType& type);
 bool IsFloatType(glslang::TBasicType eType);
@@ -56,6 +59,20 @@ bool IsAccessNode(glslang::TIntermTyped* pNode);
 // Any write to the variable, including passing it as an out or inout argument.
 bool WritesVariable(TIntermNode* pNode, long long llId);
 bool HasSideEffects(TIntermNode* pNode);
+
+// The answers above that walk a subtree, kept: an inlined function's body is asked about
+// again at every call.
+class CTreeFacts
+{
+public:
+    bool Writes(TIntermNode* pNode, long long llId);
+    bool HasSideEffects(TIntermNode* pNode);
+
+private:
+    // Every variable a subtree writes, collected in one walk.
+    std::unordered_map<const TIntermNode*, std::vector<long long>> m_mapWritten;
+    std::unordered_map<const TIntermNode*, bool> m_mapSideEffects;
+};
 
 // --- functions ---
 struct SReturnCount

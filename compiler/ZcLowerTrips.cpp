@@ -123,32 +123,29 @@ double StepOf(TIntermTyped* pTerminal, long long llCounter)
 
 void CKnownValues::BeginRegion()
 {
-    m_aRegionWrites.emplace_back();
+    m_aRegionConstants.emplace_back();
 }
 
 void CKnownValues::EndRegion()
 {
-    if (m_aRegionWrites.empty())
+    if (m_aRegionConstants.empty())
         return;
-    std::set<long long> written = std::move(m_aRegionWrites.back());
-    m_aRegionWrites.pop_back();
     // A value set inside a branch or loop is not known after it.
-    for (long long llId : written)
+    for (long long llId : m_aRegionConstants.back())
         m_mapConstants.erase(llId);
-    if (!m_aRegionWrites.empty())
-        m_aRegionWrites.back().insert(written.begin(), written.end());
+    m_aRegionConstants.pop_back();
 }
 
 void CKnownValues::NoteWrite(long long llId)
 {
     m_mapConstants.erase(llId);
-    if (!m_aRegionWrites.empty())
-        m_aRegionWrites.back().insert(llId);
 }
 
 void CKnownValues::NoteConstant(long long llId, double dValue)
 {
     m_mapConstants[llId] = dValue;
+    if (!m_aRegionConstants.empty())
+        m_aRegionConstants.back().push_back(llId);
 }
 
 bool CKnownValues::Known(long long llId, double& dValue) const
@@ -160,14 +157,14 @@ bool CKnownValues::Known(long long llId, double& dValue) const
     return true;
 }
 
-STxeTrips TripCount(TIntermLoop* pNode, const CKnownValues& known)
+STxeTrips TripCount(TIntermLoop* pNode, const CKnownValues& known, CTreeFacts& facts)
 {
     SCounterTest test;
     double dValue = 0.0;
     if (!ReadTest(pNode, test) || !known.Known(test.pCounter->getId(), dValue))
         return UnknownTrips();
     const double dStep = StepOf(pNode->getTerminal(), test.pCounter->getId());
-    if (dStep == 0.0 || WritesVariable(pNode->getBody(), test.pCounter->getId()))
+    if (dStep == 0.0 || facts.Writes(pNode->getBody(), test.pCounter->getId()))
         return UnknownTrips();
 
     int iTrips = 0;

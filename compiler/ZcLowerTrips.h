@@ -6,7 +6,6 @@
 #include "TxeIsa.h"
 
 #include <map>
-#include <set>
 #include <vector>
 
 namespace glslang
@@ -16,6 +15,8 @@ class TIntermLoop;
 
 namespace ZamCompiler
 {
+
+class CTreeFacts;
 
 class CKnownValues
 {
@@ -29,12 +30,14 @@ public:
 
 private:
     std::map<long long, double> m_mapConstants;
-    std::vector<std::set<long long>> m_aRegionWrites;
+    // Per open region, the variables that became known inside it. A write forgets a value at
+    // once, so only these need forgetting when the region ends.
+    std::vector<std::vector<long long>> m_aRegionConstants;
 };
 
 // Exact when the counter starts from a known constant, is compared with a constant, steps
 // by a constant in the increment and is not written in the body; the unknown-trip figures
 // otherwise.
-STxeTrips TripCount(glslang::TIntermLoop* pNode, const CKnownValues& known);
+STxeTrips TripCount(glslang::TIntermLoop* pNode, const CKnownValues& known, CTreeFacts& facts);
 
 } // namespace ZamCompiler

@@ -14,7 +14,7 @@ STxeOperand TempOperand(int iRegister, int iLanes)
     return op;
 }
 
-STxeOperand Swizzled(const STxeOperand& op, const std::vector<std::uint8_t>& aLanes)
+STxeOperand Swizzled(const STxeOperand& op, const CLanes& aLanes)
 {
     STxeOperand result = op;
     const int iCount = std::min<int>(4, static_cast<int>(aLanes.size()));
@@ -62,9 +62,9 @@ STxeOperand Absolute(const STxeOperand& op)
     return result;
 }
 
-std::vector<std::uint8_t> IdentityLanes(int iLanes)
+CLanes IdentityLanes(int iLanes)
 {
-    std::vector<std::uint8_t> aLanes;
+    CLanes aLanes;
     for (int i = 0; i < iLanes; ++i)
         aLanes.push_back(static_cast<std::uint8_t>(i));
     return aLanes;

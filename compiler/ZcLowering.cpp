@@ -18,9 +18,9 @@ class CShaderLowerer
 public:
     CShaderLowerer(ETxeStage eStage, const SSourceLimits& limits, STxeProgram& program, CDiagnosticList& aDiagnostics)
         : m_builder(eStage, limits, program, aDiagnostics), m_variables(m_builder),
-          m_expressions(m_builder, m_variables, m_known, m_calls),
-          m_statements(m_builder, m_known, m_control, m_expressions),
-          m_calls(m_builder, m_variables, m_known, m_control, m_expressions, m_statements)
+          m_expressions(m_builder, m_variables, m_known, m_calls, m_facts),
+          m_statements(m_builder, m_known, m_control, m_expressions, m_facts),
+          m_calls(m_builder, m_variables, m_known, m_control, m_expressions, m_statements, m_facts)
     {
     }
 
@@ -53,6 +53,7 @@ public:
 
 private:
     CProgramBuilder m_builder;
+    CTreeFacts m_facts;
     CKnownValues m_known;
     CControlStack m_control;
     CVariableStore m_variables;

@@ -1,5 +1,6 @@
 #include "ZcWriters.h"
 
+#include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -20,28 +21,58 @@ void PutU8(std::string& out, unsigned uiValue)
 
 void PutU16(std::string& out, unsigned uiValue)
 {
-    PutU8(out, uiValue);
-    PutU8(out, uiValue >> 8);
+    const char acBytes[2] = {static_cast<char>(uiValue & 0xFF), static_cast<char>((uiValue >> 8) & 0xFF)};
+    out.append(acBytes, 2);
 }
 
 void PutU32(std::string& out, std::uint32_t uiValue)
 {
-    PutU16(out, uiValue & 0xFFFF);
-    PutU16(out, uiValue >> 16);
+    const char acBytes[4] = {static_cast<char>(uiValue & 0xFF), static_cast<char>((uiValue >> 8) & 0xFF),
+                             static_cast<char>((uiValue >> 16) & 0xFF), static_cast<char>((uiValue >> 24) & 0xFF)};
+    out.append(acBytes, 4);
 }
 
-void PutOperand(std::string& out, const STxeOperand& op)
+// "%6zu %5d %7d  " without a format string: every listing line starts with it.
+void AppendRightAligned(std::string& out, long long llValue, std::size_t uiWidth)
 {
-    PutU8(out, op.eFile);
-    PutU8(out, (op.bNegate ? 1u : 0u) | (op.bAbs ? 2u : 0u) | ((op.iRelativeLane & 3u) << 2));
-    PutU8(out, op.uiCount);
-    unsigned uiSwizzle = 0;
-    for (int i = 0; i < 4; ++i)
-        uiSwizzle |= (op.auiSwizzle[i] & 3u) << (2 * i);
-    PutU8(out, uiSwizzle);
-    PutU32(out, static_cast<std::uint32_t>(op.iIndex));
-    PutU32(out, static_cast<std::uint32_t>(op.iRelative));
+    char acBuf[24];
+    const std::to_chars_result result = std::to_chars(acBuf, acBuf + sizeof(acBuf), llValue);
+    const std::size_t uiLength = static_cast<std::size_t>(result.ptr - acBuf);
+    if (uiLength < uiWidth)
+        out.append(uiWidth - uiLength, ' ');
+    out.append(acBuf, uiLength);
 }
+
+// One instruction's 80 bytes, filled in place and appended at once.
+struct SRecord
+{
+    char acBytes[80];
+    std::size_t uiSize = 0;
+
+    void U8(unsigned uiValue) { acBytes[uiSize++] = static_cast<char>(uiValue & 0xFF); }
+    void U16(unsigned uiValue)
+    {
+        U8(uiValue);
+        U8(uiValue >> 8);
+    }
+    void U32(std::uint32_t uiValue)
+    {
+        U16(uiValue & 0xFFFF);
+        U16(uiValue >> 16);
+    }
+    void Operand(const STxeOperand& op)
+    {
+        U8(op.eFile);
+        U8((op.bNegate ? 1u : 0u) | (op.bAbs ? 2u : 0u) | ((op.iRelativeLane & 3u) << 2));
+        U8(op.uiCount);
+        unsigned uiSwizzle = 0;
+        for (int i = 0; i < 4; ++i)
+            uiSwizzle |= (op.auiSwizzle[i] & 3u) << (2 * i);
+        U8(uiSwizzle);
+        U32(static_cast<std::uint32_t>(op.iIndex));
+        U32(static_cast<std::uint32_t>(op.iRelative));
+    }
+};
 
 // A float immediate as its IEEE bits; an integer one as its 32-bit two's complement.
 std::uint32_t ImmediateWord(const STxeProgram& program, std::size_t uiLane)
@@ -123,6 +154,8 @@ std::string FormatDisassembly(const SCompilation& compilation, const SCoreModel&
         text += "; " + Pad(range, 9) + " " + Pad(s_apFileNames[binding.eFile], 8) + " " + binding.name + "\n";
     }
     text += "; index  line  cycles  instruction\n";
+    text.reserve(text.size() + program.aInstructions.size() * 56);
+    const std::vector<std::string> aPoolTexts = ImmediateTexts(program);
 
     int iDepth = 0;
     for (std::size_t i = 0; i < program.aInstructions.size(); ++i)
@@ -130,10 +163,13 @@ std::string FormatDisassembly(const SCompilation& compilation, const SCoreModel&
         const STxeInstruction& instr = program.aInstructions[i];
         if (instr.eOp == Op_Else || instr.eOp == Op_Endif || instr.eOp == Op_Endloop)
             iDepth = iDepth > 0 ? iDepth - 1 : 0;
-        char acPrefix[48];
-        std::snprintf(acPrefix, sizeof(acPrefix), "%6zu %5d %7d  ", i, instr.iLine,
-                      i < compilation.aCosts.size() ? compilation.aCosts[i] : 0);
-        text += acPrefix + std::string(static_cast<std::size_t>(iDepth) * 2, ' ') + FormatInstruction(program, instr);
+        AppendRightAligned(text, static_cast<long long>(i), 6);
+        text += ' ';
+        AppendRightAligned(text, instr.iLine, 5);
+        text += ' ';
+        AppendRightAligned(text, i < compilation.aCosts.size() ? compilation.aCosts[i] : 0, 7);
+        text.append(2 + static_cast<std::size_t>(iDepth) * 2, ' ');
+        AppendInstruction(text, program, instr, &aPoolTexts);
         if (instr.eOp == Op_Loop && !instr.trips.bKnown)
             text += "  ; trips " + std::to_string(instr.trips.iBest) + "/" + std::to_string(instr.trips.iAverage) + "/" +
                     std::to_string(instr.trips.iWorst);
@@ -150,6 +186,7 @@ std::string EncodeProgram(const SCompilation& compilation, const SCoreModel& cor
 {
     const STxeProgram& program = compilation.program;
     std::string out;
+    out.reserve(32 + program.aInstructions.size() * 80 + program.aPool.size() * 5 + program.aBindings.size() * 64);
     out += "ZTXE";
     PutU16(out, 2);
     PutU8(out, core.eCore);
@@ -163,16 +200,18 @@ std::string EncodeProgram(const SCompilation& compilation, const SCoreModel& cor
 
     for (const STxeInstruction& instr : program.aInstructions)
     {
-        PutU8(out, instr.eOp);
-        PutU8(out, (instr.bNonDependent ? 1u : 0u) | (static_cast<unsigned>(instr.eType) << 1));
-        PutU16(out, instr.trips.bKnown ? 1u : 0u);
-        PutU32(out, static_cast<std::uint32_t>(instr.iLine));
-        PutOperand(out, instr.dst);
+        SRecord record;
+        record.U8(instr.eOp);
+        record.U8((instr.bNonDependent ? 1u : 0u) | (static_cast<unsigned>(instr.eType) << 1));
+        record.U16(instr.trips.bKnown ? 1u : 0u);
+        record.U32(static_cast<std::uint32_t>(instr.iLine));
+        record.Operand(instr.dst);
         for (const STxeOperand& src : instr.aSrc)
-            PutOperand(out, src);
-        PutU32(out, static_cast<std::uint32_t>(instr.trips.iBest));
-        PutU32(out, static_cast<std::uint32_t>(instr.trips.iAverage));
-        PutU32(out, static_cast<std::uint32_t>(instr.trips.iWorst));
+            record.Operand(src);
+        record.U32(static_cast<std::uint32_t>(instr.trips.iBest));
+        record.U32(static_cast<std::uint32_t>(instr.trips.iAverage));
+        record.U32(static_cast<std::uint32_t>(instr.trips.iWorst));
+        out.append(record.acBytes, record.uiSize);
     }
     for (std::size_t uiEntry = 0; uiEntry * 4 < program.aPool.size(); ++uiEntry)
     {

@@ -12,6 +12,7 @@
 #include <QFile>
 #include <QtTest>
 
+#include <cstring>
 #include <memory>
 #include <set>
 
@@ -111,6 +112,7 @@ private slots:
     void clangDiagnostics_data();
     void clangDiagnostics();
     void irProfileCountsByLocation();
+    void programFileLayout();
 
 private:
     std::unique_ptr<CFrontEndProcess> m_pProcess;
@@ -496,6 +498,50 @@ void CCompilerModelTest::irProfileCountsByLocation()
     // Debug intrinsics are not instructions; a location past the file's end is dropped.
     QCOMPARE(profile.llInstructions, 5LL);
     QCOMPARE(profile.mapLineCounts, (std::map<int, long long>{{2, 1}, {4, 2}}));
+}
+
+// The program file as docs/compiler.md lays it out: a typed integer instruction carries its
+// type in the flags, and an integer immediate is stored as its 32-bit two's complement.
+void CCompilerModelTest::programFileLayout()
+{
+    const SCompilation compilation = Compile("#version 300 es\nprecision highp float;\nuniform int k;\nout vec4 o;\n"
+                                             "void main() { o = vec4(float(k * -7), 0.5, 0.0, 1.0); }\n",
+                                             Stage_Fragment, Core_ZC1);
+    QVERIFY(compilation.bSucceeded);
+    const std::string file = EncodeProgram(compilation, CoreModel(Core_ZC1));
+    auto u8 = [&file](std::size_t i) { return static_cast<std::uint8_t>(file[i]); };
+    auto u32 = [&](std::size_t i) { return u8(i) | (u8(i + 1) << 8) | (u8(i + 2) << 16) | (std::uint32_t(u8(i + 3)) << 24); };
+    QCOMPARE(file.substr(0, 4), std::string("ZTXE"));
+    QCOMPARE(u8(4) | (u8(5) << 8), 2);
+    const std::size_t uiInstructions = u32(8);
+    const std::size_t uiImmediates = u32(12);
+    QCOMPARE(uiInstructions, compilation.program.aInstructions.size());
+    QCOMPARE(uiImmediates * 4, compilation.program.aPool.size());
+
+    int iMultiplies = 0;
+    for (std::size_t i = 0; i < uiInstructions; ++i)
+    {
+        const std::size_t uiRecord = 32 + i * 80;
+        if (u8(uiRecord) != Op_Mul)
+            continue;
+        ++iMultiplies;
+        QCOMPARE((u8(uiRecord + 1) >> 1) & 3, int(Type_Int));
+    }
+    QCOMPARE(iMultiplies, 1);
+
+    bool bMinusSeven = false;
+    bool bHalf = false;
+    for (std::size_t i = 0; i < uiImmediates; ++i)
+    {
+        const std::size_t uiEntry = 32 + uiInstructions * 80 + i * 20;
+        const std::uint32_t uiLane = u32(uiEntry + 4);
+        bMinusSeven = bMinusSeven || (u8(uiEntry) == Type_Int && uiLane == 0xFFFFFFF9u);
+        float fLane = 0.0f;
+        std::memcpy(&fLane, &uiLane, sizeof(fLane));
+        bHalf = bHalf || (u8(uiEntry) == Type_Float && fLane == 0.5f);
+    }
+    QVERIFY(bMinusSeven);
+    QVERIFY(bHalf);
 }
 
 QTEST_GUILESS_MAIN(CCompilerModelTest)
