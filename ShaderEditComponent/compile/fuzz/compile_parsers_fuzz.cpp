@@ -1,6 +1,6 @@
 // Feeds arbitrary bytes to every parser of compiler-produced text: the output parser (with a
-// line offset taken from the input), the profile parser, the performance-estimate parser and
-// the banner parser. Each must return without crashing, hanging or growing without bound.
+// line offset taken from the input) and its raw-output text, the profile parser, the
+// performance-estimate parser and the banner parser. Each must return without crashing, hanging or growing without bound.
 
 #include "CompilerBannerParser.h"
 #include "CompilerOutputParser.h"
@@ -22,6 +22,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t uiSize)
     const SCompilerOutput Output = ParseCompilerOutput(Bytes, iOffset);
     if (Output.LogText.size() > Bytes.size() + Output.Messages.size() * 12 + 1)
         __builtin_trap(); // moving line numbers adds at most a few digits per message
+    if (RawOutputForLog(Bytes).size() > MaxRawOutputInLog + 64)
+        __builtin_trap(); // the log shows a bounded part of a failed run's output
 
     CZamTArray<int> CycleCounts;
     ParseProfile(Text, iOffset, CycleCounts);
