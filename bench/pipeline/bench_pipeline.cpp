@@ -147,6 +147,7 @@ int main(int argc, char** argv)
     Options.bReadOnlySettings = true;
     Options.iCompilerSelection = 0;
     CShaderEditController Controller(Options);
+    Controller.WaitForCompilerDetection();
     if (!Controller.GetCompilerDetection().IsUsable())
     {
         std::fprintf(stderr, "bench_pipeline: no usable bundled compiler in %s\n", argv[1]);
