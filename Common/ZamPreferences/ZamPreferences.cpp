@@ -2,7 +2,9 @@
 
 #include "ZamPlistValues.h"
 #include "ZamPreferencesImpl.h"
+#include "ZamPreferencesMemory.h"
 #include "ZamPreferencesPosix.h"
+#include "ZamPreferencesReadOnly.h"
 
 #include <tinyxml.h>
 
@@ -39,6 +41,16 @@ CZamPreferences::CZamPreferences(std::unique_ptr<CZamPreferencesImpl> pImpl)
 }
 
 CZamPreferences::~CZamPreferences() = default;
+
+std::unique_ptr<CZamPreferences> CZamPreferences::MakeReadOnly(const QString& Name, EScope eScope)
+{
+    return std::make_unique<CZamPreferences>(std::make_unique<CZamPreferencesReadOnly>(Name, eScope));
+}
+
+std::unique_ptr<CZamPreferences> CZamPreferences::MakeInMemory()
+{
+    return std::make_unique<CZamPreferences>(std::make_unique<CZamPreferencesMemory>());
+}
 
 bool CZamPreferences::Load(QString* pTriedPath, QString* pError)
 {

@@ -75,8 +75,17 @@ public:
     static constexpr int iMaxKeySegments = 32;
 
     explicit CZamPreferences(const QString& Name, EScope eScope = Scope_User);
-    // Uses the given back end (its file operations) instead of the platform's own.
+    // Uses the given back end (its file operations) instead of the platform's own. The back
+    // ends are the library's own; the two factories below are how other code chooses one.
     explicit CZamPreferences(std::unique_ptr<CZamPreferencesImpl> pImpl);
+
+    // Reads the named file like the constructor does but never writes it: a missing file is
+    // not created, and Save succeeds without touching the disk. For runs that must leave the
+    // user's settings alone, such as the command-line compile.
+    static std::unique_ptr<CZamPreferences> MakeReadOnly(const QString& Name, EScope eScope = Scope_User);
+    // Never touches the disk: starts empty, and Save keeps the bytes in memory. For scratch
+    // copies of settings, such as a preview that must not write the user's file.
+    static std::unique_ptr<CZamPreferences> MakeInMemory();
     ~CZamPreferences();
 
     CZamPreferences(const CZamPreferences&) = delete;

@@ -4,7 +4,6 @@
 #include "CompileCommandLine.h"
 #include "CompilerLocator.h"
 #include "MetaTypes.h"
-#include "ReadOnlyPreferences.h"
 #include "ZamPreferences.h"
 
 #include <QDebug>
@@ -97,7 +96,7 @@ void CShaderEditController::LoadSettings(qint64 iCompilerSelection)
     {
         const QString Scope = QString::fromLatin1(s_pApplicationScope);
         m_pOwnedPrefs =
-            m_Options.bReadOnlySettings ? MakeReadOnlyPreferences(Scope) : std::make_unique<CZamPreferences>(Scope);
+            m_Options.bReadOnlySettings ? CZamPreferences::MakeReadOnly(Scope) : std::make_unique<CZamPreferences>(Scope);
         m_pPrefs = m_pOwnedPrefs.get();
         // A read-only run with no preference file simply uses the defaults.
         const bool bTry = !m_Options.bReadOnlySettings || QFile::exists(m_pPrefs->GetFilePath());

@@ -6,7 +6,6 @@
 #include "ShaderHighlightController.h"
 #include "ShaderHighlighter.h"
 #include "ZamPreferences.h"
-#include "ZamPreferencesMemory.h"
 
 #include <QCheckBox>
 #include <QFontComboBox>
@@ -78,7 +77,7 @@ CEditorColoursPreferencesWidget::CEditorColoursPreferencesWidget(CShaderHighligh
     : QWidget(pParent)
     , m_Highlight(Highlight)
     , m_Font(Highlight.GetFont())
-    , m_pPreviewStore(std::make_unique<CZamPreferences>(std::make_unique<CZamPreferencesMemory>()))
+    , m_pPreviewStore(CZamPreferences::MakeInMemory())
 {
     setObjectName(QStringLiteral("EditorColoursPreferencesWidget"));
     m_pPreviewScheme = new CShaderHighlightController(m_pPreviewStore.get(), this);

@@ -567,7 +567,37 @@ private slots:
         QVERIFY(Store.Save());
         QVERIFY(pMemory->GetSavedBytes().contains("<integer>5</integer>"));
         QVERIFY(Store.GetFilePath().isEmpty());
+
+        const std::unique_ptr<CZamPreferences> pMade = CZamPreferences::MakeInMemory();
+        QVERIFY(pMade->Load());
+        pMade->SetInteger("Editor/TabSpaceSize", 3);
+        QVERIFY(pMade->Save());
+        QCOMPARE(pMade->GetInteger("Editor/TabSpaceSize", 0), 3);
         QVERIFY(QDir(m_pHome->path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).isEmpty());
+    }
+
+    void readOnlyStoreReadsButNeverWrites()
+    {
+        // A missing file is neither created by a load nor by a save.
+        {
+            const std::unique_ptr<CZamPreferences> pStore = CZamPreferences::MakeReadOnly("Absent");
+            QCOMPARE(pStore->GetFilePath(), StorePath("Absent"));
+            pStore->Load();
+            pStore->SetInteger("Editor/TabSpaceSize", 2);
+            QVERIFY(pStore->Save());
+            QVERIFY(!QFile::exists(StorePath("Absent")));
+        }
+        // An existing file is read like the editor reads it and stays byte for byte.
+        const QByteArray Kept = PlistWith("<key>Editor</key><dict><key>TabSpaceSize</key><integer>7</integer></dict>");
+        QVERIFY(WriteAll(StorePath("Kept"), Kept));
+        const std::unique_ptr<CZamPreferences> pStore = CZamPreferences::MakeReadOnly("Kept");
+        QVERIFY(pStore->Load());
+        QCOMPARE(pStore->GetInteger("Editor/TabSpaceSize", 0), 7);
+        pStore->SetInteger("Editor/TabSpaceSize", 2);
+        QVERIFY(pStore->Save());
+        QCOMPARE(pStore->GetInteger("Editor/TabSpaceSize", 0), 2);
+        QCOMPARE(ReadAll(StorePath("Kept")), Kept);
+        QCOMPARE(QDir(QFileInfo(StorePath("Kept")).path()).entryList(QDir::Files), QStringList{"Kept.plist"});
     }
 
     void failedSaveLeavesTheOldFile()
