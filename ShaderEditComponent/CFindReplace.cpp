@@ -1,10 +1,10 @@
 #include "CFindReplace.h"
 
-#include "HighlightSelections.h"
-#include "IFindReplaceDelagte.h"
+#include "HighlightSelections_p.h"
 #include "IconResources.h"
-#include "TextSearch.h"
-#include "UIString.h"
+#include "IFindReplaceDelagte.h"
+#include "ShaderEditComponent/compile/model/UIString.h"
+#include "TextSearch_p.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,4 +1,4 @@
-#include "COutputHighlighter.h"
+#include "COutputHighlighter_p.h"
 
 namespace
 {

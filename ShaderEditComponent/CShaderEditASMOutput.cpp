@@ -1,9 +1,9 @@
 #include "CShaderEditASMOutput.h"
 
-#include "CShaderEditController.h"
 #include "OutputViewSupport.h"
-#include "ShaderHighlightController.h"
-#include "ZamStringConversion.h"
+#include "ShaderEditComponent/compile/controller/CShaderEditController.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>

@@ -1,8 +1,8 @@
 #include "CShaderEditLogOutput.h"
 
-#include "COutputHighlighter.h"
-#include "CShaderEditController.h"
+#include "COutputHighlighter_p.h"
 #include "OutputViewSupport.h"
+#include "ShaderEditComponent/compile/controller/CShaderEditController.h"
 
 #include <QMouseEvent>
 #include <QTextBlock>

@@ -1,10 +1,10 @@
 #include "CShaderEditPanel.h"
 
 #include "CLineNumberArea.h"
-#include "EditDocumentLayout.h"
-#include "ShaderHighlightController.h"
-#include "ShaderHighlighter.h"
-#include "TextCommands.h"
+#include "EditDocumentLayout_p.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlighter.h"
+#include "TextCommands_p.h"
 
 #include <QKeyEvent>
 #include <QPainter>

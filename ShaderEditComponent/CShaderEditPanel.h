@@ -1,14 +1,14 @@
 #pragma once
 
 #include "CLineNumberArea.h"
-#include "CompileOptions.h"
 #include "DocumentFile.h"
 #include "DocumentTextMirror.h"
-#include "Settings.h"
-#include "ShaderDocType.h"
-#include "ZamTArray.h"
-#include "ZamTHash.h"
-#include "ZamTString.h"
+#include "ShaderEditComponent/compile/model/CompileOptions.h"
+#include "ShaderEditComponent/compile/model/Settings.h"
+#include "ShaderEditComponent/compile/model/ShaderDocType.h"
+#include "Tools/ZamTArray.h"
+#include "Tools/ZamTHash.h"
+#include "Tools/ZamTString.h"
 
 #include <QList>
 #include <QPlainTextEdit>

@@ -1,7 +1,7 @@
 #include "CShaderEditProfileOutput.h"
 
-#include "CShaderEditController.h"
 #include "OutputViewSupport.h"
+#include "ShaderEditComponent/compile/controller/CShaderEditController.h"
 
 #include <QComboBox>
 #include <QFormLayout>

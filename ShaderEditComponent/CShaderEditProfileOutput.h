@@ -1,8 +1,8 @@
 #pragma once
 
-#include "CompileResult.h"
 #include "OutputViewSupport.h"
-#include "ZamTArray.h"
+#include "ShaderEditComponent/compile/model/CompileResult.h"
+#include "Tools/ZamTArray.h"
 
 #include <QFrame>
 

@@ -1,13 +1,13 @@
 #include "CShaderEditor.h"
 
-#include "CShaderEditController.h"
 #include "CShaderEditPanel.h"
-#include "CompileCommandLine.h"
 #include "DocumentFile.h"
-#include "HighlightSelections.h"
+#include "HighlightSelections_p.h"
 #include "IShaderEditorDelegate.h"
-#include "NewFileName.h"
-#include "WordMatches.h"
+#include "NewFileName_p.h"
+#include "ShaderEditComponent/compile/controller/CShaderEditController.h"
+#include "ShaderEditComponent/compile/process/CompileCommandLine.h"
+#include "WordMatches_p.h"
 
 #include <QDialog>
 #include <algorithm>

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "CompileOptions.h"
 #include "IFindReplaceDelagte.h"
-#include "Settings.h"
-#include "ShaderDocType.h"
-#include "ZamTArray.h"
-#include "ZamTHash.h"
-#include "ZamTString.h"
+#include "ShaderEditComponent/compile/model/CompileOptions.h"
+#include "ShaderEditComponent/compile/model/Settings.h"
+#include "ShaderEditComponent/compile/model/ShaderDocType.h"
+#include "Tools/ZamTArray.h"
+#include "Tools/ZamTHash.h"
+#include "Tools/ZamTString.h"
 
 #include <QTimer>
 #include <QWidget>

@@ -1,7 +1,7 @@
 #include "DocumentFile.h"
 
-#include "RegularFile.h"
-#include "UIString.h"
+#include "ShaderEditComponent/compile/model/UIString.h"
+#include "ShaderEditComponent/compile/process/RegularFile.h"
 
 #include <QSaveFile>
 #include <QStringDecoder>

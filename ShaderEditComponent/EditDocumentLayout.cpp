@@ -1,4 +1,4 @@
-#include "EditDocumentLayout.h"
+#include "EditDocumentLayout_p.h"
 
 #include <algorithm>
 

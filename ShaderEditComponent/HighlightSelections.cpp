@@ -1,4 +1,4 @@
-#include "HighlightSelections.h"
+#include "HighlightSelections_p.h"
 
 #include <QTextCursor>
 #include <QTextDocument>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ShaderDocType.h"
-#include "ZamTString.h"
+#include "ShaderEditComponent/compile/model/ShaderDocType.h"
+#include "Tools/ZamTString.h"
 
 #include <QMessageBox>
 

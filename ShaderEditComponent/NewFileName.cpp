@@ -1,6 +1,6 @@
-#include "NewFileName.h"
+#include "NewFileName_p.h"
 
-#include "UIString.h"
+#include "ShaderEditComponent/compile/model/UIString.h"
 
 #include <QRegExp>
 

@@ -1,6 +1,6 @@
 #include "OutputViewSupport.h"
 
-#include "ZamStringConversion.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>

@@ -2,9 +2,9 @@
 
 // Pieces the compiler output views share.
 
-#include "CompileResult.h"
-#include "ZamTArray.h"
-#include "ZamTString.h"
+#include "ShaderEditComponent/compile/model/CompileResult.h"
+#include "Tools/ZamTArray.h"
+#include "Tools/ZamTString.h"
 
 #include <QString>
 

@@ -1,4 +1,4 @@
-#include "TextCommands.h"
+#include "TextCommands_p.h"
 
 #include <QTextBlock>
 #include <QTextCursor>

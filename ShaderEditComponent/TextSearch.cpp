@@ -1,4 +1,4 @@
-#include "TextSearch.h"
+#include "TextSearch_p.h"
 
 #include <QTextBlock>
 

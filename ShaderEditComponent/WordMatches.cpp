@@ -1,4 +1,4 @@
-#include "WordMatches.h"
+#include "WordMatches_p.h"
 
 namespace
 {

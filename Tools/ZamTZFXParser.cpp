@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "ZamTResourceFile.h"
-#include "ZamTZFXParserBlocks.h"
+#include "ZamTZFXParserBlocks_p.h"
 
 namespace
 {

@@ -1,4 +1,4 @@
-#include "ZamTZFXParserBlocks.h"
+#include "ZamTZFXParserBlocks_p.h"
 
 int ZamTZFXReadHeader(const SZamTZFXBlock& Block, SZamTZFXDocument& Document, CZamTString& Error)
 {

@@ -1,6 +1,6 @@
-#include "ZamTZFXParserBlocks.h"
+#include "ZamTZFXParserBlocks_p.h"
 
-#include "ZamTSkipGraph.h"
+#include "ZamTSkipGraph_p.h"
 
 #include <memory>
 #include <new>

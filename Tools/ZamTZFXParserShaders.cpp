@@ -1,4 +1,4 @@
-#include "ZamTZFXParserBlocks.h"
+#include "ZamTZFXParserBlocks_p.h"
 
 #include "ZamTResourceFile.h"
 

@@ -1,4 +1,4 @@
-#include "ZamTZFXParserText.h"
+#include "ZamTZFXParserText_p.h"
 
 #include <algorithm>
 #include <cstring>

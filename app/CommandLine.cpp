@@ -1,6 +1,6 @@
-#include "CommandLine.h"
+#include "CommandLine_p.h"
 
-#include "BuildInfo.h"
+#include "app/help/BuildInfo.h"
 
 #include <cstring>
 

@@ -1,4 +1,4 @@
-#include "MainWindowUi.h"
+#include "MainWindowUi_p.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "IShaderEditorDelegate.h"
-#include "MainWindowUi.h"
-#include "ShaderDocType.h"
+#include "MainWindowUi_p.h"
+#include "ShaderEditComponent/compile/model/ShaderDocType.h"
+#include "ShaderEditComponent/IShaderEditorDelegate.h"
 
 #include <QMainWindow>
 #include <QStringList>

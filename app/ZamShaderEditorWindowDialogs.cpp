@@ -2,16 +2,16 @@
 
 #include "ZamShaderEditorWindow.h"
 
-#include "ApplicationText.h"
-#include "CAboutBoxDialog.h"
-#include "CCompileDialog.h"
-#include "CFeedbackDialog.h"
-#include "CGUIController.h"
-#include "CPreferencesDialog.h"
-#include "CShaderEditPanel.h"
-#include "CShaderEditor.h"
-#include "DocumentationOpener.h"
-#include "ZamStringConversion.h"
+#include "app/controller/ApplicationText.h"
+#include "app/controller/CGUIController.h"
+#include "app/dialogs/CCompileDialog.h"
+#include "app/dialogs/CPreferencesDialog.h"
+#include "app/help/CAboutBoxDialog.h"
+#include "app/help/CFeedbackDialog.h"
+#include "app/help/DocumentationOpener.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
+#include "ShaderEditComponent/CShaderEditor.h"
+#include "ShaderEditComponent/CShaderEditPanel.h"
 
 namespace
 {

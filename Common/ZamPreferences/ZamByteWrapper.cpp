@@ -1,4 +1,4 @@
-#include "ZamByteWrapper.h"
+#include "ZamByteWrapper_p.h"
 
 namespace
 {

@@ -1,4 +1,4 @@
-#include "ZamPlistInput.h"
+#include "ZamPlistInput_p.h"
 
 #include <cstring>
 

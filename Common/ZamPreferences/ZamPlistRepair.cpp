@@ -1,6 +1,6 @@
-#include "ZamPlistRepair.h"
+#include "ZamPlistRepair_p.h"
 
-#include "ZamPreferencesLog.h"
+#include "ZamPreferencesLog_p.h"
 
 #include <tinyxml.h>
 

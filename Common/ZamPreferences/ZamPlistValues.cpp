@@ -1,6 +1,6 @@
-#include "ZamPlistValues.h"
+#include "ZamPlistValues_p.h"
 
-#include "ZamByteWrapper.h"
+#include "ZamByteWrapper_p.h"
 
 #include <QLocale>
 

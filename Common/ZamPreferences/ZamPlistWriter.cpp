@@ -1,4 +1,4 @@
-#include "ZamPlistWriter.h"
+#include "ZamPlistWriter_p.h"
 
 #include <tinyxml.h>
 

@@ -1,10 +1,10 @@
 #include "ZamPreferences.h"
 
-#include "ZamPlistValues.h"
-#include "ZamPreferencesImpl.h"
-#include "ZamPreferencesMemory.h"
-#include "ZamPreferencesPosix.h"
-#include "ZamPreferencesReadOnly.h"
+#include "ZamPlistValues_p.h"
+#include "ZamPreferencesImpl_p.h"
+#include "ZamPreferencesMemory_p.h"
+#include "ZamPreferencesPosix_p.h"
+#include "ZamPreferencesReadOnly_p.h"
 
 #include <tinyxml.h>
 

@@ -1,10 +1,10 @@
-#include "ZamPreferencesImpl.h"
+#include "ZamPreferencesImpl_p.h"
 
-#include "ZamPlistInput.h"
-#include "ZamPlistRepair.h"
-#include "ZamPlistValues.h"
-#include "ZamPlistWriter.h"
-#include "ZamPreferencesLog.h"
+#include "ZamPlistInput_p.h"
+#include "ZamPlistRepair_p.h"
+#include "ZamPlistValues_p.h"
+#include "ZamPlistWriter_p.h"
+#include "ZamPreferencesLog_p.h"
 
 #include <tinyxml.h>
 

@@ -1,4 +1,4 @@
-#include "ZamPreferencesLog.h"
+#include "ZamPreferencesLog_p.h"
 
 #include "ZamPreferences.h"
 

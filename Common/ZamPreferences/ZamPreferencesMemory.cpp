@@ -1,6 +1,6 @@
-#include "ZamPreferencesMemory.h"
+#include "ZamPreferencesMemory_p.h"
 
-#include "ZamPlistWriter.h"
+#include "ZamPlistWriter_p.h"
 
 CZamPreferencesMemory::CZamPreferencesMemory()
     : CZamPreferencesImpl(QString(), CZamPreferences::Scope_User)

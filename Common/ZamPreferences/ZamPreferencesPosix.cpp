@@ -1,6 +1,6 @@
-#include "ZamPreferencesPosix.h"
+#include "ZamPreferencesPosix_p.h"
 
-#include "ZamPlistWriter.h"
+#include "ZamPlistWriter_p.h"
 
 #include <QDateTime>
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "ZamPreferencesReadOnly.h"
+#include "ZamPreferencesReadOnly_p.h"
 
 bool CZamPreferencesReadOnly::OpenFile(const QString& Name, EDirection eDirection, CZamPreferences::EScope eScope,
                                        bool bThroughTemporary)

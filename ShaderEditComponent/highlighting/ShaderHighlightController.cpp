@@ -1,6 +1,6 @@
 #include "ShaderHighlightController.h"
 
-#include "ZamPreferences.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
 
 #include <QColor>
 #include <QLoggingCategory>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ShaderHighlightElements.h"
-#include "ZamTString.h"
+#include "Tools/ZamTString.h"
 
 #include <QFont>
 #include <QObject>

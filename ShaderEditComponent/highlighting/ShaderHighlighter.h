@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ShaderDocType.h"
+#include "ShaderEditComponent/compile/model/ShaderDocType.h"
 #include "ShaderRuleEngine.h"
 
 #include <QSyntaxHighlighter>

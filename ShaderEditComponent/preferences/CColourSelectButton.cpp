@@ -1,4 +1,4 @@
-#include "CColourSelectButton.h"
+#include "CColourSelectButton_p.h"
 
 #include <QColorDialog>
 #include <QEvent>

@@ -1,11 +1,11 @@
 #include "CCompilerPreferencesWidget.h"
 
-#include "CColourSelectButton.h"
-#include "CShaderEditController.h"
-#include "CompileOptions.h"
-#include "CompilerLocator.h"
-#include "PreferenceText.h"
-#include "UIString.h"
+#include "CColourSelectButton_p.h"
+#include "PreferenceText_p.h"
+#include "ShaderEditComponent/compile/controller/CShaderEditController.h"
+#include "ShaderEditComponent/compile/model/CompileOptions.h"
+#include "ShaderEditComponent/compile/model/UIString.h"
+#include "ShaderEditComponent/compile/process/CompilerLocator.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "CompilerDetection.h"
-#include "Settings.h"
+#include "ShaderEditComponent/compile/controller/CompilerDetection.h"
+#include "ShaderEditComponent/compile/model/Settings.h"
 
 #include <QColor>
 #include <QWidget>

@@ -1,11 +1,11 @@
 #include "CEditorColoursPreferencesWidget.h"
 
-#include "CColourSelectButton.h"
-#include "ColourPreviewSamples.h"
-#include "PreferenceText.h"
-#include "ShaderHighlightController.h"
-#include "ShaderHighlighter.h"
-#include "ZamPreferences.h"
+#include "CColourSelectButton_p.h"
+#include "ColourPreviewSamples_p.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
+#include "PreferenceText_p.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlighter.h"
 
 #include <QCheckBox>
 #include <QFontComboBox>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ShaderHighlightElements.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightElements.h"
 
 #include <QColor>
 #include <QFont>

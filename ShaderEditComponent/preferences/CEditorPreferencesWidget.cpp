@@ -1,9 +1,9 @@
 #include "CEditorPreferencesWidget.h"
 
-#include "CColourSelectButton.h"
-#include "CShaderEditController.h"
-#include "PreferenceText.h"
-#include "UIString.h"
+#include "CColourSelectButton_p.h"
+#include "PreferenceText_p.h"
+#include "ShaderEditComponent/compile/controller/CShaderEditController.h"
+#include "ShaderEditComponent/compile/model/UIString.h"
 
 #include <QCheckBox>
 #include <QFormLayout>

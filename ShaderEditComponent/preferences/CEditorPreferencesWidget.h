@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Settings.h"
+#include "ShaderEditComponent/compile/model/Settings.h"
 
 #include <QColor>
 #include <QWidget>

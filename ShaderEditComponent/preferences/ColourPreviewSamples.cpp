@@ -1,6 +1,6 @@
-#include "ColourPreviewSamples.h"
+#include "ColourPreviewSamples_p.h"
 
-#include "ShaderHighlightElements.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightElements.h"
 
 namespace
 {

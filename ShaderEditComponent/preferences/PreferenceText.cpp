@@ -1,4 +1,4 @@
-#include "PreferenceText.h"
+#include "PreferenceText_p.h"
 
 #include <iterator>
 

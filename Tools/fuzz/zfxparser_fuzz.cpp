@@ -1,8 +1,8 @@
 // libFuzzer entry for the effect-file parser. FILE and BINARYFILE never reach the disk: the
 // loader is replaced, and a few names are served from the in-memory file table instead.
 
-#include "ZamTResourceFile.h"
-#include "ZamTZFXParser.h"
+#include "Tools/ZamTResourceFile.h"
+#include "Tools/ZamTZFXParser.h"
 
 #include <cstddef>
 #include <cstdint>

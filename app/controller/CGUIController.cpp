@@ -1,7 +1,7 @@
 #include "CGUIController.h"
 
-#include "ZamPreferences.h"
-#include "ZamStringConversion.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 
 #include <QDebug>
 #include <QDir>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "GeneralSettings.h"
-#include "ZamTArray.h"
-#include "ZamTString.h"
+#include "Tools/ZamTArray.h"
+#include "Tools/ZamTString.h"
 
 #include <QObject>
 #include <QString>

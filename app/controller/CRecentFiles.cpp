@@ -1,6 +1,6 @@
 #include "CRecentFiles.h"
 
-#include "ZamPreferences.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
 
 #include <QAction>
 #include <QFileInfo>

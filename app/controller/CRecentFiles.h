@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ZamTString.h"
+#include "Tools/ZamTString.h"
 
 #include <QObject>
 #include <QPointer>

@@ -1,10 +1,10 @@
 #include "CCompileDialog.h"
 
-#include "ApplicationText.h"
-#include "CGUIController.h"
-#include "CShaderEditController.h"
-#include "CompileOptions.h"
-#include "DialogText.h"
+#include "app/controller/ApplicationText.h"
+#include "app/controller/CGUIController.h"
+#include "DialogText_p.h"
+#include "ShaderEditComponent/compile/controller/CShaderEditController.h"
+#include "ShaderEditComponent/compile/model/CompileOptions.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "DialogCommandLine.h"
-#include "ShaderDocType.h"
-#include "ZamTHash.h"
-#include "ZamTString.h"
+#include "ShaderEditComponent/compile/model/ShaderDocType.h"
+#include "Tools/ZamTHash.h"
+#include "Tools/ZamTString.h"
 
 #include <QDialog>
 

@@ -1,11 +1,11 @@
 #include "CPreferencesDialog.h"
 
-#include "ApplicationText.h"
-#include "CCompilerPreferencesWidget.h"
-#include "CEditorColoursPreferencesWidget.h"
-#include "CEditorPreferencesWidget.h"
-#include "CGUIController.h"
-#include "CShaderEditController.h"
+#include "app/controller/ApplicationText.h"
+#include "app/controller/CGUIController.h"
+#include "ShaderEditComponent/compile/controller/CShaderEditController.h"
+#include "ShaderEditComponent/preferences/CCompilerPreferencesWidget.h"
+#include "ShaderEditComponent/preferences/CEditorColoursPreferencesWidget.h"
+#include "ShaderEditComponent/preferences/CEditorPreferencesWidget.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>

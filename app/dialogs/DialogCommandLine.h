@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CompileCommandLine.h"
+#include "ShaderEditComponent/compile/process/CompileCommandLine.h"
 
 #include <QString>
 

@@ -1,4 +1,4 @@
-#include "DialogText.h"
+#include "DialogText_p.h"
 
 #include <iterator>
 

@@ -1,9 +1,9 @@
 #include "CAboutBoxDialog.h"
 
 #include "BuildInfo.h"
-#include "HelpLog.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
+#include "HelpLog_p.h"
 #include "HelpResources.h"
-#include "ZamPreferences.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>

@@ -1,7 +1,7 @@
 #include "DocumentationOpener.h"
 
-#include "HelpLog.h"
-#include "ZamPreferences.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
+#include "HelpLog_p.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,6 +1,6 @@
 #include "HelpLinks.h"
 
-#include "HelpLog.h"
+#include "HelpLog_p.h"
 
 #include <QDesktopServices>
 #include <QLabel>

@@ -1,3 +1,3 @@
-#include "HelpLog.h"
+#include "HelpLog_p.h"
 
 Q_LOGGING_CATEGORY(lcZamHelp, "zam.help")

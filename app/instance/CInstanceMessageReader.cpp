@@ -1,6 +1,6 @@
-#include "CInstanceMessageReader.h"
+#include "CInstanceMessageReader_p.h"
 
-#include "InstanceLocation.h"
+#include "InstanceLocation_p.h"
 #include "InstanceMessage.h"
 
 #include <QLocalSocket>

@@ -1,7 +1,7 @@
 #include "CSingleApplication.h"
 
-#include "CInstanceMessageReader.h"
-#include "InstanceLocation.h"
+#include "CInstanceMessageReader_p.h"
+#include "InstanceLocation_p.h"
 
 #include <QDeadlineTimer>
 #include <QFileOpenEvent>

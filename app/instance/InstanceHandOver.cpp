@@ -1,6 +1,6 @@
 #include "InstanceHandOver.h"
 
-#include "InstanceLocation.h"
+#include "InstanceLocation_p.h"
 #include "InstanceMessage.h"
 
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "InstanceLocation.h"
+#include "InstanceLocation_p.h"
 
 #include <QDeadlineTimer>
 #include <QDir>

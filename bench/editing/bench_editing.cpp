@@ -15,12 +15,12 @@
 // e.g. valgrind --tool=callgrind --collect-atstart=no --toggle-collect='*Scenario*'
 //      bench/bench_editing typing 20
 
-#include "CFindReplace.h"
-#include "CShaderEditPanel.h"
-#include "CShaderEditor.h"
-#include "IShaderEditorDelegate.h"
-#include "MetaTypes.h"
-#include "ShaderHighlightController.h"
+#include "ShaderEditComponent/CFindReplace.h"
+#include "ShaderEditComponent/compile/model/MetaTypes.h"
+#include "ShaderEditComponent/CShaderEditor.h"
+#include "ShaderEditComponent/CShaderEditPanel.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
+#include "ShaderEditComponent/IShaderEditorDelegate.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -5,10 +5,10 @@
 // machine is shared, and the best run is the one least disturbed by others.
 // Usage: bench_highlight [--ksyntax <path to ksyntax_bench>]
 // The last line is "vs_reference=<x> vs_ksyntaxhighlighting=<y> keystroke_us=<median>".
-#include "ReferenceShaderHighlighter.h"
-#include "ShaderHighlightController.h"
-#include "ShaderHighlighter.h"
-#include "ZamPreferences.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlighter.h"
+#include "ShaderEditComponent/highlighting/reference/ReferenceShaderHighlighter.h"
 
 #include <QApplication>
 #include <QFile>

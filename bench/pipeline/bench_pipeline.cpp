@@ -4,11 +4,11 @@
 // zfxparser benchmark. Usage: bench_pipeline <folder of the bundled compilers> <bench_zfxparser>.
 // Last line: turnaround_vs_bare=<ratio> zfx_parse_ms=<ms>.
 
-#include "CShaderEditController.h"
-#include "CompileCommandLine.h"
-#include "CompileOptions.h"
-#include "CompilerLocator.h"
-#include "MetaTypes.h"
+#include "ShaderEditComponent/compile/controller/CShaderEditController.h"
+#include "ShaderEditComponent/compile/model/CompileOptions.h"
+#include "ShaderEditComponent/compile/model/MetaTypes.h"
+#include "ShaderEditComponent/compile/process/CompileCommandLine.h"
+#include "ShaderEditComponent/compile/process/CompilerLocator.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

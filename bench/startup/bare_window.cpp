@@ -1,7 +1,7 @@
 // The baseline of the start-up benchmark: a bare Qt main window with a text editor in it,
 // measured with the same probe as the editor.
 
-#include "StartupProbe.h"
+#include "app/StartupProbe.h"
 
 #include <QApplication>
 #include <QMainWindow>

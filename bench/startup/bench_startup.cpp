@@ -6,7 +6,7 @@
 // Last line: startup_ms=<median> bare_ms=<median> startup_vs_bare=<ratio>
 //            handover_ms=<median> handover_vs_version=<ratio>
 
-#include "ZamPreferences.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,7 +1,7 @@
 // Parses a generated effect file of exactly 5,000 lines many times and prints the median.
 // The last line of output is "parse_5000_ms=<median>".
 
-#include "ZamTZFXParser.h"
+#include "Tools/ZamTZFXParser.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "IShaderEditorDelegate.h"
+#include "ShaderEditComponent/IShaderEditorDelegate.h"
 
 #include <QStringList>
 

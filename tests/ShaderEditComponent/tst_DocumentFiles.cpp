@@ -1,9 +1,9 @@
-#include "CShaderEditPanel.h"
-#include "CShaderEditor.h"
-#include "DocumentFile.h"
 #include "FakeEditorDelegate.h"
-#include "MetaTypes.h"
-#include "ShaderHighlightController.h"
+#include "ShaderEditComponent/compile/model/MetaTypes.h"
+#include "ShaderEditComponent/CShaderEditor.h"
+#include "ShaderEditComponent/CShaderEditPanel.h"
+#include "ShaderEditComponent/DocumentFile.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
 
 #include <QTemporaryDir>
 #include <QtTest>

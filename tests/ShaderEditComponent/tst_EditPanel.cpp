@@ -1,9 +1,9 @@
-#include "CLineNumberArea.h"
-#include "CShaderEditPanel.h"
 #include "EditTestSupport.h"
-#include "MetaTypes.h"
-#include "ShaderHighlightController.h"
-#include "ShaderHighlighter.h"
+#include "ShaderEditComponent/CLineNumberArea.h"
+#include "ShaderEditComponent/compile/model/MetaTypes.h"
+#include "ShaderEditComponent/CShaderEditPanel.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlighter.h"
 
 #include <QSignalSpy>
 #include <QTextBlock>

@@ -1,11 +1,11 @@
-#include "CFindReplace.h"
-#include "CShaderEditPanel.h"
-#include "CShaderEditor.h"
 #include "EditTestSupport.h"
-#include "IFindReplaceDelagte.h"
-#include "MetaTypes.h"
-#include "ShaderHighlightController.h"
-#include "TextSearch.h"
+#include "ShaderEditComponent/CFindReplace.h"
+#include "ShaderEditComponent/compile/model/MetaTypes.h"
+#include "ShaderEditComponent/CShaderEditor.h"
+#include "ShaderEditComponent/CShaderEditPanel.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
+#include "ShaderEditComponent/IFindReplaceDelagte.h"
+#include "ShaderEditComponent/TextSearch_p.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,4 +1,4 @@
-#include "IconResources.h"
+#include "ShaderEditComponent/IconResources.h"
 
 #include <QDir>
 #include <QDirIterator>

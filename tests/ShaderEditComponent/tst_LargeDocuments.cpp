@@ -1,11 +1,11 @@
 // What keeps large documents fast must not change what the user sees or the compiler gets.
 
-#include "CShaderEditPanel.h"
-#include "CShaderEditor.h"
-#include "DocumentTextMirror.h"
-#include "MetaTypes.h"
-#include "ShaderHighlightController.h"
-#include "ShaderHighlightElements.h"
+#include "ShaderEditComponent/compile/model/MetaTypes.h"
+#include "ShaderEditComponent/CShaderEditor.h"
+#include "ShaderEditComponent/CShaderEditPanel.h"
+#include "ShaderEditComponent/DocumentTextMirror.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightElements.h"
 
 #include <QPaintEvent>
 #include <QScrollBar>

@@ -1,5 +1,5 @@
-#include "CNewShaderFileDialog.h"
-#include "MetaTypes.h"
+#include "ShaderEditComponent/CNewShaderFileDialog.h"
+#include "ShaderEditComponent/compile/model/MetaTypes.h"
 
 #include <QDialogButtonBox>
 #include <QLabel>

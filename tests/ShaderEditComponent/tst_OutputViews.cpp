@@ -1,15 +1,15 @@
 // The log, disassembly and profile views, fed by a real shader edit controller running the
 // bundled reference compiler.
 
-#include "COutputHighlighter.h"
-#include "CShaderEditASMOutput.h"
-#include "CShaderEditController.h"
-#include "CShaderEditLogOutput.h"
-#include "CShaderEditProfileOutput.h"
-#include "MetaTypes.h"
-#include "ShaderHighlightController.h"
-#include "ZamPreferences.h"
-#include "compile/CompileTestSupport.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
+#include "ShaderEditComponent/compile/controller/CShaderEditController.h"
+#include "ShaderEditComponent/compile/model/MetaTypes.h"
+#include "ShaderEditComponent/COutputHighlighter_p.h"
+#include "ShaderEditComponent/CShaderEditASMOutput.h"
+#include "ShaderEditComponent/CShaderEditLogOutput.h"
+#include "ShaderEditComponent/CShaderEditProfileOutput.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
+#include "tests/support/CompileTestSupport.h"
 
 #include <QComboBox>
 #include <QFormLayout>

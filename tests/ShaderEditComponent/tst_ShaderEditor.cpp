@@ -1,11 +1,11 @@
-#include "CShaderEditController.h"
-#include "CShaderEditPanel.h"
-#include "CShaderEditor.h"
 #include "EditTestSupport.h"
 #include "FakeEditorDelegate.h"
-#include "MetaTypes.h"
-#include "NewFileName.h"
-#include "ShaderHighlightController.h"
+#include "ShaderEditComponent/compile/controller/CShaderEditController.h"
+#include "ShaderEditComponent/compile/model/MetaTypes.h"
+#include "ShaderEditComponent/CShaderEditor.h"
+#include "ShaderEditComponent/CShaderEditPanel.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
+#include "ShaderEditComponent/NewFileName_p.h"
 
 #include <QSignalSpy>
 #include <QTabBar>

@@ -1,5 +1,5 @@
 #include "EditTestSupport.h"
-#include "TextCommands.h"
+#include "ShaderEditComponent/TextCommands_p.h"
 
 #include <QPlainTextEdit>
 #include <QtTest>

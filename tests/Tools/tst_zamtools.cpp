@@ -1,7 +1,7 @@
-#include "ZamTArray.h"
-#include "ZamTHash.h"
-#include "ZamTSkipGraph.h"
-#include "ZamTString.h"
+#include "Tools/ZamTArray.h"
+#include "Tools/ZamTHash.h"
+#include "Tools/ZamTSkipGraph_p.h"
+#include "Tools/ZamTString.h"
 
 #include <QtTest>
 

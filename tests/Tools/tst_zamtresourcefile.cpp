@@ -1,4 +1,4 @@
-#include "ZamTResourceFile.h"
+#include "Tools/ZamTResourceFile.h"
 
 #include <QtTest>
 

@@ -1,5 +1,5 @@
-#include "ZamTResourceFile.h"
-#include "ZamTZFXParser.h"
+#include "Tools/ZamTResourceFile.h"
+#include "Tools/ZamTZFXParser.h"
 
 #include <QtTest>
 

@@ -3,9 +3,9 @@
 // Drives the real main window offscreen: a window on a private preference file, modal
 // dialogs answered from the event loop, and files on disk.
 
-#include "CGUIController.h"
-#include "ZamPreferences.h"
-#include "ZamShaderEditorWindow.h"
+#include "app/controller/CGUIController.h"
+#include "app/ZamShaderEditorWindow.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
 
 #include <QApplication>
 #include <QDir>

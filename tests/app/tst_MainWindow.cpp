@@ -2,13 +2,13 @@
 // actions, command state, session, drag and drop, recent files, and the output docks fed
 // by the bundled compiler.
 
-#include "CRecentFiles.h"
-#include "CShaderEditController.h"
-#include "CShaderEditPanel.h"
-#include "CShaderEditor.h"
-#include "MetaTypes.h"
+#include "app/controller/CRecentFiles.h"
+#include "ShaderEditComponent/compile/controller/CShaderEditController.h"
+#include "ShaderEditComponent/compile/model/MetaTypes.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
+#include "ShaderEditComponent/CShaderEditor.h"
+#include "ShaderEditComponent/CShaderEditPanel.h"
 #include "WindowTestSupport.h"
-#include "ZamStringConversion.h"
 
 #include <QAbstractButton>
 #include <QComboBox>

@@ -1,6 +1,6 @@
 // Feeds arbitrary bytes to the preference-file reader, then checks that what the store
 // writes back loads again without complaint and serialises to the same bytes.
-#include "ZamPreferences.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
 
 #include <QLoggingCategory>
 

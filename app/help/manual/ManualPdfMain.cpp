@@ -1,4 +1,4 @@
-#include "ManualRenderer.h"
+#include "app/help/ManualRenderer.h"
 
 #include <QFile>
 #include <QFileInfo>

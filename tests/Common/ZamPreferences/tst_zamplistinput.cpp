@@ -1,5 +1,5 @@
-#include "ZamByteWrapper.h"
-#include "ZamPlistInput.h"
+#include "Common/ZamPreferences/ZamByteWrapper_p.h"
+#include "Common/ZamPreferences/ZamPlistInput_p.h"
 
 #include <QTest>
 

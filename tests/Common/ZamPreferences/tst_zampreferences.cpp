@@ -1,6 +1,6 @@
-#include "ZamPreferences.h"
-#include "ZamPreferencesMemory.h"
-#include "ZamPreferencesPosix.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
+#include "Common/ZamPreferences/ZamPreferencesMemory_p.h"
+#include "Common/ZamPreferences/ZamPreferencesPosix_p.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,9 +1,9 @@
 #include "HighlightTestSupport.h"
 
-#include "ShaderHighlightController.h"
-#include "ShaderHighlightRules.h"
-#include "ShaderHighlighter.h"
-#include "ZamPreferences.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlighter.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightRules.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,7 +1,7 @@
 // The colour scheme and the editor font as they are read from and written to the
 // preference file.
-#include "ShaderHighlightController.h"
-#include "ZamPreferences.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
 
 #include <QFile>
 #include <QSignalSpy>

@@ -2,7 +2,7 @@
 // must leave exactly the committed per-block dump in expected/. After a deliberate change,
 // regenerate.sh rewrites the dumps; review their diff before committing.
 #include "HighlightTestSupport.h"
-#include "ShaderHighlighter.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlighter.h"
 
 #include <QFile>
 #include <QTest>

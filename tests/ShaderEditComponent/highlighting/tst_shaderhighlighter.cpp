@@ -1,7 +1,7 @@
 // What a user sees: which element colours which text, across blocks and document types.
 #include "HighlightTestSupport.h"
-#include "ShaderHighlightController.h"
-#include "ShaderHighlighter.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlighter.h"
 
 #include <QCoreApplication>
 #include <QTest>

@@ -2,10 +2,10 @@
 // QRegExp over every block) does: same element on every character, same block states,
 // same effect data.
 #include "HighlightTestSupport.h"
-#include "ReferenceShaderHighlighter.h"
-#include "ShaderHighlightController.h"
-#include "ShaderHighlightRules.h"
-#include "ShaderHighlighter.h"
+#include "ShaderEditComponent/highlighting/reference/ReferenceShaderHighlighter.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlighter.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightRules.h"
 
 #include <QCoreApplication>
 #include <QRegExp>

@@ -1,17 +1,17 @@
 // The three preference pages, driven as a user would, against a real controller, a real
 // preference file and real (misbehaving) compiler programs.
 
-#include "../compile/CompileTestSupport.h"
-#include "CCompilerPreferencesWidget.h"
-#include "CColourSelectButton.h"
-#include "CEditorColoursPreferencesWidget.h"
-#include "CEditorPreferencesWidget.h"
-#include "CShaderEditController.h"
-#include "CompilerLocator.h"
-#include "MetaTypes.h"
-#include "ShaderHighlightController.h"
-#include "ShaderHighlighter.h"
-#include "ZamPreferences.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
+#include "ShaderEditComponent/compile/controller/CShaderEditController.h"
+#include "ShaderEditComponent/compile/model/MetaTypes.h"
+#include "ShaderEditComponent/compile/process/CompilerLocator.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlighter.h"
+#include "ShaderEditComponent/preferences/CColourSelectButton_p.h"
+#include "ShaderEditComponent/preferences/CCompilerPreferencesWidget.h"
+#include "ShaderEditComponent/preferences/CEditorColoursPreferencesWidget.h"
+#include "ShaderEditComponent/preferences/CEditorPreferencesWidget.h"
+#include "tests/support/CompileTestSupport.h"
 
 #include <QCheckBox>
 #include <QComboBox>

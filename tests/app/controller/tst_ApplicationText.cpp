@@ -1,4 +1,4 @@
-#include "ApplicationText.h"
+#include "app/controller/ApplicationText.h"
 
 #include <QSet>
 #include <QtTest>

@@ -1,12 +1,12 @@
 // The application controller and the recent-files list against real preference files in a
 // private configuration folder, reloaded the way the next start of the program reads them.
 
-#include "CGUIController.h"
-#include "CRecentFiles.h"
-#include "CShaderEditController.h"
-#include "ShaderHighlightController.h"
-#include "ZamPreferences.h"
-#include "ZamStringConversion.h"
+#include "app/controller/CGUIController.h"
+#include "app/controller/CRecentFiles.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
+#include "ShaderEditComponent/compile/controller/CShaderEditController.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
 
 #include <QDockWidget>
 #include <QMainWindow>

@@ -3,13 +3,13 @@
 // The controllers behind the dialogs, on a preference file in the test's configuration folder,
 // with the fake compiler (see tests/ShaderEditComponent/compile/fakes) as the custom compiler.
 
-#include "../../ShaderEditComponent/compile/CompileTestSupport.h"
-#include "CGUIController.h"
-#include "CShaderEditController.h"
-#include "CompilerLocator.h"
-#include "MetaTypes.h"
-#include "ShaderHighlightController.h"
-#include "ZamPreferences.h"
+#include "app/controller/CGUIController.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
+#include "ShaderEditComponent/compile/controller/CShaderEditController.h"
+#include "ShaderEditComponent/compile/model/MetaTypes.h"
+#include "ShaderEditComponent/compile/process/CompilerLocator.h"
+#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
+#include "tests/support/CompileTestSupport.h"
 
 #include <QTemporaryDir>
 

@@ -1,8 +1,8 @@
 // The compile-to-file dialog, driven through its widgets: what it shows is what runs, and the
 // fake compiler records exactly what ran.
 
-#include "ApplicationText.h"
-#include "CCompileDialog.h"
+#include "app/controller/ApplicationText.h"
+#include "app/dialogs/CCompileDialog.h"
 #include "DialogTestSupport.h"
 
 #include <QCheckBox>

@@ -1,11 +1,11 @@
 // The preferences window with its four pages, driven through its widgets against the real
 // controllers and the real preference file, including files a save must not lose.
 
-#include "ApplicationText.h"
-#include "CCompilerPreferencesWidget.h"
-#include "CEditorPreferencesWidget.h"
-#include "CPreferencesDialog.h"
+#include "app/controller/ApplicationText.h"
+#include "app/dialogs/CPreferencesDialog.h"
 #include "DialogTestSupport.h"
+#include "ShaderEditComponent/preferences/CCompilerPreferencesWidget.h"
+#include "ShaderEditComponent/preferences/CEditorPreferencesWidget.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,5 +1,5 @@
-#include "DocumentationOpener.h"
-#include "ZamPreferences.h"
+#include "app/help/DocumentationOpener.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,8 +1,8 @@
-#include "BuildInfo.h"
-#include "CAboutBoxDialog.h"
-#include "CFeedbackDialog.h"
-#include "CUpdateChecker.h"
-#include "ZamPreferences.h"
+#include "app/help/BuildInfo.h"
+#include "app/help/CAboutBoxDialog.h"
+#include "app/help/CFeedbackDialog.h"
+#include "app/help/CUpdateChecker.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
 
 #include <QApplication>
 #include <QCheckBox>

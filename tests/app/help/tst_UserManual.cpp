@@ -1,6 +1,6 @@
-#include "DocumentationOpener.h"
-#include "ManualRenderer.h"
-#include "ZamPreferences.h"
+#include "app/help/DocumentationOpener.h"
+#include "app/help/ManualRenderer.h"
+#include "Common/ZamPreferences/ZamPreferences.h"
 
 #include <QDir>
 #include <QFile>

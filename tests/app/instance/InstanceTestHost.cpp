@@ -6,9 +6,9 @@
 //   block <file>       keep the event loop busy until <file> exists (a long compile)
 //   quit               leave the event loop (so does the end of standard input)
 
-#include "CSingleApplication.h"
-#include "InstanceHandOver.h"
-#include "InstanceMessage.h"
+#include "app/instance/CSingleApplication.h"
+#include "app/instance/InstanceHandOver.h"
+#include "app/instance/InstanceMessage.h"
 
 #include <QFile>
 #include <QFileOpenEvent>

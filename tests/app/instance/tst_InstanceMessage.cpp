@@ -1,5 +1,5 @@
-#include "InstanceLocation.h"
-#include "InstanceMessage.h"
+#include "app/instance/InstanceLocation_p.h"
+#include "app/instance/InstanceMessage.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 // The single instance between real processes: the host program starts the way the editor does.
 
-#include "InstanceLocation.h"
+#include "app/instance/InstanceLocation_p.h"
 
 #include <QDir>
 #include <QFile>

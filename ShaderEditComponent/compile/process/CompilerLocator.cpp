@@ -1,0 +1,45 @@
+#include "CompilerLocator.h"
+
+#include "ShaderEditComponent/compile/model/CompileOptions.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+
+QString OpenCLCompilerBaseName()
+{
+    return QStringLiteral("clcompiler_zc1");
+}
+
+QStringList DefaultCompilerSearchPaths()
+{
+    const QString Own = QCoreApplication::applicationDirPath();
+    return {Own, QDir::cleanPath(Own + QStringLiteral("/../libexec/zamshadereditor"))};
+}
+
+QString FindBundledCompiler(const QString& BaseName, const QStringList& SearchPaths)
+{
+    if (BaseName.isEmpty())
+        return QString();
+    for (const QString& Folder : SearchPaths)
+    {
+        const QFileInfo Candidate(QDir(Folder).filePath(BaseName));
+        if (Candidate.isFile() && Candidate.isExecutable())
+            return Candidate.absoluteFilePath();
+    }
+    return QString();
+}
+
+QString ResolveCompilerPath(const Settings::SCompiler& Compiler, const QStringList& SearchPaths)
+{
+    if (Compiler.uiCompilerSelection < CustomCompilerSelection &&
+        static_cast<int>(Compiler.uiCompilerSelection) < GetCompilerTargetCount())
+    {
+        const CZamTString& BaseName =
+            GetCompilerTarget(static_cast<int>(Compiler.uiCompilerSelection)).ExecutableBaseName;
+        return FindBundledCompiler(QString::fromUtf8(BaseName.GetString(), static_cast<int>(BaseName.GetLength())),
+                                   SearchPaths);
+    }
+    return QString::fromUtf8(Compiler.CustomCompilerPath.GetString(),
+                             static_cast<int>(Compiler.CustomCompilerPath.GetLength()));
+}

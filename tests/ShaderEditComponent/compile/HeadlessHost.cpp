@@ -1,9 +1,0 @@
-// The editor's command-line compile on its own, so tests can start it, signal it and kill it
-// without building the whole editor.
-
-#include "HeadlessCompile.h"
-
-int main(int argc, char** argv)
-{
-    return RunHeadlessCompileMain(argc, argv);
-}

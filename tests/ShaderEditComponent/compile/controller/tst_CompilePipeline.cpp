@@ -1,0 +1,518 @@
+// End to end: the controller with the bundled reference compilers, and the command-line
+// compile of the zamshadereditor executable.
+
+#include "Common/ZamPreferences/ZamPreferences.h"
+#include "ShaderEditComponent/compile/controller/CCompiler_p.h"
+#include "ShaderEditComponent/compile/controller/CShaderEditController.h"
+#include "ShaderEditComponent/compile/model/MetaTypes.h"
+#include "ShaderEditComponent/compile/model/UIString.h"
+#include "ShaderEditComponent/compile/process/CompileCommandLine.h"
+#include "tests/support/CompileTestSupport.h"
+
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <map>
+#include <memory>
+
+using namespace CompileTest;
+
+namespace
+{
+const char kFragment[] = "precision mediump float;\n"       // 1
+                         "uniform sampler2D t;\n"           // 2
+                         "varying vec2 uv;\n"               // 3
+                         "\n"                               // 4
+                         "void main()\n"                    // 5
+                         "{\n"                              // 6
+                         "    vec4 c = texture2D(t, uv);\n" // 7
+                         "    gl_FragColor = c * 2.0;\n"    // 8
+                         "}\n";                             // 9
+
+// Three shaders; code lines 8, 19 and 31 do the work.
+const char kEffect[] = "[VERTEXSHADER]\n"                            // 1
+                       "NAME SceneVS\n"                              // 2
+                       "[GLSL_CODE]\n"                               // 3
+                       "attribute vec4 a_position;\n"                // 4
+                       "uniform mat4 u_mvp;\n"                       // 5
+                       "void main()\n"                               // 6
+                       "{\n"                                         // 7
+                       "gl_Position = u_mvp * a_position;\n"         // 8
+                       "}\n"                                         // 9
+                       "[/GLSL_CODE]\n"                              // 10
+                       "[/VERTEXSHADER]\n"                           // 11
+                       "[FRAGMENTSHADER]\n"                          // 12
+                       "NAME FlatFS\n"                               // 13
+                       "[GLSL_CODE]\n"                               // 14
+                       "precision mediump float;\n"                  // 15
+                       "uniform vec4 u_colour;\n"                    // 16
+                       "void main()\n"                               // 17
+                       "{\n"                                         // 18
+                       "gl_FragColor = u_colour * 0.5;\n"            // 19
+                       "}\n"                                         // 20
+                       "[/GLSL_CODE]\n"                              // 21
+                       "[/FRAGMENTSHADER]\n"                         // 22
+                       "[FRAGMENTSHADER]\n"                          // 23
+                       "NAME TexturedFS\n"                           // 24
+                       "[GLSL_CODE]\n"                               // 25
+                       "precision mediump float;\n"                  // 26
+                       "uniform sampler2D u_tex;\n"                  // 27
+                       "varying vec2 v_uv;\n"                        // 28
+                       "void main()\n"                               // 29
+                       "{\n"                                         // 30
+                       "gl_FragColor = texture2D(u_tex, v_uv) %1;\n" // 31
+                       "}\n"                                         // 32
+                       "[/GLSL_CODE]\n"                              // 33
+                       "[/FRAGMENTSHADER]\n"                         // 34
+                       "[EFFECT]\nNAME Flat\nVERTEXSHADER SceneVS\nFRAGMENTSHADER FlatFS\n[/EFFECT]\n"
+                       "[EFFECT]\nNAME Textured\nVERTEXSHADER SceneVS\nFRAGMENTSHADER TexturedFS\n[/EFFECT]\n";
+
+QString Effect(const char* pLine31Tail)
+{
+    return QString::fromLatin1(kEffect).arg(QLatin1String(pLine31Tail));
+}
+
+// The document lines (1-based) that have a cycle count.
+QList<int> CountedLines(const CZamTArray<int>& Counts)
+{
+    QList<int> Lines;
+    for (uint32_t i = 0; i < Counts.GetSize(); ++i)
+    {
+        if (Counts[i] >= 0)
+            Lines << static_cast<int>(i) + 1;
+    }
+    return Lines;
+}
+
+int SumOfLines(const CZamTArray<int>& Counts, int iFirst, int iLast)
+{
+    int iSum = 0;
+    for (int iLine = iFirst; iLine <= iLast && iLine <= static_cast<int>(Counts.GetSize()); ++iLine)
+        iSum += qMax(0, Counts[static_cast<uint32_t>(iLine - 1)]);
+    return iSum;
+}
+} // namespace
+
+class CCompilePipelineTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void ShaderLogCountsProfileAndDisassembly();
+    void EffectFileShaderByShader();
+    void ErrorsLandOnTheDocumentsLine();
+    void EffectCompiledToFiles();
+    void HundredRequestsForOnePanel();
+    void TwoPanelsAtOnce();
+    void OpenCLKernel();
+    void OpenCLKernelFindsItsLocalHeader();
+    void NamesThatLookLikeOptions();
+    void EffectShadersInFiles();
+    void ShaderWithoutSourceIsNamed();
+    void CommandLineCompile_data();
+    void CommandLineCompile();
+
+private:
+    struct SDelivery
+    {
+        std::map<uint32_t, CZamTArray<int>> CountsByPanel;
+        SCompileResult Last;
+        QString LastLog;
+        int iResults = 0;
+    };
+    std::unique_ptr<CShaderEditController> MakeController(SDelivery& Delivery);
+    void CompileAndWait(CShaderEditController& Controller, SDelivery& Delivery, const QString& Text,
+                        EShaderDocType eType);
+
+    QTemporaryDir m_Temp;
+};
+
+void CCompilePipelineTest::initTestCase()
+{
+    RegisterCompileMetaTypes();
+    QVERIFY(QFileInfo(Program("glslcompiler_zc1")).isExecutable());
+}
+
+void CCompilePipelineTest::init()
+{
+    QFile::remove(CZamPreferences(QStringLiteral("ZamShaderEditor")).GetFilePath());
+}
+
+void CCompilePipelineTest::cleanup()
+{
+    QTRY_COMPARE_WITH_TIMEOUT(CCompiler::GetLiveCount(), 0, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(Children().iLiving + Children().iZombies, 0, 5000);
+}
+
+std::unique_ptr<CShaderEditController> CCompilePipelineTest::MakeController(SDelivery& Delivery)
+{
+    SShaderEditControllerOptions Options;
+    Options.CompilerSearchPaths = {BinDir()};
+    auto pController = std::make_unique<CShaderEditController>(Options);
+    pController->WaitForCompilerDetection();
+    connect(pController.get(), &CShaderEditController::CompileCycleCountChanged, this,
+            [&Delivery](const CZamTHash& PanelID, const CZamTArray<int>& Counts)
+            { Delivery.CountsByPanel[PanelID.GetValue()] = Counts; });
+    connect(pController.get(), &CShaderEditController::CompileProfileChanged, this,
+            [&Delivery](const SCompileResult& Result)
+            {
+                Delivery.Last = Result;
+                ++Delivery.iResults;
+            });
+    connect(pController.get(), &CShaderEditController::CompileOutputChanged, this,
+            [&Delivery](const QString& Log) { Delivery.LastLog = Log; });
+    return pController;
+}
+
+void CCompilePipelineTest::CompileAndWait(CShaderEditController& Controller, SDelivery& Delivery, const QString& Text,
+                                          EShaderDocType eType)
+{
+    const int iBefore = Delivery.iResults;
+    Controller.OnCompilePanel(CZamTHash("panel"), Text, eType, CompileInvocation_Background);
+    QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, iBefore + 1, 60000);
+}
+
+void CCompilePipelineTest::ShaderLogCountsProfileAndDisassembly()
+{
+    SDelivery Delivery;
+    auto pController = MakeController(Delivery);
+    QCOMPARE(pController->GetCompilerDetection().Compiler, QStringLiteral("ZC1 rev 1"));
+    QCOMPARE(pController->GetCompilerFlags(), CShaderEditController::BackgroundOptions);
+
+    CompileAndWait(*pController, Delivery, QString::fromLatin1(kFragment), DocType_GLSLESFragment);
+    const SCompileResult& Result = Delivery.Last;
+    QCOMPARE(Result.iStatus, 0);
+    QCOMPARE(Delivery.LastLog, QStringLiteral("GLSL:ES Fragment Shader: Compile succeeded.\n"));
+    QCOMPARE(CountedLines(Delivery.CountsByPanel[CZamTHash("panel").GetValue()]), (QList<int>{7, 8}));
+
+    QCOMPARE(Result.Profiles.GetSize(), 1u);
+    const SCompileResult::SProfile& Profile = Result.Profiles[0];
+    QCOMPARE(Profile.iTotalConsumedCycles, SumOfLines(Result.CycleCounts, 1, 9));
+    QVERIFY(Profile.iTotalConsumedCycles > 0);
+    QVERIFY(Profile.iGeneratedInstructions > 0);
+    QVERIFY(Profile.bEstimateFound);
+    QVERIFY(Profile.fCycleCount > 0 && Profile.fWorstCycleCount >= Profile.fCycleCount);
+    QCOMPARE(Profile.iNonDependentTextureReads, 1);
+    QVERIFY(QByteArray(Profile.Disassembly.GetString()).startsWith("; TXE"));
+    QCOMPARE(QByteArray(Result.Disassembly.GetString()), QByteArray(Profile.Disassembly.GetString()));
+}
+
+void CCompilePipelineTest::EffectFileShaderByShader()
+{
+    SDelivery Delivery;
+    auto pController = MakeController(Delivery);
+    CompileAndWait(*pController, Delivery, Effect("* 2.0"), DocType_ZFXGLSLES);
+    const SCompileResult& Result = Delivery.Last;
+    QCOMPARE(Result.iStatus, 0);
+    QCOMPARE(Delivery.LastLog, QStringLiteral("SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\n"
+                                              "TexturedFS: Compile succeeded.\n"));
+
+    // Counts land on the effect file's own lines, inside each shader's code.
+    const CZamTArray<int>& Counts = Delivery.CountsByPanel[CZamTHash("panel").GetValue()];
+    const QList<int> Lines = CountedLines(Counts);
+    QVERIFY(Lines.contains(8) && Lines.contains(19) && Lines.contains(31));
+    for (int iLine : Lines)
+        QVERIFY2((iLine >= 4 && iLine <= 9) || (iLine >= 15 && iLine <= 20) || (iLine >= 26 && iLine <= 32),
+                 qPrintable(QString::number(iLine)));
+
+    QCOMPARE(Result.Profiles.GetSize(), 3u);
+    const struct
+    {
+        const char* pName;
+        int iFirst;
+        int iLast;
+    } Shaders[] = {{"SceneVS", 4, 9}, {"FlatFS", 15, 20}, {"TexturedFS", 26, 32}};
+    for (uint32_t i = 0; i < 3; ++i)
+    {
+        const SCompileResult::SProfile* pProfile = Result.FindProfile(Shaders[i].pName);
+        QVERIFY2(pProfile, Shaders[i].pName);
+        QCOMPARE(QByteArray(Result.Profiles[i].Name.GetString()), QByteArray(Shaders[i].pName));
+        QCOMPARE(pProfile->iTotalConsumedCycles, SumOfLines(Counts, Shaders[i].iFirst, Shaders[i].iLast));
+        QVERIFY(QByteArray(pProfile->Disassembly.GetString()).startsWith("; TXE"));
+    }
+    QCOMPARE(Result.FindProfile("TexturedFS")->iNonDependentTextureReads, 1);
+    QCOMPARE(Result.FindProfile("FlatFS")->iNonDependentTextureReads, 0);
+}
+
+void CCompilePipelineTest::ErrorsLandOnTheDocumentsLine()
+{
+    SDelivery Delivery;
+    auto pController = MakeController(Delivery);
+    QString Broken = QString::fromLatin1(kFragment);
+    Broken.replace(QStringLiteral("c * 2.0"), QStringLiteral("c * missing"));
+    CompileAndWait(*pController, Delivery, Broken, DocType_GLSLESFragment);
+    QCOMPARE(Delivery.Last.iStatus, 1);
+    QVERIFY(Delivery.LastLog.startsWith(QStringLiteral("GLSL:ES Fragment Shader: Compile failed.\nERROR: 0:8:")));
+    QCOMPARE(Delivery.Last.Messages.first().iLine, 8);
+
+    // In an effect file, on the effect file's line; the other shaders still compile.
+    CompileAndWait(*pController, Delivery, Effect("* nowhere"), DocType_ZFXGLSLES);
+    QCOMPARE(Delivery.Last.iStatus, 1);
+    QVERIFY(Delivery.LastLog.startsWith(QStringLiteral("SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\n"
+                                                       "TexturedFS: Compile failed.\nERROR: 0:31:")));
+    QCOMPARE(Delivery.Last.Messages.first().iLine, 31);
+}
+
+void CCompilePipelineTest::EffectCompiledToFiles()
+{
+    const QString Source = m_Temp.filePath("scene.zfx");
+    QFile File(Source);
+    QVERIFY(File.open(QIODevice::WriteOnly));
+    File.write(Effect("* 2.0").toUtf8());
+    File.close();
+    const QString Output = m_Temp.filePath("out");
+    QVERIFY(QDir().mkpath(Output));
+
+    SDelivery Delivery;
+    auto pController = MakeController(Delivery);
+    const QString Line = pController->GetCompileCommandLine(CompileOption_Profile, DocType_ZFXGLSLES, Output);
+    pController->OnCompileFile(CZamTHash(Source.toUtf8().constData()), CZamTString(Source.toUtf8().constData()),
+                               CZamTString(Line.toUtf8().constData()), DocType_ZFXGLSLES);
+    QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 1, 60000);
+    QCOMPARE(Delivery.LastLog, QStringLiteral("SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\n"
+                                              "TexturedFS: Compile succeeded.\n"));
+    for (const char* pName : {"SceneVS", "FlatFS", "TexturedFS"})
+    {
+        QVERIFY2(QFileInfo::exists(Output + "/scene_" + pName), pName);
+        QVERIFY2(QFileInfo::exists(Output + "/scene_" + pName + ".prof"), pName);
+    }
+    QVERIFY(CountedLines(Delivery.Last.CycleCounts).contains(31));
+}
+
+void CCompilePipelineTest::HundredRequestsForOnePanel()
+{
+    SDelivery Delivery;
+    auto pController = MakeController(Delivery);
+    const CZamTHash Panel("typing.fsh");
+    for (int i = 0; i < 100; ++i)
+    {
+        QString Text = QString::fromLatin1(kFragment);
+        Text.replace(QStringLiteral("c * 2.0"), QStringLiteral("c * value%1").arg(i));
+        pController->OnCancelCompile(Panel);
+        pController->OnCompilePanel(Panel, Text, DocType_GLSLESFragment, CompileInvocation_Background);
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(Delivery.LastLog.contains("value99"), 60000);
+    QTRY_COMPARE_WITH_TIMEOUT(pController->GetCompilesInFlight(), 0, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(CCompiler::GetLiveCount(), 0, 5000);
+    QCOMPARE(Children().iLiving + Children().iZombies, 0);
+    QVERIFY(!Delivery.LastLog.contains("value98"));
+}
+
+void CCompilePipelineTest::TwoPanelsAtOnce()
+{
+    SDelivery Delivery;
+    auto pController = MakeController(Delivery);
+    const CZamTHash Short("short.fsh");
+    const CZamTHash Long("long.fsh");
+    QString Longer = QString::fromLatin1(kFragment);
+    Longer.replace(QStringLiteral("    gl_FragColor = c * 2.0;\n"),
+                   QStringLiteral("\n\n    c = c * c + c;\n    gl_FragColor = c * 2.0;\n"));
+    pController->OnCompilePanel(Short, QString::fromLatin1(kFragment), DocType_GLSLESFragment,
+                                CompileInvocation_Background);
+    pController->OnCompilePanel(Long, Longer, DocType_GLSLESFragment, CompileInvocation_Background);
+    QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 2, 60000);
+    QCOMPARE(CountedLines(Delivery.CountsByPanel[Short.GetValue()]), (QList<int>{7, 8}));
+    QCOMPARE(CountedLines(Delivery.CountsByPanel[Long.GetValue()]), (QList<int>{7, 10, 11}));
+}
+
+void CCompilePipelineTest::OpenCLKernel()
+{
+    if (!QFileInfo(Program("clcompiler_zc1")).isExecutable())
+        QSKIP("the OpenCL compiler is not part of this build");
+    SDelivery Delivery;
+    auto pController = MakeController(Delivery);
+    CompileAndWait(*pController, Delivery,
+                   QStringLiteral("__kernel void twice(__global const float* a, __global float* b)\n{\n"
+                                  "    int i = get_global_id(0);\n    b[i] = a[i] * 2.0f;\n}\n"),
+                   DocType_OpenCLKernel);
+    QCOMPARE(Delivery.LastLog, QStringLiteral("OpenCL Kernel: Compile succeeded.\n"));
+    QVERIFY(Delivery.Last.CompilerString.startsWith(QStringLiteral("OpenCL 1.2")));
+    QVERIFY(CountedLines(Delivery.Last.CycleCounts).contains(4));
+}
+
+// A saved kernel includes a header beside it: the compile is given the document's folder. A
+// never-saved document has no folder, so the same text cannot find the header.
+void CCompilePipelineTest::OpenCLKernelFindsItsLocalHeader()
+{
+    if (!QFileInfo(Program("clcompiler_zc1")).isExecutable())
+        QSKIP("the OpenCL compiler is not part of this build");
+    const QString Folder = m_Temp.filePath("my kernels");
+    QVERIFY(QDir().mkpath(Folder));
+    QFile Header(Folder + "/blur_weights.h");
+    QVERIFY(Header.open(QIODevice::WriteOnly));
+    Header.write("#define WEIGHT_CENTRE 0.5f\n#define WEIGHT_SIDE 0.25f\n");
+    Header.close();
+    const QString Kernel = QStringLiteral("#include \"blur_weights.h\"\n"
+                                          "__kernel void blur(__global const float* a, __global float* b)\n{\n"
+                                          "    int i = get_global_id(0);\n"
+                                          "    b[i] = a[i] * WEIGHT_CENTRE + (a[i - 1] + a[i + 1]) * WEIGHT_SIDE;\n}\n");
+    const QString DocumentPath = Folder + "/blur.cl";
+    QCOMPARE(IncludeFolderFor(DocumentPath), Folder);
+
+    SDelivery Delivery;
+    auto pController = MakeController(Delivery);
+    pController->CompilePanelIn(IncludeFolderFor(DocumentPath), CZamTHash("blur.cl"), Kernel, DocType_OpenCLKernel,
+                                CompileInvocation_Background);
+    QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 1, 60000);
+    QCOMPARE(Delivery.LastLog, QStringLiteral("OpenCL Kernel: Compile succeeded.\n"));
+    QVERIFY(CountedLines(Delivery.Last.CycleCounts).contains(5));
+
+    pController->CompilePanelIn(IncludeFolderFor(QString()), CZamTHash("New File"), Kernel, DocType_OpenCLKernel,
+                                CompileInvocation_Background);
+    QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 2, 60000);
+    QCOMPARE(Delivery.LastLog, QStringLiteral("OpenCL Kernel: Compile failed.\n"
+                                              "ERROR: 0:1: 'blur_weights.h' file not found\n"));
+}
+
+void CCompilePipelineTest::NamesThatLookLikeOptions()
+{
+    const QString Folder = m_Temp.filePath("dash");
+    QVERIFY(QDir().mkpath(Folder + "/out"));
+    QFile Source(Folder + "/-x.frag");
+    QVERIFY(Source.open(QIODevice::WriteOnly) && Source.write(kFragment) > 0);
+    Source.close();
+
+    // The bundled compiler: after "--" nothing is an option, not even a unit named -disasm.
+    QProcess Compiler;
+    Compiler.setWorkingDirectory(Folder);
+    Compiler.start(Program("glslcompiler_zc1"), {"-f", "-disasm", "--", "-x.frag", "-disasm", "./-x"});
+    QVERIFY(Compiler.waitForFinished(30000));
+    QCOMPARE(Compiler.exitCode(), 0);
+    QCOMPARE(Compiler.readAll(), QByteArray("Success.\n"));
+    QVERIFY(QFileInfo::exists(Folder + "/-x.disasm"));
+
+    // The editor: an effect shader named like a switch, compiled in the background.
+    SDelivery Delivery;
+    auto pController = MakeController(Delivery);
+    QString Effect = QString::fromLatin1(kEffect).arg(QLatin1String("* 2.0"));
+    Effect.replace(QStringLiteral("FlatFS"), QStringLiteral("-v"));
+    CompileAndWait(*pController, Delivery, Effect, DocType_ZFXGLSLES);
+    QVERIFY2(Delivery.LastLog.contains(QStringLiteral("\n-v: Compile succeeded.\n")), qPrintable(Delivery.LastLog));
+    QCOMPARE(Delivery.Last.iStatus, 0);
+
+    // Compiled to files, with the built-in command and with one typed by hand.
+    const QString Path = Folder + "/-x.frag";
+    const QStringList Templates = {
+        pController->GetCompileCommandLine(CompileOption_Disassembly, DocType_GLSLESFragment, Folder + "/out"),
+        QStringLiteral("\"%1\" -f %f% \"%b%\" \"out/%b%_typed\"").arg(Program("glslcompiler_zc1"))};
+    for (const QString& Template : Templates)
+    {
+        const int iBefore = Delivery.iResults;
+        pController->OnCompileFile(CZamTHash(Path.toUtf8().constData()), CZamTString(Path.toUtf8().constData()),
+                                   CZamTString(Template.toUtf8().constData()), DocType_GLSLESFragment);
+        QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, iBefore + 1, 60000);
+        QVERIFY2(Delivery.LastLog == QStringLiteral("-x.frag: Compile succeeded.\n"), qPrintable(Template + "\n" + Delivery.LastLog));
+    }
+    QVERIFY(QFileInfo::exists(Folder + "/out/-x.disasm"));
+    QVERIFY(QFileInfo::exists(Folder + "/out/-x_typed"));
+}
+
+// FILE shaders are read from beside the effect, whatever folder the program runs in.
+void CCompilePipelineTest::EffectShadersInFiles()
+{
+    const QString Folder = m_Temp.filePath("fx");
+    QVERIFY(QDir().mkpath(Folder + "/shaders"));
+    QFile Shader(Folder + "/shaders/flat.frag");
+    QVERIFY(Shader.open(QIODevice::WriteOnly) && Shader.write(kFragment) > 0);
+    Shader.close();
+    QString Effect = QString::fromLatin1(kEffect).arg(QLatin1String("* 2.0"));
+    const qsizetype iCode = Effect.indexOf(QStringLiteral("[GLSL_CODE]"), Effect.indexOf(QStringLiteral("NAME FlatFS")));
+    const qsizetype iEnd = Effect.indexOf(QStringLiteral("[/GLSL_CODE]\n"), iCode) + 13;
+    Effect.replace(iCode, iEnd - iCode, QStringLiteral("FILE shaders/flat.frag\n"));
+
+    SDelivery Delivery;
+    auto pController = MakeController(Delivery);
+    pController->CompilePanelIn(Folder, CZamTHash("fx"), Effect, DocType_ZFXGLSLES, CompileInvocation_Background);
+    QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 1, 60000);
+    QCOMPARE(Delivery.LastLog, QStringLiteral("SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\n"
+                                              "TexturedFS: Compile succeeded.\n"));
+
+    Effect.replace(QStringLiteral("shaders/flat.frag"), QStringLiteral("shaders/gone.frag"));
+    pController->CompilePanelIn(Folder, CZamTHash("fx"), Effect, DocType_ZFXGLSLES, CompileInvocation_Background);
+    QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 2, 60000);
+    QVERIFY2(Delivery.LastLog.startsWith(QStringLiteral("Error loading file '%1/shaders/gone.frag'").arg(Folder)),
+             qPrintable(Delivery.LastLog));
+}
+
+// A shader with nothing to compile is said to be skipped, not left out in silence.
+void CCompilePipelineTest::ShaderWithoutSourceIsNamed()
+{
+    QString Effect = QString::fromLatin1(kEffect).arg(QLatin1String("* 2.0"));
+    const qsizetype iCode = Effect.indexOf(QStringLiteral("[GLSL_CODE]\n"), Effect.indexOf(QStringLiteral("NAME FlatFS"))) + 12;
+    Effect.remove(iCode, Effect.indexOf(QStringLiteral("[/GLSL_CODE]"), iCode) - iCode);
+
+    SDelivery Delivery;
+    auto pController = MakeController(Delivery);
+    CompileAndWait(*pController, Delivery, Effect, DocType_ZFXGLSLES);
+    QCOMPARE(Delivery.LastLog, QStringLiteral("SceneVS: Compile succeeded.\nFlatFS: no source to compile.\n"
+                                              "TexturedFS: Compile succeeded.\n"));
+}
+
+void CCompilePipelineTest::CommandLineCompile_data()
+{
+    QTest::addColumn<QStringList>("Files");
+    QTest::addColumn<int>("ExitCode");
+    QTest::addColumn<QString>("Out");
+
+    QTest::newRow("good shader, other core")
+        << QStringList{"good.fsh"} << 0 << "GLSL:ES Fragment Shader: Compile succeeded.\n";
+    QTest::newRow("good and broken") << QStringList{"good.fsh", "broken.fsh"} << 1
+                                     << "GLSL:ES Fragment Shader: Compile succeeded.\n"
+                                        "GLSL:ES Fragment Shader: Compile failed.\nERROR: 0:8:";
+    QTest::newRow("effect file")
+        << QStringList{"scene.zfx"} << 0
+        << "SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\nTexturedFS: Compile succeeded.\n";
+    QTest::newRow("missing file") << QStringList{"good.fsh", "absent.fsh"} << 1
+                                  << "GLSL:ES Fragment Shader: Compile succeeded.\n";
+    QTest::newRow("no file") << QStringList{} << 1 << "";
+}
+
+void CCompilePipelineTest::CommandLineCompile()
+{
+    QFETCH(QStringList, Files);
+    QFETCH(int, ExitCode);
+    QFETCH(QString, Out);
+
+    const QString Editor = Program("zamshadereditor");
+    if (!QFileInfo(Editor).isExecutable())
+        QSKIP("the editor executable is not part of this build");
+    const QString Folder = m_Temp.filePath("cli");
+    QDir().mkpath(Folder);
+    const auto Write = [&](const char* pName, const QByteArray& Text)
+    {
+        QFile File(Folder + "/" + pName);
+        return File.open(QIODevice::WriteOnly) && File.write(Text) == Text.size();
+    };
+    QString Broken = QString::fromLatin1(kFragment);
+    Broken.replace(QStringLiteral("c * 2.0"), QStringLiteral("c * missing"));
+    QVERIFY(Write("good.fsh", kFragment) && Write("broken.fsh", Broken.toUtf8()) &&
+            Write("scene.zfx", Effect("* 2.0").toUtf8()));
+
+    // No display of any kind, and a configuration folder of its own to check for writes.
+    const QString Config = m_Temp.filePath("cli-config");
+    QProcess Process;
+    QProcessEnvironment Environment = QProcessEnvironment::systemEnvironment();
+    Environment.remove("DISPLAY");
+    Environment.remove("WAYLAND_DISPLAY");
+    Environment.remove("QT_QPA_PLATFORM");
+    Environment.insert("XDG_CONFIG_HOME", Config);
+    Process.setProcessEnvironment(Environment);
+    Process.setWorkingDirectory(Folder);
+    Process.start(Editor, QStringList{"--compile", "--core", "zc2"} + Files);
+    QVERIFY(Process.waitForFinished(60000));
+    QCOMPARE(Process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(Process.exitCode(), ExitCode);
+    const QString Printed = QString::fromUtf8(Process.readAllStandardOutput());
+    QVERIFY2(Printed.left(Out.size()) == Out, qPrintable(Printed));
+    if (Files.contains("absent.fsh") || Files.isEmpty())
+        QVERIFY(!Process.readAllStandardError().isEmpty());
+    QVERIFY(!QFileInfo::exists(Config + "/Brenmoor Systems"));
+}
+
+QTEST_GUILESS_MAIN(CCompilePipelineTest)
+#include "tst_CompilePipeline.moc"

@@ -1,0 +1,507 @@
+// The shader edit controller and its compiler workers, run against fake compilers that
+// misbehave the ways a real one can: odd line ends, crashes, floods, hostile profiles, hangs,
+// forks, a missing executable.
+
+#include "Common/ZamPreferences/ZamPreferences.h"
+#include "ShaderEditComponent/compile/controller/CCompiler_p.h"
+#include "ShaderEditComponent/compile/controller/CShaderEditController.h"
+#include "ShaderEditComponent/compile/model/MetaTypes.h"
+#include "ShaderEditComponent/compile/model/UIString.h"
+#include "ShaderEditComponent/compile/process/CompilerLocator.h"
+#include "tests/support/CompileTestSupport.h"
+
+#include <QMetaMethod>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+#include <cstring>
+#include <map>
+#include <memory>
+
+using namespace CompileTest;
+
+// A controller and every signal it sent, in order.
+class CRecorder : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit CRecorder(const SShaderEditControllerOptions& Options)
+        : Controller(Options)
+    {
+        using C = CShaderEditController;
+        connect(&Controller, &C::CompileOutputChanged, this,
+                [this](const QString& Text)
+                {
+                    Names << "Output";
+                    Log = Text;
+                });
+        connect(&Controller, &C::CompileProfileChanged, this,
+                [this](const SCompileResult& Result)
+                {
+                    Names << "Profile";
+                    Last = Result;
+                    ++iResults;
+                });
+        connect(&Controller, &C::CompileCycleCountChanged, this,
+                [this](const CZamTHash& PanelID, const CZamTArray<int>&)
+                { Names << QStringLiteral("Counts(%1)").arg(PanelID.GetValue()); });
+        connect(&Controller, &C::CompilerSettingsChanged, this,
+                [this](const Settings::SCompiler&, unsigned int uiMask)
+                { Names << QStringLiteral("CompilerSettings(%1)").arg(uiMask); });
+        connect(&Controller, &C::EditorSettingsChanged, this, [this] { Names << "EditorSettings"; });
+        connect(&Controller, &C::ClearCompileOutput, this, [this] { Names << "Clear"; });
+        connect(&Controller, &C::CompilerFlagsChanged, this,
+                [this](unsigned int uiFlags) { Names << QStringLiteral("Flags(%1)").arg(uiFlags); });
+        connect(&Controller, &C::BeginCompiling, this, [this] { Names << "Begin"; });
+        connect(&Controller, &C::EndCompiling, this, [this] { Names << "End"; });
+    }
+
+    // Makes the controller use Executable as its custom compiler.
+    void UseCompiler(const QString& Executable, const QString& TempDirectory)
+    {
+        Settings::SCompiler Compiler = Controller.GetCompilerSettings();
+        Compiler.CustomCompilerPath = CZamTString(Executable.toUtf8().constData());
+        Compiler.uiCompilerSelection = CustomCompilerSelection;
+        Compiler.TempDirectory = CZamTString(TempDirectory.toUtf8().constData());
+        Controller.SetCompilerSettings(Compiler, Settings::CompilerSetting_All);
+        Controller.WaitForCompilerDetection();
+        Names.clear();
+    }
+
+    void Compile(const char* pPanel, const QString& Text, unsigned int uiFlags = 0)
+    {
+        Controller.OnCompilePanel(CZamTHash(pPanel), Text, DocType_GLSLESFragment, CompileInvocation_Manual, uiFlags);
+    }
+
+    CShaderEditController Controller;
+    QStringList Names;
+    QString Log;
+    SCompileResult Last;
+    int iResults = 0;
+};
+
+class CShaderEditControllerTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void InterfaceOrder();
+    void SignalsOfOneCompile_data();
+    void SignalsOfOneCompile();
+    void Verdicts_data();
+    void Verdicts();
+    void HostileProfiles_data();
+    void HostileProfiles();
+    void CompileToFileWithHostileName();
+    void CancelEndsEverythingWithin2s_data();
+    void CancelEndsEverythingWithin2s();
+    void FinishedCompilerLeavesNoChild();
+    void FloodIsCutWithinMemoryCap();
+    void ThousandCompileCancelCycles();
+    void TearDownWithCompilesInFlight();
+    void DetectionTimesOutAndSelectionRerunsIt();
+    void SelectionResolvesExecutable_data();
+    void SelectionResolvesExecutable();
+    void PanelSwitchAndEditorState();
+
+private:
+    std::unique_ptr<CRecorder> Make(const QString& Executable, int iTimeoutMs = DefaultDetectionTimeoutMs);
+
+    QTemporaryDir m_Temp;
+};
+
+void CShaderEditControllerTest::initTestCase()
+{
+    RegisterCompileMetaTypes();
+    QVERIFY(QFileInfo(Fake("print")).isExecutable());
+}
+
+void CShaderEditControllerTest::init()
+{
+    QFile::remove(CZamPreferences(QStringLiteral("ZamShaderEditor")).GetFilePath());
+}
+
+void CShaderEditControllerTest::cleanup()
+{
+    QTRY_COMPARE_WITH_TIMEOUT(CCompiler::GetLiveCount(), 0, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(Children().iLiving + Children().iZombies, 0, 5000);
+}
+
+std::unique_ptr<CRecorder> CShaderEditControllerTest::Make(const QString& Executable, int iTimeoutMs)
+{
+    SShaderEditControllerOptions Options;
+    Options.CompilerSearchPaths = {m_Temp.filePath("none")};
+    Options.iDetectionTimeoutMs = iTimeoutMs;
+    auto pRecorder = std::make_unique<CRecorder>(Options);
+    pRecorder->UseCompiler(Executable, m_Temp.path() + "/");
+    return pRecorder;
+}
+
+void CShaderEditControllerTest::InterfaceOrder()
+{
+    const QMetaObject& Meta = CShaderEditController::staticMetaObject;
+    const QStringList Expected = {"CompileOutputChanged(QString)",
+                                  "CompileProfileChanged(SCompileResult)",
+                                  "CompileCycleCountChanged(CZamTHash,CZamTArray<int>)",
+                                  "CompilerSettingsChanged(Settings::SCompiler,uint)",
+                                  "EditorSettingsChanged(Settings::SEditor)",
+                                  "ClearCompileOutput()",
+                                  "CompilerFlagsChanged(uint)",
+                                  "BeginCompiling()",
+                                  "EndCompiling()",
+                                  "SetCompilerSettings(Settings::SCompiler,uint)",
+                                  "SetEditorSettings(Settings::SEditor,uint)",
+                                  "OnCompileFile(CZamTHash,CZamTString,CZamTString,EShaderDocType)",
+                                  "OnCompilePanel(CZamTHash,QString,EShaderDocType,ECompileInvocationType,uint)",
+                                  "OnCompilePanel(CZamTHash,QString,EShaderDocType,ECompileInvocationType)",
+                                  "OnPanelCompiled(CZamTHash,uint,SCompileResult)",
+                                  "OnPanelCompileFinished(CZamTHash,uint)",
+                                  "OnCancelCompile(CZamTHash)",
+                                  "OnPanelChanged(CZamTHash)",
+                                  "OnEditorStateChanged(int)"};
+    QStringList Found;
+    for (int i = Meta.methodOffset(); i < Meta.methodCount(); ++i)
+        Found << QString::fromLatin1(Meta.method(i).methodSignature());
+    QCOMPARE(Found, Expected);
+    QCOMPARE(Meta.method(Meta.methodOffset() + 8).methodType(), QMetaMethod::Signal);
+    QCOMPARE(Meta.method(Meta.methodOffset() + 9).methodType(), QMetaMethod::Slot);
+    QCOMPARE(Meta.method(Meta.methodOffset() + 12).parameterNames(),
+             (QList<QByteArray>{"PanelID", "Contents", "eType", "eInvocation", "uiFlags"}));
+}
+
+void CShaderEditControllerTest::SignalsOfOneCompile_data()
+{
+    QTest::addColumn<int>("Invocation");
+    QTest::addColumn<QStringList>("Switches");
+
+    // The fake lists every option, so a background compile adds profile, perfsim and disasm.
+    QTest::newRow("background") << int(CompileInvocation_Background)
+                                << QStringList{"-f", "-profile", "-perfsim", "-disasm"};
+    QTest::newRow("manual") << int(CompileInvocation_Manual) << QStringList{"-f"};
+}
+
+void CShaderEditControllerTest::SignalsOfOneCompile()
+{
+    QFETCH(int, Invocation);
+    QFETCH(QStringList, Switches);
+
+    const QString Records = m_Temp.filePath(QStringLiteral("records-%1").arg(Invocation));
+    QDir().mkpath(Records);
+    CScopedEnv Record("ZAM_FAKE_RECORD_DIR", Records.toUtf8());
+    CScopedEnv Output("ZAM_FAKE_OUTPUT", "WARNING: 0:2: w\r\nSuccess.\r\n");
+    CScopedEnv Profile("ZAM_FAKE_PROFILE", "line: 2, count: 6\n");
+    CScopedEnv Disassembly("ZAM_FAKE_DISASM", "mov\n");
+    auto pRun = Make(Fake("print"));
+    QCOMPARE(pRun->Controller.GetCompilerFlags(), CShaderEditController::BackgroundOptions);
+
+    pRun->Controller.OnCompilePanel(CZamTHash("p"), QStringLiteral("a\nb\n"), DocType_GLSLESFragment,
+                                    static_cast<ECompileInvocationType>(Invocation));
+    QCOMPARE(pRun->Names, QStringList{"Begin"}); // the call does not wait for the compile
+    QTRY_COMPARE_WITH_TIMEOUT(pRun->Names.size(), 5, 30000);
+    QCOMPARE(pRun->Names, (QStringList{"Begin", "Output", "Profile",
+                                       QStringLiteral("Counts(%1)").arg(CZamTHash("p").GetValue()), "End"}));
+    // Carriage returns are gone; the log is the unit's verdict and the compiler's messages.
+    QCOMPARE(pRun->Log, QStringLiteral("GLSL:ES Fragment Shader: Compile succeeded.\nWARNING: 0:2: w\n"));
+    QCOMPARE(pRun->Last.CompilerString, QStringLiteral("FAKE rev 1"));
+    QCOMPARE(pRun->Last.VersionString, QStringLiteral("1.0.0@7"));
+    QTRY_COMPARE(pRun->Controller.GetCompilesInFlight(), 0);
+    QCOMPARE(ReadLines(Records + "/0.args").mid(3), Switches);
+    // The files are read only when asked for.
+    const bool bAsked = Switches.contains("-profile");
+    QCOMPARE(pRun->Last.CycleCounts.GetSize(), bAsked ? 2u : 0u);
+    QCOMPARE(QByteArray(pRun->Last.Disassembly.GetString()), bAsked ? QByteArray("mov\n") : QByteArray());
+}
+
+void CShaderEditControllerTest::Verdicts_data()
+{
+    QTest::addColumn<QString>("Executable");
+    QTest::addColumn<QByteArray>("Output");
+    QTest::addColumn<QString>("TempDirectory"); // "" for the usual one
+    QTest::addColumn<int>("Status");
+    QTest::addColumn<QString>("Log");
+
+    const QString Unit = QStringLiteral("GLSL:ES Fragment Shader: ");
+    QTest::newRow("failed") << Fake("print") << QByteArray("ERROR: 0:3: x\nnoise\nCompile failed.\n") << "" << 1
+                            << Unit + UIString(UIS_CompileFailed) + "\nERROR: 0:3: x\n";
+    QTest::newRow("success without its line break") << Fake("print") << QByteArray("Success.") << "" << 1
+                                                    << Unit + UIString(UIS_CompilerCriticalError) + "\nSuccess.\n";
+    QTest::newRow("no verdict") << Fake("print") << QByteArray("ERROR: 0:3: x\n") << "" << 1
+                                << Unit + UIString(UIS_CompilerCriticalError) + "\n";
+    QTest::newRow("missing executable") << m_Temp.filePath("no-such-compiler") << QByteArray() << "" << 3
+                                        << UIString(UIS_FailedToExecuteCompiler) + "\n";
+    QTest::newRow("crash") << Fake("crash") << QByteArray() << "" << 1
+                           << Unit + UIString(UIS_CompilerCriticalError) + "\nThe compiler was ended by signal "
+                                  + QString::number(SIGABRT) + " (" + strsignal(SIGABRT) + ").\n";
+    // A folder below a plain file cannot be made, not even by root.
+    QTest::newRow("temporary folder unusable")
+        << Fake("print") << QByteArray() << "/dev/null/sub/" << 3 << UIString(UIS_CouldNotCreateTempFile) + "\n";
+}
+
+void CShaderEditControllerTest::Verdicts()
+{
+    QFETCH(QString, Executable);
+    QFETCH(QByteArray, Output);
+    QFETCH(QString, TempDirectory);
+    QFETCH(int, Status);
+    QFETCH(QString, Log);
+
+    CScopedEnv Env("ZAM_FAKE_OUTPUT", Output);
+    auto pRun = Make(Fake("print"));
+    pRun->UseCompiler(Executable, TempDirectory.isEmpty() ? m_Temp.path() + "/" : TempDirectory);
+    pRun->Compile("p", QStringLiteral("void main(){}\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(pRun->iResults, 1, 30000);
+    QCOMPARE(pRun->Last.iStatus, Status);
+    QCOMPARE(pRun->Log, Log);
+    QCOMPARE(pRun->Last.Profiles.GetSize(), 0u); // only a completed compile has a profile record
+
+    // The next compile works.
+    pRun->UseCompiler(Fake("print"), m_Temp.path() + "/");
+    qunsetenv("ZAM_FAKE_OUTPUT");
+    pRun->Compile("p", QStringLiteral("void main(){}\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(pRun->iResults, 2, 30000);
+    QCOMPARE(pRun->Last.iStatus, 0);
+}
+
+void CShaderEditControllerTest::HostileProfiles_data()
+{
+    QTest::addColumn<QByteArray>("Profile");
+    QTest::addColumn<bool>("Malformed");
+
+    // Taken literally, a repeated line would make the scan restart at the same place forever.
+    QTest::newRow("line reported twice") << QByteArray("line: 1, count: 2\nline: 2, count: 2\nline: 1, count: 2\n")
+                                         << true;
+    QTest::newRow("huge line number") << QByteArray("line: 4000000000, count: 1\n") << true;
+    QTest::newRow("line past the limit") << QByteArray("line: 2000000, count: 1\n") << true;
+    QTest::newRow("binary junk") << QByteArray("\x01\xff\xfeline: x, count: \x80\n") << false;
+}
+
+void CShaderEditControllerTest::HostileProfiles()
+{
+    QFETCH(QByteArray, Profile);
+    QFETCH(bool, Malformed);
+
+    CScopedEnv Env("ZAM_FAKE_PROFILE", Profile);
+    auto pRun = Make(Fake("print"));
+    pRun->Compile("p", QStringLiteral("a\nb\n"), CompileOption_Profile);
+    QTRY_COMPARE_WITH_TIMEOUT(pRun->iResults, 1, 30000);
+    QCOMPARE(pRun->Last.iStatus, 0);
+    QCOMPARE(pRun->Log.contains(UIString(UIS_MalformedProfileFile) + "\n"), Malformed);
+    QVERIFY(pRun->Last.CycleCounts.GetSize() <= 2u);
+}
+
+void CShaderEditControllerTest::CompileToFileWithHostileName()
+{
+    // What a shell would run if the name reached one; it must only ever be a file name.
+    const QString Name = QStringLiteral("x\"; touch pwned; \".frag");
+    const QString Folder = m_Temp.filePath("src");
+    QDir().mkpath(Folder);
+    QFile Source(Folder + "/" + Name);
+    QVERIFY(Source.open(QIODevice::WriteOnly) && Source.write("void main(){}\n") > 0);
+    Source.close();
+    const QString Records = m_Temp.filePath("records-file");
+    QDir().mkpath(Records);
+    CScopedEnv Env("ZAM_FAKE_RECORD_DIR", Records.toUtf8());
+
+    auto pRun = Make(Fake("print"));
+    const QString Template = QStringLiteral("\"%1\" %f% \"%b%\" \"out/%b%\" -nowarn").arg(Fake("print"));
+    pRun->Controller.OnCompileFile(CZamTHash("f"), CZamTString(Source.fileName().toUtf8().constData()),
+                                   CZamTString(Template.toUtf8().constData()), DocType_GLSLESFragment);
+    QTRY_COMPARE_WITH_TIMEOUT(pRun->iResults, 1, 30000);
+    QCOMPARE(pRun->Last.iStatus, 0);
+    QCOMPARE(ReadLines(Records + "/0.args"),
+             (QStringList{Name, "x\"; touch pwned; \"", "out/x\"; touch pwned; \"", "-nowarn"}));
+    QCOMPARE(ReadAll(Records + "/0.src"), QByteArray("void main(){}\n")); // run in the file's folder
+    QVERIFY(!QFileInfo::exists(Folder + "/pwned") && !QFileInfo::exists("pwned"));
+    QVERIFY(pRun->Log.startsWith(Name + ": "));
+}
+
+void CShaderEditControllerTest::CancelEndsEverythingWithin2s_data()
+{
+    QTest::addColumn<QString>("Executable");
+    QTest::addColumn<bool>("Forks");
+
+    QTest::newRow("never exits") << Fake("hang") << false;
+    QTest::newRow("forked child never exits") << Fake("forkhang") << true;
+}
+
+void CShaderEditControllerTest::CancelEndsEverythingWithin2s()
+{
+    QFETCH(QString, Executable);
+    QFETCH(bool, Forks);
+
+    const QString PidFile = m_Temp.filePath(QString::fromLatin1(QTest::currentDataTag()) + ".pid");
+    CScopedEnv Env("ZAM_FAKE_PID_FILE", PidFile.toUtf8());
+    auto pRun = Make(Executable);
+    pRun->Compile("p", QStringLiteral("a\n"));
+    QTRY_VERIFY_WITH_TIMEOUT(Children().iLiving == 1, 10000);
+    qint64 iForked = 0;
+    if (Forks)
+        QTRY_VERIFY_WITH_TIMEOUT((iForked = ReadPid(PidFile)) > 0, 10000);
+
+    pRun->Controller.OnCancelCompile(CZamTHash("p"));
+    QCOMPARE(pRun->Names.last(), QStringLiteral("End"));
+    QTRY_VERIFY_WITH_TIMEOUT(CCompiler::GetLiveCount() == 0 && Children().iLiving + Children().iZombies == 0, 2000);
+    if (Forks)
+        QTRY_VERIFY_WITH_TIMEOUT(!IsRunning(iForked), 2000);
+    QCOMPARE(pRun->iResults, 0); // superseded: no result
+    QCOMPARE(pRun->Controller.GetCompilesInFlight(), 0);
+}
+
+void CShaderEditControllerTest::FinishedCompilerLeavesNoChild()
+{
+    const QString PidFile = m_Temp.filePath("forkexit.pid");
+    CScopedEnv Env("ZAM_FAKE_PID_FILE", PidFile.toUtf8());
+    auto pRun = Make(Fake("forkexit"));
+    pRun->Compile("p", QStringLiteral("a\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(pRun->iResults, 1, 30000);
+    QCOMPARE(pRun->Last.iStatus, 0);
+    const qint64 iForked = ReadPid(PidFile);
+    QVERIFY(iForked > 0);
+    QTRY_VERIFY_WITH_TIMEOUT(!IsRunning(iForked), 2000);
+}
+
+void CShaderEditControllerTest::FloodIsCutWithinMemoryCap()
+{
+    const qint64 iPeakBefore = PeakMemoryKiB();
+    auto pRun = Make(Fake("flood"));
+    pRun->Compile("p", QStringLiteral("a\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(pRun->iResults, 1, 60000);
+    QCOMPARE(pRun->Last.iStatus, 1);
+    QVERIFY(pRun->Log.contains("WARNING: The compiler's output was cut after 8 MiB"));
+    // The output is kept up to the cap, so a copy or two of it may exist at once; 1 GiB may not.
+    const qint64 iGrowthKiB = PeakMemoryKiB() - iPeakBefore;
+    QVERIFY2(iGrowthKiB < 128 * 1024, qPrintable(QString::number(iGrowthKiB)));
+}
+
+void CShaderEditControllerTest::ThousandCompileCancelCycles()
+{
+    auto pRun = Make(Fake("hang"), 300);
+    const auto Cycle = [&]
+    {
+        pRun->Compile("p", QStringLiteral("x\n"));
+        const bool bStarted = QTest::qWaitFor([] { return Children().iLiving == 1; }, 10000);
+        pRun->Controller.OnCancelCompile(CZamTHash("p"));
+        return bStarted;
+    };
+    QVERIFY(Cycle()); // warms up whatever Qt opens once
+    QTRY_VERIFY_WITH_TIMEOUT(CCompiler::GetLiveCount() == 0 && Children().iLiving + Children().iZombies == 0, 5000);
+    const int iFilesBefore = OpenFileCount();
+
+    for (int i = 0; i < 1000; ++i)
+        QVERIFY2(Cycle(), qPrintable(QStringLiteral("cycle %1").arg(i)));
+    QTRY_VERIFY_WITH_TIMEOUT(CCompiler::GetLiveCount() == 0 && Children().iLiving + Children().iZombies == 0, 5000);
+    QCOMPARE(OpenFileCount(), iFilesBefore);
+
+    pRun->UseCompiler(Fake("print"), m_Temp.path() + "/");
+    pRun->Compile("p", QStringLiteral("x\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(pRun->iResults, 1, 30000);
+    QCOMPARE(pRun->Last.iStatus, 0);
+}
+
+void CShaderEditControllerTest::TearDownWithCompilesInFlight()
+{
+    const QString PidFile = m_Temp.filePath("teardown.pid");
+    CScopedEnv Env("ZAM_FAKE_PID_FILE", PidFile.toUtf8());
+    auto pRun = Make(Fake("forkhang"));
+    pRun->Compile("a", QStringLiteral("x\n"));
+    pRun->Compile("b", QStringLiteral("y\n"));
+    pRun->Compile("a", QStringLiteral("z\n"));
+    qint64 iForked = 0;
+    QTRY_VERIFY_WITH_TIMEOUT((iForked = ReadPid(PidFile)) > 0, 10000);
+    QCOMPARE(CCompiler::GetLiveCount(), 3);
+
+    QElapsedTimer Clock;
+    Clock.start();
+    pRun.reset();
+    QVERIFY(Clock.elapsed() < 2000);
+    QCOMPARE(CCompiler::GetLiveCount(), 0);
+    QCOMPARE(Children().iLiving, 0);
+    QTRY_VERIFY_WITH_TIMEOUT(!IsRunning(iForked), 2000);
+}
+
+void CShaderEditControllerTest::DetectionTimesOutAndSelectionRerunsIt()
+{
+    // A compiler that never prints its banner is given up on, and killed.
+    QElapsedTimer Clock;
+    Clock.start();
+    auto pHanging = Make(Fake("hang"), 300);
+    QVERIFY(Clock.elapsed() < 2000);
+    QVERIFY(!pHanging->Controller.GetCompilerDetection().bRan);
+    QCOMPARE(pHanging->Controller.GetCompilerFlags(), 0u);
+    QCOMPARE(Children().iLiving, 0);
+
+    // A banner without options: the background flags go, announced when the answer arrives.
+    auto pRun = Make(Fake("print"));
+    QCOMPARE(pRun->Controller.GetCompilerFlags(), CShaderEditController::BackgroundOptions);
+    CScopedEnv Banner("ZAM_FAKE_BANNER", "Some compiler for X rev 1 Version 2.0\n");
+    pRun->Controller.SetCompilerSettings(pRun->Controller.GetCompilerSettings(),
+                                         Settings::CompilerSetting_CompilerSelection);
+    QCOMPARE(pRun->Names, (QStringList{"CompilerSettings(128)"}));
+    pRun->Controller.WaitForCompilerDetection();
+    QCOMPARE(pRun->Names, (QStringList{"CompilerSettings(128)", "Flags(0)"}));
+    QCOMPARE(pRun->Controller.GetCompilerDetection().Compiler, QStringLiteral("X rev 1"));
+}
+
+void CShaderEditControllerTest::SelectionResolvesExecutable_data()
+{
+    QTest::addColumn<quint32>("Selection");
+    QTest::addColumn<QString>("Expected"); // below the test folder; "" for none
+
+    QTest::newRow("first target, second folder") << 0u << "install/glslcompiler_zc1";
+    QTest::newRow("beside the executable wins") << 1u << "beside/glslcompiler_zc2";
+    QTest::newRow("not executable") << 2u << "";
+    QTest::newRow("not installed") << 3u << "";
+    QTest::newRow("custom") << 4u << "custom/cc";
+    QTest::newRow("past the table is custom") << 9u << "custom/cc";
+}
+
+void CShaderEditControllerTest::SelectionResolvesExecutable()
+{
+    QFETCH(quint32, Selection);
+    QFETCH(QString, Expected);
+
+    const QString Root = m_Temp.filePath("resolve");
+    for (const char* pPath : {"beside/glslcompiler_zc2", "install/glslcompiler_zc2", "install/glslcompiler_zc1",
+                              "install/glslcompiler_zc3"})
+    {
+        QDir().mkpath(QFileInfo(Root + "/" + pPath).path());
+        QFile::copy(Fake("print"), Root + "/" + pPath);
+    }
+    QFile::setPermissions(Root + "/install/glslcompiler_zc3", QFile::ReadOwner | QFile::WriteOwner);
+
+    Settings::SCompiler Compiler;
+    Compiler.uiCompilerSelection = Selection;
+    Compiler.CustomCompilerPath = CZamTString((Root + "/custom/cc").toUtf8().constData());
+    const QString Found = ResolveCompilerPath(Compiler, {Root + "/beside", Root + "/install"});
+    QCOMPARE(Found, Expected.isEmpty() ? QString() : Root + "/" + Expected);
+}
+
+void CShaderEditControllerTest::PanelSwitchAndEditorState()
+{
+    CScopedEnv Echo("ZAM_FAKE_ECHO", "1");
+    auto pRun = Make(Fake("print"));
+    pRun->Compile("first", QStringLiteral("one\n"));
+    pRun->Compile("second", QStringLiteral("two\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(pRun->iResults, 2, 30000);
+    QVERIFY(pRun->Log.contains("two")); // the views show whichever arrived last
+
+    pRun->Names.clear();
+    pRun->Controller.OnPanelChanged(CZamTHash("first")); // its own result, without its counts
+    QVERIFY(pRun->Log.contains("one"));
+    pRun->Controller.OnPanelChanged(CZamTHash("never compiled"));
+    pRun->Controller.OnEditorStateChanged(0);
+    pRun->Controller.OnEditorStateChanged(1);
+    pRun->Controller.OnCompilePanel(CZamTHash("first"), QString(), DocType_GLSLESFragment,
+                                    CompileInvocation_Background);
+    QCOMPARE(pRun->Names, (QStringList{"Output", "Profile", "Clear", "Clear"}));
+    QCOMPARE(pRun->Controller.GetCompilesInFlight(), 0);
+}
+
+QTEST_GUILESS_MAIN(CShaderEditControllerTest)
+#include "tst_ShaderEditController.moc"

@@ -1,0 +1,103 @@
+// Compiler command lines and command templates: what is written, how it splits back into
+// words, and that no file name ever becomes more than its one argument.
+
+#include "ShaderEditComponent/compile/process/CompileCommandLine.h"
+
+#include <QtTest>
+
+class CCompileCommandLineTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void CompilerCommand();
+    void IncludeFolderArgumentsFollowThePositionals();
+    void Split_data();
+    void Split();
+    void HostileFileNameStaysOneArgument_data();
+    void HostileFileNameStaysOneArgument();
+    void EffectShaderCommand();
+};
+
+void CCompileCommandLineTest::CompilerCommand()
+{
+    const SCompileCommand Command = BuildCompilerCommand(QStringLiteral("/opt/a b/cc"), QStringLiteral("/t/in.tmp"),
+                                                         QString(), QStringLiteral("/t/o"), 1 | 8 | 32 | 64);
+    QCOMPARE(Command.Program, QStringLiteral("/opt/a b/cc"));
+    QCOMPARE(Command.Arguments, (QStringList{"/t/in.tmp", "/t/o", "-v", "-profile", "-disasm"}));
+    QCOMPARE(FormatCommandLine(Command), QStringLiteral("\"/opt/a b/cc\" \"/t/in.tmp\" \"/t/o\"  -v -profile -disasm"));
+    QCOMPARE(SplitCommandLine(FormatCommandLine(Command)), QStringList{Command.Program} + Command.Arguments);
+}
+
+// An OpenCL document's folder rides after the positional arguments as "-I" and the folder,
+// one argument each however the folder is spelt.
+void CCompileCommandLineTest::IncludeFolderArgumentsFollowThePositionals()
+{
+    const SCompileCommand Command =
+        BuildCompilerCommand(QStringLiteral("/b/cl"), QStringLiteral("/t/in.tmp"), QStringLiteral("unit"),
+                             QStringLiteral("/t/o"), 8, IncludeFolderArguments(QStringLiteral("/src/-my kernels")));
+    QCOMPARE(Command.Arguments,
+             (QStringList{"/t/in.tmp", "unit", "/t/o", "-I", "/src/-my kernels", "-profile"}));
+    QCOMPARE(IncludeFolderArguments(QString()), QStringList());
+    QCOMPARE(IncludeFolderFor(QStringLiteral("/src/k/a.cl")), QStringLiteral("/src/k"));
+    QCOMPARE(IncludeFolderFor(QString()), QString());
+}
+
+void CCompileCommandLineTest::Split_data()
+{
+    QTest::addColumn<QString>("Line");
+    QTest::addColumn<QStringList>("Words");
+
+    QTest::newRow("blanks") << "  a   b\tc " << QStringList{"a", "b", "c"};
+    QTest::newRow("quoted blank") << "\"a b\" c" << QStringList{"a b", "c"};
+    QTest::newRow("stretches join") << "-o\"a b\"x" << QStringList{"-oa bx"};
+    QTest::newRow("empty word") << "a \"\" b" << QStringList{"a", "", "b"};
+    QTest::newRow("nothing special") << "x\\y;z $(w) `v` | u" << QStringList{"x\\y;z", "$(w)", "`v`", "|", "u"};
+    QTest::newRow("unclosed quote") << "a \"b c" << QStringList{"a", "b c"};
+}
+
+void CCompileCommandLineTest::Split()
+{
+    QFETCH(QString, Line);
+    QFETCH(QStringList, Words);
+    QCOMPARE(SplitCommandLine(Line), Words);
+}
+
+void CCompileCommandLineTest::HostileFileNameStaysOneArgument_data()
+{
+    QTest::addColumn<QString>("Template");
+    QTest::addColumn<QString>("FileName");
+    QTest::addColumn<QStringList>("Arguments");
+
+    const QString Hostile = QStringLiteral("x\"; rm -rf ~; \".frag");
+    QTest::newRow("bare placeholders") << "tool %f% -o %i%/%b%.out" << Hostile
+                                       << QStringList{Hostile, "-o", "/src/x\"; rm -rf ~; \".out"};
+    // The form the compile dialog's quoting step makes of the same template.
+    QTest::newRow("dialog quoting") << "\"tool\" %\"f%\" -o \"out\"" << Hostile << QStringList{Hostile, "-o", "out"};
+    QTest::newRow("placeholder text in the name")
+        << "tool %f% %b%" << QStringLiteral("%b%.frag") << QStringList{"%b%.frag", "%b%"};
+}
+
+void CCompileCommandLineTest::HostileFileNameStaysOneArgument()
+{
+    QFETCH(QString, Template);
+    QFETCH(QString, FileName);
+    QFETCH(QStringList, Arguments);
+
+    const SCompileCommand Command =
+        CommandFromTemplate(Template, PlaceholdersForFile(QStringLiteral("/src/") + FileName));
+    QCOMPARE(Command.Program, QStringLiteral("tool"));
+    QCOMPARE(Command.Arguments, Arguments);
+}
+
+void CCompileCommandLineTest::EffectShaderCommand()
+{
+    const SCompileCommand Command = ShaderCommandFromTemplate(
+        QStringLiteral("\"cc\" \"%i%/%f%\" \"<ZFXShaders>\" \"/out/%b%_<ZFXShaders>\" %f% -profile"),
+        QStringLiteral("/src/fx.zfx"), QStringLiteral("Blur"), QStringLiteral("/tmp/p/shader.fsh"));
+    QCOMPARE(Command.Arguments,
+             (QStringList{"/tmp/p/shader.fsh", "Blur", "/out/fx_Blur", "/tmp/p/shader.fsh", "-profile"}));
+}
+
+QTEST_APPLESS_MAIN(CCompileCommandLineTest)
+#include "tst_CompileCommandLine.moc"
