@@ -1,8 +1,8 @@
 #include "TxeIsa.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdio>
+#include <cstring>
 
 namespace ZamCompiler
 {
@@ -95,38 +95,31 @@ char FileLetter(ETxeFile eFile)
     }
 }
 
-void AppendInteger(std::string& out, long long llValue)
-{
-    char acBuf[24];
-    const std::to_chars_result result = std::to_chars(acBuf, acBuf + sizeof(acBuf), llValue);
-    out.append(acBuf, result.ptr);
-}
-
 // Integer immediates print every digit; floats as briefly as they read back.
-void AppendValue(std::string& out, double dValue, ETxeType eType)
+void AppendValue(CTextSink& out, double dValue, ETxeType eType)
 {
     char acBuf[32];
     const int iLength = eType == Type_Float ? std::snprintf(acBuf, sizeof(acBuf), "%g", dValue)
                                             : std::snprintf(acBuf, sizeof(acBuf), "%.0f", dValue);
-    out.append(acBuf, static_cast<std::size_t>(std::max(0, iLength)));
+    out.Put(acBuf, static_cast<std::size_t>(std::max(0, iLength)));
 }
 
-void AppendLane(std::string& out, const STxeProgram& program, std::size_t uiLane, ETxeType eType,
+void AppendLane(CTextSink& out, const STxeProgram& program, std::size_t uiLane, ETxeType eType,
                 const std::vector<std::string>* pPoolTexts)
 {
     if (pPoolTexts && uiLane < pPoolTexts->size())
-        out += (*pPoolTexts)[uiLane];
+        out.Put((*pPoolTexts)[uiLane]);
     else
         AppendValue(out, program.aPool[uiLane], eType);
 }
 
-void AppendImmediate(std::string& out, const STxeProgram& program, const STxeOperand& op,
+void AppendImmediate(CTextSink& out, const STxeProgram& program, const STxeOperand& op,
                      const std::vector<std::string>* pPoolTexts)
 {
     const std::size_t uiBase = static_cast<std::size_t>(op.iIndex) * 4;
     if (uiBase + 4 > program.aPool.size())
     {
-        out += "#?";
+        out.Put("#?", 2);
         return;
     }
     const std::size_t uiEntry = static_cast<std::size_t>(op.iIndex);
@@ -134,23 +127,116 @@ void AppendImmediate(std::string& out, const STxeProgram& program, const STxeOpe
     bool bSplat = true;
     for (int i = 1; i < op.uiCount; ++i)
         bSplat = bSplat && program.aPool[uiBase + op.auiSwizzle[i]] == program.aPool[uiBase + op.auiSwizzle[0]];
-    out += '#';
+    out.Put('#');
     if (bSplat || op.uiCount <= 1)
     {
         AppendLane(out, program, uiBase + op.auiSwizzle[0], eType, pPoolTexts);
         return;
     }
-    out += '(';
+    out.Put('(');
     for (int i = 0; i < op.uiCount; ++i)
     {
         if (i)
-            out += ", ";
+            out.Put(", ", 2);
         AppendLane(out, program, uiBase + op.auiSwizzle[i], eType, pPoolTexts);
     }
-    out += ')';
+    out.Put(')');
+}
+
+void PutOperand(CTextSink& out, const STxeProgram& program, const STxeOperand& op, bool bDestination,
+                const std::vector<std::string>* pPoolTexts)
+{
+    if (op.eFile == File_Immediate)
+    {
+        if (op.bNegate)
+            out.Put('-');
+        AppendImmediate(out, program, op, pPoolTexts);
+        return;
+    }
+    const bool bAbs = !bDestination && op.bAbs;
+    if (!bDestination && op.bNegate)
+        out.Put('-');
+    if (bAbs)
+        out.Put('|');
+    out.Put(FileLetter(op.eFile));
+    if (op.iRelative >= 0)
+    {
+        out.Put("[r", 2);
+        out.Integer(op.iRelative);
+        out.Put('.');
+        out.Put("xyzw"[op.iRelativeLane & 3]);
+        out.Put('+');
+        out.Integer(op.iIndex);
+        out.Put(']');
+    }
+    else
+    {
+        out.Integer(op.iIndex);
+    }
+    if (op.eFile != File_Sampler)
+    {
+        bool bIdentity = op.uiCount == 4;
+        for (int i = 0; i < 4 && bIdentity; ++i)
+            bIdentity = op.auiSwizzle[i] == i;
+        if (!bIdentity)
+        {
+            out.Put('.');
+            for (int i = 0; i < op.uiCount; ++i)
+                out.Put("xyzw"[op.auiSwizzle[i] & 3]);
+        }
+    }
+    if (bAbs)
+        out.Put('|');
 }
 
 } // namespace
+
+void CTextSink::PutLong(const char* pText, std::size_t uiLength)
+{
+    Flush();
+    if (uiLength > sizeof(m_acBuffer))
+        m_out.append(pText, uiLength);
+    else
+        Put(pText, uiLength);
+}
+
+void CTextSink::Repeat(char c, std::size_t uiCount)
+{
+    while (uiCount > 0)
+    {
+        if (m_uiSize == sizeof(m_acBuffer))
+            Flush();
+        const std::size_t uiRun = std::min(uiCount, sizeof(m_acBuffer) - m_uiSize);
+        for (std::size_t i = 0; i < uiRun; ++i)
+            m_acBuffer[m_uiSize + i] = c;
+        m_uiSize += uiRun;
+        uiCount -= uiRun;
+    }
+}
+
+void CTextSink::RightAligned(long long llValue, std::size_t uiWidth)
+{
+    // Digits from the right into a field of spaces: widths up to 12 cost no padding loop.
+    char acField[32];
+    std::memcpy(acField, "                                ", sizeof(acField));
+    char* const pEnd = acField + sizeof(acField);
+    char* pDigit = pEnd;
+    unsigned long long ullMagnitude =
+        llValue < 0 ? 0ULL - static_cast<unsigned long long>(llValue) : static_cast<unsigned long long>(llValue);
+    do
+    {
+        *--pDigit = static_cast<char>('0' + ullMagnitude % 10);
+        ullMagnitude /= 10;
+    } while (ullMagnitude != 0);
+    if (llValue < 0)
+        *--pDigit = '-';
+    std::size_t uiLength = static_cast<std::size_t>(pEnd - pDigit);
+    if (uiLength < uiWidth && uiWidth <= sizeof(acField))
+        uiLength = uiWidth;
+    else if (uiLength < uiWidth)
+        Repeat(' ', uiWidth - uiLength);
+    Put(pEnd - uiLength, uiLength);
+}
 
 const STxeOpInfo& TxeOpInfo(ETxeOp eOp)
 {
@@ -163,7 +249,8 @@ std::vector<std::string> ImmediateTexts(const STxeProgram& program)
     for (std::size_t i = 0; i < program.aPool.size(); ++i)
     {
         const ETxeType eType = i / 4 < program.aPoolTypes.size() ? program.aPoolTypes[i / 4] : Type_Float;
-        AppendValue(aTexts[i], program.aPool[i], eType);
+        CTextSink sink(aTexts[i]);
+        AppendValue(sink, program.aPool[i], eType);
     }
     return aTexts;
 }
@@ -171,46 +258,8 @@ std::vector<std::string> ImmediateTexts(const STxeProgram& program)
 void AppendOperand(std::string& out, const STxeProgram& program, const STxeOperand& op, bool bDestination,
                    const std::vector<std::string>* pPoolTexts)
 {
-    if (op.eFile == File_Immediate)
-    {
-        if (op.bNegate)
-            out += '-';
-        AppendImmediate(out, program, op, pPoolTexts);
-        return;
-    }
-    if (!bDestination && op.bNegate)
-        out += '-';
-    if (!bDestination && op.bAbs)
-        out += '|';
-    out += FileLetter(op.eFile);
-    if (op.iRelative >= 0)
-    {
-        out += "[r";
-        AppendInteger(out, op.iRelative);
-        out += '.';
-        out += "xyzw"[op.iRelativeLane & 3];
-        out += '+';
-        AppendInteger(out, op.iIndex);
-        out += ']';
-    }
-    else
-    {
-        AppendInteger(out, op.iIndex);
-    }
-    if (op.eFile != File_Sampler)
-    {
-        bool bIdentity = op.uiCount == 4;
-        for (int i = 0; i < 4 && bIdentity; ++i)
-            bIdentity = op.auiSwizzle[i] == i;
-        if (!bIdentity)
-        {
-            out += '.';
-            for (int i = 0; i < op.uiCount; ++i)
-                out += "xyzw"[op.auiSwizzle[i] & 3];
-        }
-    }
-    if (!bDestination && op.bAbs)
-        out += '|';
+    CTextSink sink(out);
+    PutOperand(sink, program, op, bDestination, pPoolTexts);
 }
 
 std::string FormatOperand(const STxeProgram& program, const STxeOperand& op, bool bDestination)
@@ -220,34 +269,34 @@ std::string FormatOperand(const STxeProgram& program, const STxeOperand& op, boo
     return text;
 }
 
-void AppendInstruction(std::string& out, const STxeProgram& program, const STxeInstruction& instr,
+void AppendInstruction(CTextSink& out, const STxeProgram& program, const STxeInstruction& instr,
                        const std::vector<std::string>* pPoolTexts)
 {
     const STxeOpInfo& info = TxeOpInfo(instr.eOp);
-    const std::size_t uiStart = out.size();
-    out += info.pMnemonic;
+    const std::size_t uiStart = out.Size();
+    out.Put(info.pMnemonic);
     if (instr.eType == Type_Int)
-        out += ".i";
+        out.Put(".i", 2);
     else if (instr.eType == Type_Uint)
-        out += ".u";
+        out.Put(".u", 2);
     if (instr.eOp == Op_Loop)
     {
-        out += ' ';
+        out.Put(' ');
         if (instr.trips.bKnown)
-            AppendInteger(out, instr.trips.iWorst);
+            out.Integer(instr.trips.iWorst);
         else
-            out += '?';
+            out.Put('?');
         return;
     }
     const bool bHasDst = instr.dst.eFile != File_None;
     if (!bHasDst && info.iSources == 0)
         return;
-    const std::size_t uiMnemonic = out.size() - uiStart;
-    out.append(uiMnemonic < 8 ? 8 - uiMnemonic : 1, ' ');
+    const std::size_t uiMnemonic = out.Size() - uiStart;
+    out.Repeat(' ', uiMnemonic < 8 ? 8 - uiMnemonic : 1);
     bool bFirst = true;
     if (bHasDst)
     {
-        AppendOperand(out, program, instr.dst, true, pPoolTexts);
+        PutOperand(out, program, instr.dst, true, pPoolTexts);
         bFirst = false;
     }
     for (int i = 0; i < info.iSources; ++i)
@@ -255,10 +304,17 @@ void AppendInstruction(std::string& out, const STxeProgram& program, const STxeI
         if (instr.aSrc[i].eFile == File_None)
             continue;
         if (!bFirst)
-            out += ", ";
-        AppendOperand(out, program, instr.aSrc[i], false, pPoolTexts);
+            out.Put(", ", 2);
+        PutOperand(out, program, instr.aSrc[i], false, pPoolTexts);
         bFirst = false;
     }
+}
+
+void AppendInstruction(std::string& out, const STxeProgram& program, const STxeInstruction& instr,
+                       const std::vector<std::string>* pPoolTexts)
+{
+    CTextSink sink(out);
+    AppendInstruction(sink, program, instr, pPoolTexts);
 }
 
 std::string FormatInstruction(const STxeProgram& program, const STxeInstruction& instr)

@@ -6,6 +6,7 @@
 // works on floats unless it is typed as signed or unsigned 32-bit integers.
 
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -190,6 +191,49 @@ struct STxeProgram
     int iNonDependentReads = 0;
 };
 
+// Text built a character at a time into a fixed buffer and handed to the string in blocks:
+// a listing of thousands of lines pays std::string's bookkeeping once per block, not per character.
+class CTextSink
+{
+public:
+    explicit CTextSink(std::string& out) : m_out(out) {}
+    CTextSink(const CTextSink&) = delete;
+    CTextSink& operator=(const CTextSink&) = delete;
+    ~CTextSink() { Flush(); }
+
+    void Put(char c)
+    {
+        if (m_uiSize == sizeof(m_acBuffer))
+            Flush();
+        m_acBuffer[m_uiSize++] = c;
+    }
+    void Put(const char* pText, std::size_t uiLength)
+    {
+        if (uiLength > sizeof(m_acBuffer) - m_uiSize)
+            return PutLong(pText, uiLength);
+        std::memcpy(m_acBuffer + m_uiSize, pText, uiLength);
+        m_uiSize += uiLength;
+    }
+    void Put(const char* pText) { Put(pText, std::strlen(pText)); }
+    void Put(const std::string& text) { Put(text.data(), text.size()); }
+    void Repeat(char c, std::size_t uiCount);
+    void Integer(long long llValue) { RightAligned(llValue, 0); }
+    void RightAligned(long long llValue, std::size_t uiWidth); // padded with spaces on the left
+    std::size_t Size() const { return m_out.size() + m_uiSize; }
+    void Flush()
+    {
+        m_out.append(m_acBuffer, m_uiSize);
+        m_uiSize = 0;
+    }
+
+private:
+    void PutLong(const char* pText, std::size_t uiLength);
+
+    std::string& m_out;
+    char m_acBuffer[2048];
+    std::size_t m_uiSize = 0;
+};
+
 // "mul r0.xyz, a1.xyz, c0.x" (no line, no cost).
 std::string FormatInstruction(const STxeProgram& program, const STxeInstruction& instr);
 std::string FormatOperand(const STxeProgram& program, const STxeOperand& op, bool bDestination);
@@ -199,6 +243,8 @@ void AppendInstruction(std::string& out, const STxeProgram& program, const STxeI
                        const std::vector<std::string>* pPoolTexts = nullptr);
 void AppendOperand(std::string& out, const STxeProgram& program, const STxeOperand& op, bool bDestination,
                    const std::vector<std::string>* pPoolTexts = nullptr);
+void AppendInstruction(CTextSink& out, const STxeProgram& program, const STxeInstruction& instr,
+                       const std::vector<std::string>* pPoolTexts = nullptr);
 // Every lane of the immediate pool as the listing prints it.
 std::vector<std::string> ImmediateTexts(const STxeProgram& program);
 

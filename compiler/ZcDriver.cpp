@@ -7,6 +7,9 @@
 #include "ZcWriters.h"
 
 #include <cctype>
+#include <optional>
+#include <system_error>
+#include <thread>
 
 namespace ZamCompiler
 {
@@ -210,6 +213,64 @@ int ReadCompileRequest(const std::vector<std::string>& aArgs, const std::string&
     return Request_Compile;
 }
 
+namespace
+{
+
+// The listing is the longest output to build: a second thread formats it while the
+// program file and the profile are built and written. Every path out joins the thread.
+class CListingJob
+{
+public:
+    CListingJob(const SCompilation& compilation, const SCoreModel& core)
+    {
+        try
+        {
+            m_thread = std::thread([this, &compilation, &core] { m_text = FormatDisassembly(compilation, core); });
+        }
+        catch (const std::system_error&)
+        {
+            m_text = FormatDisassembly(compilation, core);
+        }
+    }
+    CListingJob(const CListingJob&) = delete;
+    CListingJob& operator=(const CListingJob&) = delete;
+    ~CListingJob() { Wait(); }
+
+    const std::string& Text()
+    {
+        Wait();
+        return m_text;
+    }
+
+private:
+    void Wait()
+    {
+        if (m_thread.joinable())
+            m_thread.join();
+    }
+
+    std::string m_text;
+    std::thread m_thread;
+};
+
+int WriteOutputs(const SCommandLine& commandLine, const SCompilation& compilation, const SCoreModel& core,
+                 std::string& output)
+{
+    std::optional<CListingJob> listing;
+    if (commandLine.bDisasm)
+        listing.emplace(compilation, core);
+    std::string error;
+    if (!WriteFile(commandLine.outputBase, EncodeProgram(compilation, core), error))
+        return Fail(output, "cannot write '" + commandLine.outputBase + "': " + error);
+    if (commandLine.bProfile && !WriteFile(commandLine.outputBase + ".prof", FormatProfile(compilation), error))
+        return Fail(output, "cannot write '" + commandLine.outputBase + ".prof': " + error);
+    if (listing && !WriteFile(commandLine.outputBase + ".disasm", listing->Text(), error))
+        return Fail(output, "cannot write '" + commandLine.outputBase + ".disasm': " + error);
+    return 0;
+}
+
+} // namespace
+
 int RunGlslCompiler(const std::string& programPath, const std::vector<std::string>& aArgs, std::string& output)
 {
     ECore eCore = Core_ZC1;
@@ -245,15 +306,9 @@ int RunGlslCompiler(const std::string& programPath, const std::vector<std::strin
         return 1;
     }
 
-    std::string error;
-    if (!WriteFile(commandLine.outputBase, EncodeProgram(compilation, core), error))
-        return Fail(output, "cannot write '" + commandLine.outputBase + "': " + error);
-    if (commandLine.bProfile && !WriteFile(commandLine.outputBase + ".prof", FormatProfile(compilation), error))
-        return Fail(output, "cannot write '" + commandLine.outputBase + ".prof': " + error);
-    if (commandLine.bDisasm &&
-        !WriteFile(commandLine.outputBase + ".disasm", FormatDisassembly(compilation, core), error))
-        return Fail(output, "cannot write '" + commandLine.outputBase + ".disasm': " + error);
-
+    const int iWritten = WriteOutputs(commandLine, compilation, core, output);
+    if (iWritten != 0)
+        return iWritten;
     if (commandLine.bPerfSim)
         output += FormatEstimate(compilation);
     output += "Success.\n";

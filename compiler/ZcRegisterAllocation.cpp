@@ -82,9 +82,12 @@ std::vector<SLoopRange> FindLoops(const STxeProgram& program)
 }
 
 // A value that lives into a loop, or is read before it is written inside one,
-// must survive the loop's back edge.
-void ExtendOverLoops(std::vector<SInterval>& aIntervals, const std::vector<SLoopRange>& aLoops)
+// must survive the loop's back edge. aLoops come innermost first (ordered by their end);
+// aByBegin holds the same loops ordered by their start.
+void ExtendOverLoops(std::vector<SInterval>& aIntervals, const std::vector<SLoopRange>& aLoops,
+                     const std::vector<SLoopRange>& aByBegin)
 {
+    const auto BeginsBefore = [](int iPosition, const SLoopRange& loop) { return iPosition < loop.iBegin; };
     for (SInterval& interval : aIntervals)
     {
         if (interval.iStart < 0)
@@ -100,18 +103,13 @@ void ExtendOverLoops(std::vector<SInterval>& aIntervals, const std::vector<SLoop
                 }
             }
         }
-        bool bChanged = true;
-        while (bChanged)
+        // Loops that start inside the interval and end after it, in order of their start: the end
+        // only grows, so one pass reaches the same end as repeating until nothing changes.
+        auto it = std::upper_bound(aByBegin.begin(), aByBegin.end(), interval.iStart, BeginsBefore);
+        for (; it != aByBegin.end() && it->iBegin < interval.iEnd; ++it)
         {
-            bChanged = false;
-            for (const SLoopRange& loop : aLoops)
-            {
-                if (interval.iStart < loop.iBegin && interval.iEnd > loop.iBegin && interval.iEnd < loop.iEnd)
-                {
-                    interval.iEnd = loop.iEnd;
-                    bChanged = true;
-                }
-            }
+            if (interval.iEnd < it->iEnd)
+                interval.iEnd = it->iEnd;
         }
     }
 }
@@ -129,7 +127,11 @@ void Rewrite(STxeOperand& op, const std::vector<SInterval>& aIntervals)
 int AllocateRegisters(STxeProgram& program)
 {
     std::vector<SInterval> aIntervals = BuildIntervals(program);
-    ExtendOverLoops(aIntervals, FindLoops(program));
+    const std::vector<SLoopRange> aLoops = FindLoops(program);
+    std::vector<SLoopRange> aByBegin = aLoops;
+    std::sort(aByBegin.begin(), aByBegin.end(),
+              [](const SLoopRange& a, const SLoopRange& b) { return a.iBegin < b.iBegin; });
+    ExtendOverLoops(aIntervals, aLoops, aByBegin);
 
     std::vector<int> aOrder;
     for (std::size_t i = 0; i < aIntervals.size(); ++i)

@@ -1,15 +1,12 @@
 #include "ZcSourceLimits.h"
 
+#include <cstring>
+
 namespace ZamCompiler
 {
 
 namespace
 {
-
-bool IsForbiddenControl(unsigned char c)
-{
-    return c < 0x20 && c != '\t' && c != '\n' && c != '\r' && c != '\v' && c != '\f';
-}
 
 bool IsBlank(const std::string& source)
 {
@@ -21,56 +18,132 @@ bool IsBlank(const std::string& source)
     return true;
 }
 
-// Bracket depth outside comments; returns the line where the limit is passed, 0 if never.
-int FindExcessiveNesting(const std::string& source, int iMaxNesting)
+// What each byte means to the checks: most bytes mean nothing and cost one table look-up.
+enum EByteClass : unsigned char
 {
-    enum EState { Code, LineComment, BlockComment } eState = Code;
-    int iDepth = 0;
-    int iLine = 1;
-    for (std::size_t i = 0; i < source.size(); ++i)
+    Byte_Plain,
+    Byte_Newline,
+    Byte_Control, // below 0x20 and not a tab, line break, vertical tab, form feed or carriage return
+    Byte_Slash,
+    Byte_Star,
+    Byte_Open,
+    Byte_Close,
+};
+
+struct SByteClasses
+{
+    unsigned char aClass[256];
+
+    SByteClasses()
     {
-        const char c = source[i];
-        const char next = i + 1 < source.size() ? source[i + 1] : '\0';
-        if (c == '\n')
-        {
-            ++iLine;
-            if (eState == LineComment)
-                eState = Code;
-            continue;
-        }
-        if (eState == LineComment)
-            continue;
-        if (eState == BlockComment)
-        {
-            if (c == '*' && next == '/')
-            {
-                eState = Code;
-                ++i;
-            }
-            continue;
-        }
-        if (c == '/' && next == '/')
-        {
-            eState = LineComment;
-            ++i;
-        }
-        else if (c == '/' && next == '*')
-        {
-            eState = BlockComment;
-            ++i;
-        }
-        else if (c == '(' || c == '[' || c == '{')
-        {
-            if (++iDepth > iMaxNesting)
-                return iLine;
-        }
-        else if ((c == ')' || c == ']' || c == '}') && iDepth > 0)
-        {
-            --iDepth;
-        }
+        for (int c = 0; c < 256; ++c)
+            aClass[c] = c < 0x20 ? Byte_Control : Byte_Plain;
+        for (unsigned char c : {'\t', '\r', '\v', '\f'})
+            aClass[c] = Byte_Plain;
+        aClass[static_cast<unsigned char>('\n')] = Byte_Newline;
+        aClass[static_cast<unsigned char>('/')] = Byte_Slash;
+        aClass[static_cast<unsigned char>('*')] = Byte_Star;
+        for (unsigned char c : {'(', '[', '{'})
+            aClass[c] = Byte_Open;
+        for (unsigned char c : {')', ']', '}'})
+            aClass[c] = Byte_Close;
     }
-    return 0;
-}
+};
+
+enum ECommentState
+{
+    State_Code,
+    State_LineComment,
+    State_BlockComment,
+};
+
+// One pass over the text: the first over-long line or control byte ends it; the line where
+// brackets outside comments first nest too deeply is kept and reported only if neither comes.
+struct STextScan
+{
+    const SSourceLimits& limits;
+    CDiagnosticList& aDiagnostics;
+    ECommentState eState = State_Code;
+    int iLine = 1;
+    int iDepth = 0;
+    int iNestingLine = 0;
+    std::size_t uiLineStart = 0;
+
+    bool EndLine(std::size_t uiEnd)
+    {
+        if (uiEnd - uiLineStart > limits.uiMaxLineBytes)
+        {
+            AddError(aDiagnostics, iLine,
+                     "line is too long: " + std::to_string(uiEnd - uiLineStart) + " bytes, the limit is " +
+                         std::to_string(limits.uiMaxLineBytes) + " bytes");
+            return false;
+        }
+        ++iLine;
+        uiLineStart = uiEnd + 1;
+        if (eState == State_LineComment)
+            eState = State_Code;
+        return true;
+    }
+
+    // The byte after a '/' or '*' that may open or close a comment: true when it was taken too.
+    bool Pair(char c, char next)
+    {
+        if (eState == State_Code && c == '/' && (next == '/' || next == '*'))
+        {
+            eState = next == '/' ? State_LineComment : State_BlockComment;
+            return true;
+        }
+        if (eState == State_BlockComment && c == '*' && next == '/')
+        {
+            eState = State_Code;
+            return true;
+        }
+        return false;
+    }
+
+    void Open()
+    {
+        if (eState == State_Code && ++iDepth > limits.iMaxNesting && iNestingLine == 0)
+            iNestingLine = iLine;
+    }
+
+    void Close()
+    {
+        if (eState == State_Code && iDepth > 0)
+            --iDepth;
+    }
+
+    bool Run(const std::string& source)
+    {
+        static const SByteClasses s_classes;
+        const char* pText = source.data();
+        const std::size_t uiSize = source.size();
+        for (std::size_t i = 0; i < uiSize; ++i)
+        {
+            const char c = pText[i];
+            switch (s_classes.aClass[static_cast<unsigned char>(c)])
+            {
+            case Byte_Plain: break;
+            case Byte_Newline:
+                if (!EndLine(i))
+                    return false;
+                break;
+            case Byte_Control:
+                AddError(aDiagnostics, iLine, "source contains binary data (control byte " +
+                                                  std::to_string(static_cast<unsigned char>(c)) + ")");
+                return false;
+            case Byte_Slash:
+            case Byte_Star:
+                if (i + 1 < uiSize && Pair(c, pText[i + 1]))
+                    ++i;
+                break;
+            case Byte_Open: Open(); break;
+            case Byte_Close: Close(); break;
+            }
+        }
+        return EndLine(uiSize);
+    }
+};
 
 } // namespace
 
@@ -83,8 +156,13 @@ const SSourceLimits& DefaultSourceLimits()
 int CountLines(const std::string& source)
 {
     int iLines = 1;
-    for (char c : source)
-        iLines += c == '\n';
+    const char* pCursor = source.data();
+    const char* const pEnd = pCursor + source.size();
+    while (const void* pFound = std::memchr(pCursor, '\n', static_cast<std::size_t>(pEnd - pCursor)))
+    {
+        ++iLines;
+        pCursor = static_cast<const char*>(pFound) + 1;
+    }
     if (!source.empty() && source.back() == '\n')
         --iLines;
     return iLines;
@@ -104,37 +182,12 @@ bool CheckSourceText(const std::string& source, const SSourceLimits& limits, CDi
         AddError(aDiagnostics, 1, "source is empty");
         return false;
     }
-
-    int iLine = 1;
-    std::size_t uiLineStart = 0;
-    for (std::size_t i = 0; i <= source.size(); ++i)
+    STextScan scan{limits, aDiagnostics};
+    if (!scan.Run(source))
+        return false;
+    if (scan.iNestingLine > 0)
     {
-        const bool bEnd = i == source.size();
-        if (bEnd || source[i] == '\n')
-        {
-            if (i - uiLineStart > limits.uiMaxLineBytes)
-            {
-                AddError(aDiagnostics, iLine,
-                         "line is too long: " + std::to_string(i - uiLineStart) + " bytes, the limit is " +
-                             std::to_string(limits.uiMaxLineBytes) + " bytes");
-                return false;
-            }
-            ++iLine;
-            uiLineStart = i + 1;
-            continue;
-        }
-        if (IsForbiddenControl(static_cast<unsigned char>(source[i])))
-        {
-            AddError(aDiagnostics, iLine, "source contains binary data (control byte " +
-                                              std::to_string(static_cast<unsigned char>(source[i])) + ")");
-            return false;
-        }
-    }
-
-    const int iNestingLine = FindExcessiveNesting(source, limits.iMaxNesting);
-    if (iNestingLine > 0)
-    {
-        AddError(aDiagnostics, iNestingLine,
+        AddError(aDiagnostics, scan.iNestingLine,
                  "brackets nest too deeply: the limit is " + std::to_string(limits.iMaxNesting) + " levels");
         return false;
     }

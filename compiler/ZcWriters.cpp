@@ -1,6 +1,5 @@
 #include "ZcWriters.h"
 
-#include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -30,17 +29,6 @@ void PutU32(std::string& out, std::uint32_t uiValue)
     const char acBytes[4] = {static_cast<char>(uiValue & 0xFF), static_cast<char>((uiValue >> 8) & 0xFF),
                              static_cast<char>((uiValue >> 16) & 0xFF), static_cast<char>((uiValue >> 24) & 0xFF)};
     out.append(acBytes, 4);
-}
-
-// "%6zu %5d %7d  " without a format string: every listing line starts with it.
-void AppendRightAligned(std::string& out, long long llValue, std::size_t uiWidth)
-{
-    char acBuf[24];
-    const std::to_chars_result result = std::to_chars(acBuf, acBuf + sizeof(acBuf), llValue);
-    const std::size_t uiLength = static_cast<std::size_t>(result.ptr - acBuf);
-    if (uiLength < uiWidth)
-        out.append(uiWidth - uiLength, ' ');
-    out.append(acBuf, uiLength);
 }
 
 // One instruction's 80 bytes, filled in place and appended at once.
@@ -158,27 +146,35 @@ std::string FormatDisassembly(const SCompilation& compilation, const SCoreModel&
     const std::vector<std::string> aPoolTexts = ImmediateTexts(program);
 
     int iDepth = 0;
+    CTextSink out(text);
     for (std::size_t i = 0; i < program.aInstructions.size(); ++i)
     {
         const STxeInstruction& instr = program.aInstructions[i];
         if (instr.eOp == Op_Else || instr.eOp == Op_Endif || instr.eOp == Op_Endloop)
             iDepth = iDepth > 0 ? iDepth - 1 : 0;
-        AppendRightAligned(text, static_cast<long long>(i), 6);
-        text += ' ';
-        AppendRightAligned(text, instr.iLine, 5);
-        text += ' ';
-        AppendRightAligned(text, i < compilation.aCosts.size() ? compilation.aCosts[i] : 0, 7);
-        text.append(2 + static_cast<std::size_t>(iDepth) * 2, ' ');
-        AppendInstruction(text, program, instr, &aPoolTexts);
+        out.RightAligned(static_cast<long long>(i), 6);
+        out.Put(' ');
+        out.RightAligned(instr.iLine, 5);
+        out.Put(' ');
+        out.RightAligned(i < compilation.aCosts.size() ? compilation.aCosts[i] : 0, 7);
+        out.Repeat(' ', 2 + static_cast<std::size_t>(iDepth) * 2);
+        AppendInstruction(out, program, instr, &aPoolTexts);
         if (instr.eOp == Op_Loop && !instr.trips.bKnown)
-            text += "  ; trips " + std::to_string(instr.trips.iBest) + "/" + std::to_string(instr.trips.iAverage) + "/" +
-                    std::to_string(instr.trips.iWorst);
+        {
+            out.Put("  ; trips ");
+            out.Integer(instr.trips.iBest);
+            out.Put('/');
+            out.Integer(instr.trips.iAverage);
+            out.Put('/');
+            out.Integer(instr.trips.iWorst);
+        }
         if (instr.bNonDependent)
-            text += "  ; non-dependent";
-        text += "\n";
+            out.Put("  ; non-dependent");
+        out.Put('\n');
         if (instr.eOp == Op_If || instr.eOp == Op_Else || instr.eOp == Op_Loop)
             ++iDepth;
     }
+    out.Flush();
     return text;
 }
 
