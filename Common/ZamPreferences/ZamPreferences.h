@@ -1,14 +1,11 @@
 #pragma once
 
 #include <QByteArray>
-#include <QLoggingCategory>
 #include <QString>
 #include <QStringList>
 
 #include <functional>
 #include <memory>
-
-Q_DECLARE_LOGGING_CATEGORY(lcZamPreferences)
 
 class CZamPreferencesImpl;
 
@@ -48,7 +45,8 @@ struct SPreferencesNotice
 //  - keys with an empty segment or more than 32 segments are ignored by every call;
 //  - strings are written as XML 1.0 text: control characters other than tab, line feed
 //    and carriage return are replaced by U+FFFD.
-// Damaged structure is repaired on load and reported on lcZamPreferences; a key without
+// Damaged structure is repaired on load and reported on the logging category
+// "zam.preferences"; a key without
 // value, a value without key and a key inside an array are dropped, the rest is kept.
 //
 // A save never loses or misplaces the user's file:

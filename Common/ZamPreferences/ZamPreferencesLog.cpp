@@ -1,7 +1,5 @@
 #include "ZamPreferencesLog_p.h"
 
-#include "ZamPreferences.h"
-
 Q_LOGGING_CATEGORY(lcZamPreferences, "zam.preferences")
 
 void ReportPreferencesProblem(const QString& Text)

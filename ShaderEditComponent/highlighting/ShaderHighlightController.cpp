@@ -1,14 +1,12 @@
 #include "ShaderHighlightController.h"
 
+#include "HighlightingLog_p.h"
 #include "Common/ZamPreferences/ZamPreferences.h"
 
 #include <QColor>
-#include <QLoggingCategory>
 
 namespace
 {
-Q_LOGGING_CATEGORY(lcHighlighting, "zam.highlighting")
-
 const char* const s_ApplicationStore = "ZamShaderEditor";
 const char* const s_FontFaceKey = "Editor/FontFace";
 const char* const s_FontSizeKey = "Editor/FontSize";
@@ -56,7 +54,7 @@ CShaderHighlightController::CShaderHighlightController(QObject* pParent)
     QString TriedPath;
     QString Error;
     if (!m_pStore->Load(&TriedPath, &Error))
-        qCDebug(lcHighlighting, "Failed to load Preference file: %s", qPrintable(Error));
+        qCDebug(lcZamHighlighting, "Failed to load Preference file: %s", qPrintable(Error));
     Load();
 }
 
@@ -128,7 +126,7 @@ bool CShaderHighlightController::Save()
     QString Error;
     if (!m_pStore->Save(&Error))
     {
-        qCDebug(lcHighlighting, "Failed to save Preference file: %s", qPrintable(Error));
+        qCDebug(lcZamHighlighting, "Failed to save Preference file: %s", qPrintable(Error));
         return false;
     }
     return true;

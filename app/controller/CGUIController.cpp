@@ -1,9 +1,9 @@
 #include "CGUIController.h"
 
+#include "AppLog_p.h"
 #include "Common/ZamPreferences/ZamPreferences.h"
 #include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 
-#include <QDebug>
 #include <QDir>
 #include <QMainWindow>
 
@@ -32,7 +32,7 @@ CGUIController::CGUIController(std::unique_ptr<CZamPreferences> pStore, QObject*
     qRegisterMetaType<Settings::SGeneral>();
     QString Tried;
     if (!m_pStore->Load(&Tried))
-        qDebug("Failed to load Preference file: %s", qPrintable(Tried));
+        qCDebug(lcZamApp, "Failed to load Preference file: %s", qPrintable(Tried));
     LoadGeneralSettings();
 }
 
@@ -52,7 +52,7 @@ bool CGUIController::SavePreferences()
     QString Error;
     if (m_pStore->Save(&Error))
         return true;
-    qWarning("Failed to save the preference file %s: %s", qPrintable(m_pStore->GetFilePath()), qPrintable(Error));
+    qCWarning(lcZamApp, "Failed to save the preference file %s: %s", qPrintable(m_pStore->GetFilePath()), qPrintable(Error));
     if (!m_bSaveFailureReported)
     {
         m_bSaveFailureReported = true;

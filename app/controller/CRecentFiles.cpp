@@ -1,5 +1,6 @@
 #include "CRecentFiles.h"
 
+#include "AppLog_p.h"
 #include "Common/ZamPreferences/ZamPreferences.h"
 
 #include <QAction>
@@ -66,7 +67,7 @@ void CRecentFiles::Save()
 {
     QString Error;
     if (!m_pStore->Save(&Error))
-        qWarning("Failed to save the recent files: %s", qPrintable(Error));
+        qCWarning(lcZamApp, "Failed to save the recent files: %s", qPrintable(Error));
 }
 
 void CRecentFiles::refresh()

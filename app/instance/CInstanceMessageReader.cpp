@@ -1,6 +1,7 @@
 #include "CInstanceMessageReader_p.h"
 
 #include "InstanceLocation_p.h"
+#include "InstanceLog_p.h"
 #include "InstanceMessage.h"
 
 #include <QLocalSocket>
@@ -31,7 +32,7 @@ bool CInstanceMessageReader::TakeAvailableBytes()
     QString Error;
     QString Message;
     DecodeInstanceMessage(m_Bytes, Message, Error);
-    qCWarning(lcSingleInstance).noquote() << "Single instance:" << Error;
+    qCWarning(lcZamInstance).noquote() << "Single instance:" << Error;
     Finish();
     return false;
 }
@@ -55,14 +56,14 @@ void CInstanceMessageReader::OnDisconnected()
     if (DecodeInstanceMessage(m_Bytes, Message, Error))
         emit MessageRead(Message);
     else
-        qCWarning(lcSingleInstance).noquote() << "Single instance:" << Error;
+        qCWarning(lcZamInstance).noquote() << "Single instance:" << Error;
 }
 
 void CInstanceMessageReader::OnTimeout()
 {
     if (m_bFinished)
         return;
-    qCWarning(lcSingleInstance).noquote()
+    qCWarning(lcZamInstance).noquote()
         << QStringLiteral("Single instance: no complete message within %1 ms, the connection was dropped").arg(TimeoutMs);
     Finish();
 }

@@ -2,6 +2,7 @@
 
 #include "CInstanceMessageReader_p.h"
 #include "InstanceLocation_p.h"
+#include "InstanceLog_p.h"
 
 #include <QDeadlineTimer>
 #include <QFileOpenEvent>
@@ -34,7 +35,7 @@ void CSingleApplication::DecideRole()
     const QString Folder = PrivateInstanceFolder(Error);
     if (Folder.isEmpty())
     {
-        qCWarning(lcSingleInstance).noquote() << "Single instance: no private folder for the local server, running alone:" << Error;
+        qCWarning(lcZamInstance).noquote() << "Single instance: no private folder for the local server, running alone:" << Error;
         CreateSegment();
         return;
     }
@@ -47,7 +48,7 @@ void CSingleApplication::DecideRole()
     }
     CInstanceLock Lock(m_ServerPath + QStringLiteral(".lock"));
     if (!Lock.TryLock(LockTimeoutMs, Error))
-        qCWarning(lcSingleInstance).noquote() << "Single instance:" << Error;
+        qCWarning(lcZamInstance).noquote() << "Single instance:" << Error;
     // Another first start may have finished between the probe and the lock.
     if (ProbeRunningInstance() != eProbe_NoServer)
     {
@@ -71,7 +72,7 @@ CSingleApplication::EProbeResult CSingleApplication::ProbeRunningInstance()
     const QLocalSocket::LocalSocketError eError = pSocket->error();
     if (eError == QLocalSocket::ServerNotFoundError || eError == QLocalSocket::ConnectionRefusedError)
         return eProbe_NoServer;
-    qCWarning(lcSingleInstance).noquote() << "Single instance: the running instance did not accept:" << pSocket->errorString();
+    qCWarning(lcZamInstance).noquote() << "Single instance: the running instance did not accept:" << pSocket->errorString();
     return eProbe_Busy;
 }
 
@@ -89,7 +90,7 @@ void CSingleApplication::CreateSegment()
     if (m_SharedMemory.attach())
         m_SharedMemory.detach();
     if (!m_SharedMemory.create(1))
-        qCWarning(lcSingleInstance).noquote() << "Unable to create single instance." << m_SharedMemory.errorString();
+        qCWarning(lcZamInstance).noquote() << "Unable to create single instance." << m_SharedMemory.errorString();
 }
 
 void CSingleApplication::StartServer()
@@ -100,7 +101,7 @@ void CSingleApplication::StartServer()
     m_pLocalServer->setListenBacklogSize(PendingConnections);
     connect(m_pLocalServer, &QLocalServer::newConnection, this, &CSingleApplication::ReceiveMessage);
     if (!m_pLocalServer->listen(m_ServerPath))
-        qCWarning(lcSingleInstance).noquote() << "Single instance: cannot listen on" << m_ServerPath << m_pLocalServer->errorString();
+        qCWarning(lcZamInstance).noquote() << "Single instance: cannot listen on" << m_ServerPath << m_pLocalServer->errorString();
 }
 
 bool CSingleApplication::ConnectToRunningInstance(QLocalSocket& Socket)
@@ -108,7 +109,7 @@ bool CSingleApplication::ConnectToRunningInstance(QLocalSocket& Socket)
     Socket.connectToServer(m_ServerPath, QIODevice::WriteOnly);
     if (Socket.waitForConnected(ConnectTimeoutMs))
         return true;
-    qCWarning(lcSingleInstance).noquote() << "Single instance:" << Socket.errorString();
+    qCWarning(lcZamInstance).noquote() << "Single instance:" << Socket.errorString();
     return false;
 }
 
@@ -129,7 +130,7 @@ bool CSingleApplication::SendMessage(const QString& Message)
     {
         if (!pSocket->waitForBytesWritten(int(Deadline.remainingTime())))
         {
-            qCWarning(lcSingleInstance).noquote() << "Single instance:" << pSocket->errorString();
+            qCWarning(lcZamInstance).noquote() << "Single instance:" << pSocket->errorString();
             return false;
         }
     }
@@ -148,7 +149,7 @@ void CSingleApplication::ReceiveMessage()
         {
             if (Error.isEmpty())
                 Error = QStringLiteral("a connection from user %1 was refused").arg(uiPeer);
-            qCWarning(lcSingleInstance).noquote() << "Single instance:" << Error;
+            qCWarning(lcZamInstance).noquote() << "Single instance:" << Error;
             pSocket->abort();
             pSocket->deleteLater();
             continue;

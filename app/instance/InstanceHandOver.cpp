@@ -1,6 +1,7 @@
 #include "InstanceHandOver.h"
 
 #include "InstanceLocation_p.h"
+#include "InstanceLog_p.h"
 #include "InstanceMessage.h"
 
 #include <QFile>
@@ -65,7 +66,7 @@ bool HandOverToRunningInstance(const QString& UniqueKey, const QStringList& Argu
         return false;
     const QByteArray Message = HandOverMessage(Arguments).toUtf8();
     if (!WriteAll(iSocket, Message))
-        qCWarning(lcSingleInstance) << "Single instance: the running instance did not take the message";
+        qCWarning(lcZamInstance) << "Single instance: the running instance did not take the message";
     ::close(iSocket);
     return true;
 }

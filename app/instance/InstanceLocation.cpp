@@ -1,5 +1,7 @@
 #include "InstanceLocation_p.h"
 
+#include "InstanceLog_p.h"
+
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
@@ -12,8 +14,6 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-Q_LOGGING_CATEGORY(lcSingleInstance, "zam.instance")
 
 namespace
 {
@@ -68,7 +68,7 @@ QString PrivateInstanceFolder(QString& Error)
     {
         if (IsPrivateFolder(Runtime, Error))
             return Runtime;
-        qCWarning(lcSingleInstance).noquote() << "XDG_RUNTIME_DIR is not private, using the temporary folder:" << Error;
+        qCWarning(lcZamInstance).noquote() << "XDG_RUNTIME_DIR is not private, using the temporary folder:" << Error;
     }
     const QString Folder = QDir::tempPath() + QStringLiteral("/zamshadereditor-") + QString::number(CurrentUserId());
     if (::mkdir(QFile::encodeName(Folder).constData(), 0700) != 0 && errno != EEXIST)

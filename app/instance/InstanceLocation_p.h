@@ -1,9 +1,6 @@
 #pragma once
 
-#include <QLoggingCategory>
 #include <QString>
-
-Q_DECLARE_LOGGING_CATEGORY(lcSingleInstance)
 
 // Where the instances of one user meet: a key that differs per user, a folder no other user
 // can enter, and the user checks that keep other users' processes out.

@@ -1,12 +1,12 @@
 #include "CShaderEditController.h"
 
 #include "CCompiler_p.h"
+#include "CompileLog_p.h"
 #include "Common/ZamPreferences/ZamPreferences.h"
 #include "ShaderEditComponent/compile/model/MetaTypes.h"
 #include "ShaderEditComponent/compile/process/CompileCommandLine.h"
 #include "ShaderEditComponent/compile/process/CompilerLocator.h"
 
-#include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QThread>
@@ -102,7 +102,7 @@ void CShaderEditController::LoadSettings(qint64 iCompilerSelection)
         const bool bTry = !m_Options.bReadOnlySettings || QFile::exists(m_pPrefs->GetFilePath());
         QString Error;
         if (bTry && !m_pPrefs->Load(nullptr, &Error))
-            qDebug("Failed to load Preference file: %s", qPrintable(Error));
+            qCDebug(lcZamCompile, "Failed to load Preference file: %s", qPrintable(Error));
     }
     Settings::LoadCompilerSettings(*m_pPrefs, m_Compiler);
     Settings::LoadEditorSettings(*m_pPrefs, m_Editor);
@@ -187,7 +187,7 @@ void CShaderEditController::SetCompilerSettings(const Settings::SCompiler& setti
         *m_pPrefs, m_Compiler, settings, uiSettingMask, [this](Settings::ECompilerSetting) { RunCompilerDetection(); },
         &Error);
     if (!bSaved)
-        qWarning("Failed to save the compiler settings: %s", qPrintable(Error));
+        qCWarning(lcZamCompile, "Failed to save the compiler settings: %s", qPrintable(Error));
     emit CompilerSettingsChanged(m_Compiler, uiSettingMask);
 }
 
@@ -196,7 +196,7 @@ void CShaderEditController::SetEditorSettings(const Settings::SEditor& settings,
     QString Error;
     const bool bSaved = Settings::StoreEditorSettings(*m_pPrefs, m_Editor, settings, uiSettingMask, &Error);
     if (!bSaved)
-        qWarning("Failed to save the editor settings: %s", qPrintable(Error));
+        qCWarning(lcZamCompile, "Failed to save the editor settings: %s", qPrintable(Error));
     emit EditorSettingsChanged(m_Editor);
 }
 

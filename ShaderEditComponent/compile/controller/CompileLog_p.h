@@ -1,0 +1,6 @@
+#pragma once
+
+#include <QLoggingCategory>
+
+// What the compile controller reports: preference files it could not read or write.
+Q_DECLARE_LOGGING_CATEGORY(lcZamCompile)

@@ -1,0 +1,3 @@
+#include "HighlightingLog_p.h"
+
+Q_LOGGING_CATEGORY(lcZamHighlighting, "zam.highlighting")

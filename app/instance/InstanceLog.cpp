@@ -1,0 +1,3 @@
+#include "InstanceLog_p.h"
+
+Q_LOGGING_CATEGORY(lcZamInstance, "zam.instance")
