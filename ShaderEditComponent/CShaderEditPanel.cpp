@@ -2,6 +2,7 @@
 
 #include "CLineNumberArea.h"
 #include "EditDocumentLayout_p.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlighter.h"
 #include "TextCommands_p.h"
@@ -26,11 +27,6 @@ CIndentString& RemoveIndentString()
 {
     static CIndentString s_Indent;
     return s_Indent;
-}
-
-QString ToQString(const CZamTString& String)
-{
-    return QString::fromUtf8(String.GetString(), static_cast<qsizetype>(String.GetLength()));
 }
 
 // Pixel width of iChars characters as wide as a "9", rounded up the way the gutters always

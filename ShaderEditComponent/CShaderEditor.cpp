@@ -6,6 +6,7 @@
 #include "IShaderEditorDelegate.h"
 #include "NewFileName_p.h"
 #include "ShaderEditComponent/compile/controller/CShaderEditController.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/compile/process/CompileCommandLine.h"
 #include "WordMatches_p.h"
 
@@ -27,16 +28,6 @@ namespace
 const char s_PanelObjectName[] = "EditPanel";
 const int s_iCursorMatchDelayMs = 100;
 
-QString ToQString(const CZamTString& String)
-{
-    return QString::fromUtf8(String.GetString(), static_cast<qsizetype>(String.GetLength()));
-}
-
-CZamTString ToZamString(const QString& String)
-{
-    const QByteArray Bytes = String.toUtf8();
-    return CZamTString(Bytes.constData(), static_cast<uint32_t>(Bytes.size()));
-}
 } // namespace
 
 CShaderEditor::CShaderEditor(const CShaderHighlightController* pHighlight, QWidget* pParent)

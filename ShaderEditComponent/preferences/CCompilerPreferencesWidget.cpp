@@ -5,6 +5,7 @@
 #include "ShaderEditComponent/compile/controller/CShaderEditController.h"
 #include "ShaderEditComponent/compile/model/CompileOptions.h"
 #include "ShaderEditComponent/compile/model/UIString.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/compile/process/CompilerLocator.h"
 
 #include <QCheckBox>
@@ -31,17 +32,6 @@ constexpr unsigned int s_uiPageMask = Settings::CompilerSetting_CustomCompilerPa
                                       Settings::CompilerSetting_TempDirectory | Settings::CompilerSetting_WarningFormat |
                                       Settings::CompilerSetting_ErrorFormat | Settings::CompilerSetting_ShouldFormat |
                                       Settings::CompilerSetting_CompilerSelection;
-
-QString FromUtf8(const CZamTString& Text)
-{
-    return QString::fromUtf8(Text.GetString(), static_cast<int>(Text.GetLength()));
-}
-
-CZamTString ToUtf8(const QString& Text)
-{
-    const QByteArray Bytes = Text.toUtf8();
-    return CZamTString(Bytes.constData(), static_cast<uint32_t>(Bytes.size()));
-}
 
 QLabel* NamedLabel(const char* pName, QWidget* pParent)
 {
@@ -241,8 +231,8 @@ void CCompilerPreferencesWidget::Connect()
 void CCompilerPreferencesWidget::LoadSettings()
 {
     const Settings::SCompiler& Compiler = m_Edit.GetCompilerSettings();
-    m_CustomPath = FromUtf8(Compiler.CustomCompilerPath);
-    emit CompilerTempPathChanged(FromUtf8(Compiler.TempDirectory));
+    m_CustomPath = ToQString(Compiler.CustomCompilerPath);
+    emit CompilerTempPathChanged(ToQString(Compiler.TempDirectory));
     emit ShouldFormatOutputChanged(Compiler.bShouldFormat);
     m_pErrorColour->setEnabled(Compiler.bShouldFormat);
     m_pWarningColour->setEnabled(Compiler.bShouldFormat);
@@ -273,7 +263,7 @@ void CCompilerPreferencesWidget::OnCompilerComboChanged(int iIdx)
         return;
     }
     const CZamTString& BaseName = GetCompilerTarget(m_pCompilerCombo->currentData().toInt()).ExecutableBaseName;
-    emit GLSLESPathChanged(FindBundledCompiler(FromUtf8(BaseName), m_Edit.GetCompilerSearchPaths()));
+    emit GLSLESPathChanged(FindBundledCompiler(ToQString(BaseName), m_Edit.GetCompilerSearchPaths()));
 }
 
 void CCompilerPreferencesWidget::OnCheckGLSLESCompiler(const QString& Path)
@@ -352,8 +342,8 @@ void CCompilerPreferencesWidget::OnSave()
     Settings::SCompiler Compiler = m_Edit.GetCompilerSettings();
     if (m_pCompilerCombo->currentIndex() >= 0)
         Compiler.uiCompilerSelection = m_pCompilerCombo->currentData().toUInt();
-    Compiler.CustomCompilerPath = ToUtf8(m_CustomPath);
-    Compiler.TempDirectory = ToUtf8(m_pTempPath->text());
+    Compiler.CustomCompilerPath = ToZamString(m_CustomPath);
+    Compiler.TempDirectory = ToZamString(m_pTempPath->text());
     Compiler.bShouldFormat = m_pColourOutput->checkState() == Qt::Checked;
     Compiler.ErrorFormat.setForeground(m_pErrorColour->GetColour());
     Compiler.WarningFormat.setForeground(m_pWarningColour->GetColour());

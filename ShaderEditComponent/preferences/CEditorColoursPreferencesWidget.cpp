@@ -4,6 +4,7 @@
 #include "ColourPreviewSamples_p.h"
 #include "Common/ZamPreferences/ZamPreferences.h"
 #include "PreferenceText_p.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlighter.h"
 
@@ -61,7 +62,7 @@ QString ShortNameOf(const QString& Name)
 QString ElementName(const CShaderHighlightController& Highlight, unsigned int uiElement)
 {
     const CZamTString Name = Highlight.GetElementName(uiElement);
-    return QString::fromUtf8(Name.GetString(), static_cast<int>(Name.GetLength()));
+    return ToQString(Name);
 }
 
 template <typename TWidget> TWidget* Named(const char* pName, QWidget* pParent)

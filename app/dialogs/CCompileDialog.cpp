@@ -5,6 +5,7 @@
 #include "DialogText_p.h"
 #include "ShaderEditComponent/compile/controller/CShaderEditController.h"
 #include "ShaderEditComponent/compile/model/CompileOptions.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -39,17 +40,6 @@ const SPlaceholderRow s_aPlaceholders[4] = {
     {"CompOptCust_labelSourceFilenameNoExt", AppText_SourceFilenameNoExt, "%b%"},
     {"CompOptCust_labelOutputDir", AppText_OutputDirectory, "%o%"},
 };
-
-QString FromUtf8(const CZamTString& Text)
-{
-    return QString::fromUtf8(Text.GetString(), static_cast<int>(Text.GetLength()));
-}
-
-CZamTString ToUtf8(const QString& Text)
-{
-    const QByteArray Bytes = Text.toUtf8();
-    return CZamTString(Bytes.constData(), static_cast<uint32_t>(Bytes.size()));
-}
 
 template <typename TWidget> TWidget* Named(const char* pName, QWidget* pParent)
 {
@@ -90,8 +80,8 @@ CCompileDialog::CCompileDialog(QWidget* pParent, CGUIController& GUI, CShaderEdi
     pLayout->addWidget(m_pButtons);
 
     const Settings::SGeneral& General = m_GUI.GetGeneralSettings();
-    m_pOutputDirectory->setText(FromUtf8(General.CompileOutputPath));
-    m_pCustomCommand->setPlainText(FromUtf8(General.CustomCommand));
+    m_pOutputDirectory->setText(ToQString(General.CompileOutputPath));
+    m_pCustomCommand->setPlainText(ToQString(General.CustomCommand));
     Connect(Edit);
     OnRetranslate();
     OnChangeCompileType(m_pTypeCombo->currentIndex());
@@ -257,12 +247,12 @@ void CCompileDialog::OnCompile()
     }
     Settings::SGeneral General = m_GUI.GetGeneralSettings();
     const QString Template = m_pCustomCommand->toPlainText();
-    if (Template != FromUtf8(General.CustomCommand))
+    if (Template != ToQString(General.CustomCommand))
     {
-        General.CustomCommand = ToUtf8(Template);
+        General.CustomCommand = ToZamString(Template);
         m_GUI.SetGeneralSettings(General, Settings::GeneralSetting_CustomCommand);
     }
-    emit CompileFile(m_PanelID, ToUtf8(m_FileName), ToUtf8(m_Line.CompileForm), m_eType);
+    emit CompileFile(m_PanelID, ToZamString(m_FileName), ToZamString(m_Line.CompileForm), m_eType);
     accept();
 }
 

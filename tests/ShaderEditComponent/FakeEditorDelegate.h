@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/IShaderEditorDelegate.h"
 
 #include <QStringList>
@@ -23,7 +24,7 @@ public:
         ++iSaveNameRequests;
         if (SavePath.isEmpty())
             return false;
-        FileName = CZamTString(SavePath.toUtf8().constData());
+        FileName = ToZamString(SavePath);
         return true;
     }
 
@@ -33,14 +34,14 @@ public:
     {
         if (OpenPath.isEmpty())
             return false;
-        FileName = CZamTString(OpenPath.toUtf8().constData());
+        FileName = ToZamString(OpenPath);
         return true;
     }
 
     void ReportIOError(const CZamTString& Path, const CZamTString& Error) override
     {
-        ErrorPaths << QString::fromUtf8(Path.GetString());
-        Errors << QString::fromUtf8(Error.GetString());
+        ErrorPaths << ToQString(Path);
+        Errors << ToQString(Error);
     }
 
     QMessageBox::StandardButton eAnswer = QMessageBox::Cancel;

@@ -4,6 +4,7 @@
 #include "ShaderEditComponent/CShaderEditPanel.h"
 #include "ShaderEditComponent/DocumentFile.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
+#include "tests/support/TestFiles.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -37,8 +38,6 @@ private slots:
     void FullDiskLeavesTheFileAlone();
 
 private:
-    QString WriteFile(const QString& Name, const QByteArray& Bytes);
-    static QByteArray ReadFile(const QString& Path);
     void ExpectSaveFailure(const QString& Path, const QString& ErrorStart);
 
     std::unique_ptr<CShaderHighlightController> m_pHighlight;
@@ -67,21 +66,6 @@ void CDocumentFilesTest::cleanup()
     QFile::setPermissions(m_pDir->path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
-QString CDocumentFilesTest::WriteFile(const QString& Name, const QByteArray& Bytes)
-{
-    const QString Path = m_pDir->filePath(Name);
-    QFile File(Path);
-    if (!File.open(QIODevice::WriteOnly) || File.write(Bytes) != Bytes.size())
-        qFatal("cannot write the test file %s", qPrintable(Path));
-    return Path;
-}
-
-QByteArray CDocumentFilesTest::ReadFile(const QString& Path)
-{
-    QFile File(Path);
-    return File.open(QIODevice::ReadOnly) ? File.readAll() : QByteArray("<missing>");
-}
-
 void CDocumentFilesTest::BadInputOpens_data()
 {
     QTest::addColumn<QString>("Kind");
@@ -103,9 +87,9 @@ void CDocumentFilesTest::BadInputOpens()
     QFETCH(QString, Error);
     QString Path = Kind.startsWith(QLatin1Char('/')) ? Kind : m_pDir->filePath(Kind);
     if (Kind == QLatin1String("binary"))
-        WriteFile(Kind, QByteArray("\x7F" "ELF\0\0\x01\xFF\xFE\r\n\0zz", 14));
+        TestFiles::WriteTestFile(m_pDir->path(), Kind, QByteArray("\x7F" "ELF\0\0\x01\xFF\xFE\r\n\0zz", 14));
     else if (Kind == QLatin1String("latin1"))
-        WriteFile(Kind, "vec4 caf\xE9 = vec4(1.0);\n");
+        TestFiles::WriteTestFile(m_pDir->path(), Kind, "vec4 caf\xE9 = vec4(1.0);\n");
     else if (Kind == QLatin1String("huge"))
     {
         QFile Huge(Path);
@@ -113,7 +97,7 @@ void CDocumentFilesTest::BadInputOpens()
         QVERIFY(Huge.resize(300ll * 1024 * 1024)); // sparse: costs no disk
     }
     else if (Kind == QLatin1String("large"))
-        WriteFile(Kind, QByteArray("float f = 1.0; // a line of a large generated table\n").repeated(400 * 1024));
+        TestFiles::WriteTestFile(m_pDir->path(), Kind, QByteArray("float f = 1.0; // a line of a large generated table\n").repeated(400 * 1024));
     else if (Kind == QLatin1String("directory"))
         QVERIFY(QDir(m_pDir->path()).mkdir(Kind));
     else if (Kind == QLatin1String("fifo"))
@@ -147,36 +131,36 @@ void CDocumentFilesTest::OpenedBytesSaveBackUnchanged()
 {
     QFETCH(QByteArray, Bytes);
     QFETCH(QString, Text);
-    const QString Path = WriteFile(QStringLiteral("doc.txt"), Bytes);
+    const QString Path = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("doc.txt"), Bytes);
     QVERIFY(m_pEditor->OnOpenFile(Path));
     QCOMPARE(m_pEditor->GetCurrentPanel()->toPlainText(), Text);
     QFile::remove(Path);
     m_pEditor->OnSaveCurrentTab();
-    QCOMPARE(ReadFile(Path), Bytes);
+    QCOMPARE(TestFiles::ReadAll(Path), Bytes);
 }
 
 void CDocumentFilesTest::TypedTextIsNeverDropped()
 {
     // Mixed line ends are written in the style most lines used.
-    const QString Mixed = WriteFile(QStringLiteral("mixed.vsh"), "a\r\nb\r\nc\nd");
+    const QString Mixed = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("mixed.vsh"), "a\r\nb\r\nc\nd");
     QVERIFY(m_pEditor->OnOpenFile(Mixed));
     m_pEditor->OnSaveCurrentTab();
-    QCOMPARE(ReadFile(Mixed), QByteArray("a\r\nb\r\nc\r\nd"));
+    QCOMPARE(TestFiles::ReadAll(Mixed), QByteArray("a\r\nb\r\nc\r\nd"));
 
     // A Latin-1 document that gains a character Latin-1 cannot hold is saved as UTF-8.
-    const QString Latin1 = WriteFile(QStringLiteral("latin1.txt"), "caf\xE9");
+    const QString Latin1 = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("latin1.txt"), "caf\xE9");
     QVERIFY(m_pEditor->OnOpenFile(Latin1));
     m_pEditor->GetCurrentPanel()->moveCursor(QTextCursor::End);
     m_pEditor->GetCurrentPanel()->insertPlainText(QString::fromUtf8(" \xE2\x82\xAC"));
     m_pEditor->OnSaveCurrentTab();
-    QCOMPARE(QString::fromUtf8(ReadFile(Latin1)), QString::fromUtf8("café €"));
+    QCOMPARE(QString::fromUtf8(TestFiles::ReadAll(Latin1)), QString::fromUtf8("café €"));
 }
 
 void CDocumentFilesTest::UnreadableFile()
 {
     if (geteuid() == 0)
         QSKIP("root reads every file");
-    const QString Path = WriteFile(QStringLiteral("secret.vsh"), "x");
+    const QString Path = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("secret.vsh"), "x");
     QVERIFY(QFile::setPermissions(Path, QFileDevice::WriteOwner));
     QVERIFY(!m_pEditor->OnOpenFile(Path));
     QCOMPARE(m_Delegate.Errors, QStringList{QStringLiteral("Failed to open file: %1\nReason: Permission denied").arg(Path)});
@@ -205,13 +189,13 @@ void CDocumentFilesTest::SaveFailures()
     if (Case == QLatin1String("vanished"))
     {
         QVERIFY(QDir(m_pDir->path()).mkdir(QStringLiteral("gone")));
-        Target = WriteFile(QStringLiteral("gone/a.vsh"), "old");
+        Target = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("gone/a.vsh"), "old");
         QVERIFY(m_pEditor->OnOpenFile(Target));
         QVERIFY(QDir(m_pDir->filePath(QStringLiteral("gone"))).removeRecursively());
     }
     else
     {
-        WriteFile(QStringLiteral("plain"), "file");
+        TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("plain"), "file");
         Target = m_pDir->filePath(QStringLiteral("plain/a.vsh"));
         m_pEditor->OnNewFile(DocType_GLSLESVertex);
         m_Delegate.SavePath = Target;
@@ -229,19 +213,19 @@ void CDocumentFilesTest::ReadOnlyFolder()
 {
     if (geteuid() == 0)
         QSKIP("root writes into read-only folders; SaveFailures covers a folder nobody can write to");
-    const QString Path = WriteFile(QStringLiteral("ro.vsh"), "old");
+    const QString Path = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("ro.vsh"), "old");
     QVERIFY(m_pEditor->OnOpenFile(Path));
     QVERIFY(QFile::setPermissions(m_pDir->path(), QFile::ReadOwner | QFile::ExeOwner));
     m_pEditor->GetCurrentPanel()->insertPlainText(QStringLiteral("typed"));
     m_pEditor->OnSaveCurrentTab();
     ExpectSaveFailure(Path, QStringLiteral("Failed to save file: %1\nReason: ").arg(Path));
-    QCOMPARE(ReadFile(Path), QByteArray("old"));
+    QCOMPARE(TestFiles::ReadAll(Path), QByteArray("old"));
 }
 
 void CDocumentFilesTest::FullDiskLeavesTheFileAlone()
 {
     // A file-size limit makes the write fail half way, as a full disk does.
-    const QString Path = WriteFile(QStringLiteral("full.vsh"), "old contents");
+    const QString Path = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("full.vsh"), "old contents");
     QVERIFY(m_pEditor->OnOpenFile(Path));
     m_pEditor->GetCurrentPanel()->insertPlainText(QString(64 * 1024, QLatin1Char('x')));
 
@@ -257,14 +241,14 @@ void CDocumentFilesTest::FullDiskLeavesTheFileAlone()
 
     ExpectSaveFailure(Path, QStringLiteral("Error while writing file:") + Path);
     QCOMPARE(m_Delegate.Errors.value(0), QStringLiteral("Error while writing file:") + Path);
-    QCOMPARE(ReadFile(Path), QByteArray("old contents"));
+    QCOMPARE(TestFiles::ReadAll(Path), QByteArray("old contents"));
     QCOMPARE(QDir(m_pDir->path()).entryList(QDir::Files), QStringList{QStringLiteral("full.vsh")});
 
     // Once there is room again the same document saves.
     m_Delegate.Errors.clear();
     m_pEditor->OnSaveCurrentTab();
     QVERIFY(m_Delegate.Errors.isEmpty());
-    QCOMPARE(ReadFile(Path).size(), 64 * 1024 + 12);
+    QCOMPARE(TestFiles::ReadAll(Path).size(), 64 * 1024 + 12);
 }
 
 QTEST_MAIN(CDocumentFilesTest)

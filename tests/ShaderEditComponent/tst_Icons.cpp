@@ -1,4 +1,5 @@
 #include "ShaderEditComponent/IconResources.h"
+#include "tests/support/TestFiles.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -28,7 +29,7 @@ void CIconsTest::EveryDrawingIsCompiledIn()
         }
     }
 
-    const QDir Drawings(qEnvironmentVariable("ZAM_SOURCE_DIR") + QStringLiteral("/resources/icons"));
+    const QDir Drawings(TestFiles::SourceDir() + QStringLiteral("/resources/icons"));
     const QStringList Names = Drawings.entryList({QStringLiteral("*.svg")}, QDir::Files);
     QCOMPARE(Names.size(), Compiled.size());
     for (const QString& File : Names)

@@ -2,10 +2,12 @@
 #include "FakeEditorDelegate.h"
 #include "ShaderEditComponent/compile/controller/CShaderEditController.h"
 #include "ShaderEditComponent/compile/model/MetaTypes.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/CShaderEditor.h"
 #include "ShaderEditComponent/CShaderEditPanel.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
 #include "ShaderEditComponent/NewFileName_p.h"
+#include "tests/support/TestFiles.h"
 
 #include <QSignalSpy>
 #include <QTabBar>
@@ -55,8 +57,6 @@ private:
     // A controller with the bundled compiler, wired to the editor; null when the compiler is
     // not part of the build.
     std::unique_ptr<CShaderEditController> BundledCompilerController(SDelivered& Delivered);
-    QString WriteFile(const QString& Name, const QByteArray& Bytes);
-    static QByteArray ReadFile(const QString& Path);
     QStringList TabTitles() const;
     void Type(const QString& Text);
 
@@ -85,21 +85,6 @@ void CShaderEditorTest::init()
 void CShaderEditorTest::cleanup()
 {
     m_pEditor.reset();
-}
-
-QString CShaderEditorTest::WriteFile(const QString& Name, const QByteArray& Bytes)
-{
-    const QString Path = m_pDir->filePath(Name);
-    QFile File(Path);
-    if (!File.open(QIODevice::WriteOnly) || File.write(Bytes) != Bytes.size())
-        qFatal("cannot write the test file %s", qPrintable(Path));
-    return Path;
-}
-
-QByteArray CShaderEditorTest::ReadFile(const QString& Path)
-{
-    QFile File(Path);
-    return File.open(QIODevice::ReadOnly) ? File.readAll() : QByteArray("<missing>");
 }
 
 QStringList CShaderEditorTest::TabTitles() const
@@ -155,7 +140,7 @@ void CShaderEditorTest::NewFilesThroughTheTabs()
 
 std::unique_ptr<CShaderEditController> CShaderEditorTest::BundledCompilerController(SDelivered& Delivered)
 {
-    const QString BinDir = qEnvironmentVariable("ZAM_BIN_DIR");
+    const QString BinDir = TestFiles::BinDir();
     if (!QFileInfo(QDir(BinDir).filePath(QStringLiteral("glslcompiler_zc1"))).isExecutable())
         return nullptr;
     SShaderEditControllerOptions Options;
@@ -171,7 +156,7 @@ std::unique_ptr<CShaderEditController> CShaderEditorTest::BundledCompilerControl
             [&Delivered](const SCompileResult& Result)
             {
                 Delivered.Last = Result;
-                Delivered.Log = QString::fromUtf8(Result.Log.GetString());
+                Delivered.Log = ToQString(Result.Log);
                 ++Delivered.iResults;
             });
     m_pEditor->SetController(pController.get());
@@ -212,7 +197,7 @@ void CShaderEditorTest::EffectFindsItsFilesBesideIt()
     if (!pController)
         QSKIP("the bundled compiler is not part of this build");
     QVERIFY(QDir(m_pDir->path()).mkdir(QStringLiteral("fx")));
-    WriteFile(QStringLiteral("fx/lit.frag"), "precision mediump float;\nvoid main() { gl_FragColor = vec4(1.0); }\n");
+    TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("fx/lit.frag"), "precision mediump float;\nvoid main() { gl_FragColor = vec4(1.0); }\n");
     // The precision line makes it a GLSL ES effect, which is compiled in the background.
     const QByteArray Effect = "[VERTEXSHADER]\nNAME vs\n[GLSL_CODE]\nprecision highp float;\n"
                               "void main() { gl_Position = vec4(0.0); }\n"
@@ -220,7 +205,7 @@ void CShaderEditorTest::EffectFindsItsFilesBesideIt()
                               "[/FRAGMENTSHADER]\n[EFFECT]\nNAME e\nVERTEXSHADER vs\nFRAGMENTSHADER fs\n[/EFFECT]\n";
     const QString Expected = QStringLiteral("vs: Compile succeeded.\nfs: Compile succeeded.\n");
 
-    QVERIFY(m_pEditor->OnOpenFile(WriteFile(QStringLiteral("fx/scene.zfx"), Effect)));
+    QVERIFY(m_pEditor->OnOpenFile(TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("fx/scene.zfx"), Effect)));
     QTRY_COMPARE_WITH_TIMEOUT(Delivered.iResults, 1, 30000);
     QCOMPARE(Delivered.Log, Expected);
 
@@ -255,8 +240,8 @@ void CShaderEditorTest::CloseQuestion()
     QFETCH(QByteArray, OnDisk);
 
     QVERIFY(QDir(m_pDir->path()).mkdir(QStringLiteral("sub")));
-    const QString Closing = WriteFile(QStringLiteral("sub/closing.vsh"), "old");
-    const QString Current = WriteFile(QStringLiteral("current.fsh"), "keep");
+    const QString Closing = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("sub/closing.vsh"), "old");
+    const QString Current = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("current.fsh"), "keep");
     QVERIFY(m_pEditor->OnOpenFile(Closing));
     if (Modify)
         Type(QStringLiteral("new"));
@@ -272,8 +257,8 @@ void CShaderEditorTest::CloseQuestion()
 
     QCOMPARE(m_Delegate.Asked, Modify ? QStringList{QDir::toNativeSeparators(Closing)} : QStringList());
     QCOMPARE(m_pEditor->GetTabCount(), Closed ? 1 : 2);
-    QCOMPARE(ReadFile(Closing), OnDisk);
-    QCOMPARE(ReadFile(Current), QByteArray("keep"));
+    QCOMPARE(QFile::exists(Closing) ? TestFiles::ReadAll(Closing) : QByteArray("<missing>"), OnDisk);
+    QCOMPARE(TestFiles::ReadAll(Current), QByteArray("keep"));
     if (!Closed)
         QVERIFY(m_pEditor->GetPanel(0)->IsModified());
     QCOMPARE(m_Delegate.Errors.size(), FolderVanishes ? 1 : 0);
@@ -337,8 +322,8 @@ void CShaderEditorTest::MiddleClickAsksToo()
 void CShaderEditorTest::OpenSwitchesToAnOpenFile()
 {
     QSignalSpy Opened(m_pEditor.get(), &CShaderEditor::FileOpened);
-    const QString First = WriteFile(QStringLiteral("a.vsh"), "void main() { gl_Position = vec4(1.0); }");
-    const QString Second = WriteFile(QStringLiteral("b.fsh"), "void main() {}");
+    const QString First = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("a.vsh"), "void main() { gl_Position = vec4(1.0); }");
+    const QString Second = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("b.fsh"), "void main() {}");
     QVERIFY(m_pEditor->OnOpenFile(First));
     QVERIFY(m_pEditor->OnOpenFile(Second));
     QCOMPARE(m_pEditor->GetPanel(0)->GetDocumentType(), DocType_GLSLESVertex);
@@ -361,30 +346,30 @@ void CShaderEditorTest::OpenSwitchesToAnOpenFile()
 
 void CShaderEditorTest::ModifiedMarkerAndSaveAs()
 {
-    const QString Path = WriteFile(QStringLiteral("shader.vsh"), "abc");
+    const QString Path = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("shader.vsh"), "abc");
     QVERIFY(m_pEditor->OnOpenFile(Path));
     const CZamTHash PanelID = m_pEditor->GetCurrentPanel()->GetPanelID();
     Type(QStringLiteral("x*"));
     QCOMPARE(TabTitles(), QStringList{"shader.vsh*"});
     m_pEditor->OnSaveCurrentTab();
     QCOMPARE(TabTitles(), QStringList{"shader.vsh"});
-    QCOMPARE(ReadFile(Path), QByteArray("x*abc"));
+    QCOMPARE(TestFiles::ReadAll(Path), QByteArray("x*abc"));
 
     m_Delegate.SavePath = m_pDir->filePath(QStringLiteral("renamed.vsh"));
     Type(QStringLiteral("y"));
     m_pEditor->OnSaveCurrentTabAs();
     QCOMPARE(TabTitles(), QStringList{"renamed.vsh"});
     QCOMPARE(m_pEditor->findChild<QTabWidget*>()->tabToolTip(0), QDir::toNativeSeparators(m_Delegate.SavePath));
-    QCOMPARE(ReadFile(m_Delegate.SavePath), QByteArray("x*yabc"));
+    QCOMPARE(TestFiles::ReadAll(m_Delegate.SavePath), QByteArray("x*yabc"));
     QCOMPARE(m_pEditor->GetCurrentPanel()->GetPanelID(), PanelID);
     QCOMPARE(m_pEditor->GetOpenFilenames().GetSize(), 1u);
-    QCOMPARE(QString::fromUtf8(m_pEditor->GetOpenFilenames()[0].GetString()), m_Delegate.SavePath);
+    QCOMPARE(ToQString(m_pEditor->GetOpenFilenames()[0]), m_Delegate.SavePath);
 }
 
 void CShaderEditorTest::TitlesShowTheWholeName()
 {
-    QVERIFY(m_pEditor->OnOpenFile(WriteFile(QStringLiteral("a*b.fsh"), "void main() {}")));
-    QVERIFY(m_pEditor->OnOpenFile(WriteFile(QStringLiteral("star*"), "x")));
+    QVERIFY(m_pEditor->OnOpenFile(TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("a*b.fsh"), "void main() {}")));
+    QVERIFY(m_pEditor->OnOpenFile(TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("star*"), "x")));
     QCOMPARE(TabTitles(), QStringList({"a*b.fsh", "star*"}));
     Type(QStringLiteral("y"));
     m_pEditor->findChild<QTabWidget*>()->setCurrentIndex(0);
@@ -464,7 +449,7 @@ void CShaderEditorTest::FindResultsAndSelection()
 
 void CShaderEditorTest::CompileTrafficReachesTheRightPanel()
 {
-    const QString Path = WriteFile(QStringLiteral("c.vsh"), "void main() { gl_Position = vec4(1.0); }\n\n");
+    const QString Path = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("c.vsh"), "void main() { gl_Position = vec4(1.0); }\n\n");
     QVERIFY(m_pEditor->OnOpenFile(Path));
     m_pEditor->OnNewFile(DocType_GLSLESFragment);
     QSignalSpy Requests(m_pEditor.get(), &CShaderEditor::RecompileContents);

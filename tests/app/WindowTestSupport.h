@@ -6,6 +6,7 @@
 #include "app/controller/CGUIController.h"
 #include "app/ZamShaderEditorWindow.h"
 #include "Common/ZamPreferences/ZamPreferences.h"
+#include "tests/support/TestFiles.h"
 
 #include <QApplication>
 #include <QDir>
@@ -19,27 +20,7 @@
 
 namespace WindowTest
 {
-inline QString BinDir()
-{
-    return qEnvironmentVariable("ZAM_BIN_DIR");
-}
-
-inline QString SourceDir()
-{
-    return qEnvironmentVariable("ZAM_SOURCE_DIR");
-}
-
-inline bool WriteFile(const QString& Path, const QByteArray& Bytes)
-{
-    QFile File(Path);
-    return File.open(QIODevice::WriteOnly | QIODevice::Truncate) && File.write(Bytes) == Bytes.size();
-}
-
-inline QByteArray ReadFile(const QString& Path)
-{
-    QFile File(Path);
-    return File.open(QIODevice::ReadOnly) ? File.readAll() : QByteArray();
-}
+using namespace TestFiles;
 
 inline std::unique_ptr<CGUIController> NewGUIController()
 {

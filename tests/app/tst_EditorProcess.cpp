@@ -2,6 +2,8 @@
 // second start handing its file to the running editor, which records it among the recent
 // files in the preference file.
 
+#include "tests/support/TestFiles.h"
+
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -16,7 +18,7 @@ constexpr int s_iWaitMs = 30000;
 
 QString Editor()
 {
-    return qEnvironmentVariable("ZAM_BIN_DIR") + QStringLiteral("/zamshadereditor");
+    return TestFiles::BinDir() + QStringLiteral("/zamshadereditor");
 }
 
 // A user of their own: configuration, runtime folder, and no splash to answer.

@@ -95,7 +95,7 @@ void tst_MainWindow::init()
 QString tst_MainWindow::NewFile(const QString& Name, const QByteArray& Text)
 {
     const QString Path = m_Files.filePath(Name);
-    WriteFile(Path, Text);
+    WriteAll(Path, Text);
     return Path;
 }
 
@@ -181,7 +181,7 @@ void tst_MainWindow::actionsReachTheEditor()
     pPanel->setPlainText(QStringLiteral("saved text\n"));
 
     Ui.actionSave->trigger();
-    QCOMPARE(ReadFile(Path), QByteArray("saved text\n"));
+    QCOMPARE(ReadAll(Path), QByteArray("saved text\n"));
 
     // Save As asks through the window's file dialog and remembers its folder.
     const QString Copy = m_Files.filePath(QStringLiteral("copy.frag"));
@@ -195,7 +195,7 @@ void tst_MainWindow::actionsReachTheEditor()
         });
     Ui.actionSave_As->trigger();
     QVERIFY(*pAnswered);
-    QCOMPARE(ReadFile(Copy), QByteArray("saved text\n"));
+    QCOMPARE(ReadAll(Copy), QByteArray("saved text\n"));
     QCOMPARE(ToQString(m_pGUI->GetGeneralSettings().LastDirectory), m_Files.path());
 
     Ui.actionFind->trigger();

@@ -1,6 +1,7 @@
 // The include graph of the tree follows the layers of its libraries (see LayeringCheck.h).
 
 #include "LayeringCheck.h"
+#include "tests/support/TestFiles.h"
 
 #include <QDir>
 #include <QFile>
@@ -31,7 +32,7 @@ void CLayeringTest::TreeFollowsItsLayers()
     QString Error;
     const QVector<SLayeringLibrary> Libraries = ReadLibraryTable(QStringLiteral(ZAM_LIBRARY_TABLE), Error);
     QVERIFY2(!Libraries.isEmpty(), qPrintable(Error));
-    const QDir Root(qEnvironmentVariable("ZAM_SOURCE_DIR"));
+    const QDir Root(TestFiles::SourceDir());
     for (const SLayeringLibrary& Library : Libraries)
         QVERIFY2(Root.exists(Library.Folders.value(0)), qPrintable(Library.Name));
 

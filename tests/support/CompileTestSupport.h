@@ -3,9 +3,10 @@
 // Shared by the compile tests: where the built programs are, and what this test process has
 // left behind (children, zombies, open files, peak memory).
 
+#include "TestFiles.h"
+
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QString>
 #include <QStringList>
 #include <QTest>
@@ -15,26 +16,12 @@
 
 namespace CompileTest
 {
-inline QString BinDir()
-{
-    return qEnvironmentVariable("ZAM_BIN_DIR");
-}
-
-inline QString Program(const QString& Name)
-{
-    return QDir(BinDir()).filePath(Name);
-}
+using namespace TestFiles;
 
 // A fake compiler of the given mode (see fakes/FakeCompiler.cpp).
 inline QString Fake(const char* pMode)
 {
     return Program(QStringLiteral("fakecc_") + QLatin1String(pMode));
-}
-
-inline QByteArray ReadAll(const QString& Path)
-{
-    QFile File(Path);
-    return File.open(QIODevice::ReadOnly) ? File.readAll() : QByteArray();
 }
 
 inline QStringList ReadLines(const QString& Path)

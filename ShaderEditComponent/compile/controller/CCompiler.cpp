@@ -2,6 +2,7 @@
 
 #include "ShaderEditComponent/compile/model/CompileOptions.h"
 #include "ShaderEditComponent/compile/model/UIString.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/compile/process/CompileCommandLine.h"
 #include "ShaderEditComponent/compile/process/CompileUnit.h"
 #include "Tools/ZamTZFXParser.h"
@@ -11,16 +12,6 @@
 
 namespace
 {
-CZamTString ToZamString(const QString& Text)
-{
-    const QByteArray Utf8 = Text.toUtf8();
-    return CZamTString(Utf8.constData(), static_cast<uint32_t>(Utf8.size()));
-}
-
-QString ToQString(const CZamTString& Text)
-{
-    return QString::fromUtf8(Text.GetString(), static_cast<int>(Text.GetLength()));
-}
 
 // The worst unit decides: not run (3) over cancelled (2) over failed (1) over completed (0).
 void Combine(SCompileResult& Result, ECompileStatus eStatus)

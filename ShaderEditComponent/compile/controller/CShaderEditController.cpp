@@ -1,9 +1,10 @@
 #include "CShaderEditController.h"
 
 #include "CCompiler_p.h"
-#include "CompileLog_p.h"
 #include "Common/ZamPreferences/ZamPreferences.h"
+#include "CompileLog_p.h"
 #include "ShaderEditComponent/compile/model/MetaTypes.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/compile/process/CompileCommandLine.h"
 #include "ShaderEditComponent/compile/process/CompilerLocator.h"
 
@@ -17,11 +18,6 @@ namespace
 {
 const char* const s_pApplicationScope = "ZamShaderEditor";
 constexpr int s_iNoDocumentState = 1;
-
-QString ToQString(const CZamTString& Text)
-{
-    return QString::fromUtf8(Text.GetString(), static_cast<int>(Text.GetLength()));
-}
 } // namespace
 
 CShaderEditController::CShaderEditController(QObject* pParent)

@@ -4,6 +4,7 @@
 #include "ShaderEditComponent/compile/model/CompileOptions.h"
 #include "ShaderEditComponent/compile/model/MetaTypes.h"
 #include "ShaderEditComponent/compile/model/ShaderDocType.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/compile/process/CompilerLocator.h"
 #include "ShaderEditComponent/compile/process/RegularFile.h"
 
@@ -114,7 +115,7 @@ qint64 CoreSelection(const QString& Core)
 {
     for (int i = 0; i < GetCompilerTargetCount(); ++i)
     {
-        const QString BaseName = QString::fromUtf8(GetCompilerTarget(i).ExecutableBaseName.GetString());
+        const QString BaseName = ToQString(GetCompilerTarget(i).ExecutableBaseName);
         if (BaseName.endsWith(QLatin1Char('_') + Core))
             return i;
     }

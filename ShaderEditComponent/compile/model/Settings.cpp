@@ -1,6 +1,7 @@
 #include "Settings.h"
 
 #include "Common/ZamPreferences/ZamPreferences.h"
+#include "ZamStringConversion.h"
 
 #include <QBrush>
 #include <QDir>
@@ -34,17 +35,6 @@ constexpr quint32 s_uiErrorColour = 0xFFFF0000u;
 QString Key(const char* pKey)
 {
     return QString::fromLatin1(pKey);
-}
-
-QString ToQString(const CZamTString& Text)
-{
-    return QString::fromUtf8(Text.GetString(), static_cast<int>(Text.GetLength()));
-}
-
-CZamTString ToZamString(const QString& Text)
-{
-    const QByteArray Utf8 = Text.toUtf8();
-    return CZamTString(Utf8.constData(), static_cast<unsigned int>(Utf8.size()));
 }
 
 int ReadInt32(const CZamPreferences& Prefs, const char* pKey, int iDefault)

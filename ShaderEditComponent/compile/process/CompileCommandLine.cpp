@@ -2,6 +2,7 @@
 
 #include "CompilerLocator.h"
 #include "ShaderEditComponent/compile/model/CompileOptions.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -49,7 +50,7 @@ bool TakesEndOfOptions(const QString& Executable)
         return true;
     for (int i = 0; i < GetCompilerTargetCount(); ++i)
     {
-        if (Name == QString::fromUtf8(GetCompilerTarget(i).ExecutableBaseName.GetString()))
+        if (Name == ToQString(GetCompilerTarget(i).ExecutableBaseName))
             return true;
     }
     return false;

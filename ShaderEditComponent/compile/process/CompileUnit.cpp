@@ -2,6 +2,7 @@
 
 #include "RegularFile.h"
 #include "ShaderEditComponent/compile/model/UIString.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/compile/parsers/CompilerOutputParser.h"
 #include "ShaderEditComponent/compile/parsers/PerformanceEstimateParser.h"
 #include "ShaderEditComponent/compile/parsers/ProfileParser.h"
@@ -174,7 +175,7 @@ ECompileStatus CompileSource(const SCompileUnit& Unit, const QByteArray& Source,
 
     SUnitOutputs Outputs;
     Outputs.OutputBase = Private.filePath(QStringLiteral("shader"));
-    const QString Unit8 = QString::fromUtf8(Unit.Name.GetString(), static_cast<int>(Unit.Name.GetLength()));
+    const QString Unit8 = ToQString(Unit.Name);
     const SCompileCommand Command =
         BuildCompilerCommand(Target.Executable, InputPath, Unit8, Outputs.OutputBase, Target.uiSwitches,
                              Target.ExtraArguments);

@@ -1,6 +1,7 @@
 #include "CompilerLocator.h"
 
 #include "ShaderEditComponent/compile/model/CompileOptions.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -37,9 +38,7 @@ QString ResolveCompilerPath(const Settings::SCompiler& Compiler, const QStringLi
     {
         const CZamTString& BaseName =
             GetCompilerTarget(static_cast<int>(Compiler.uiCompilerSelection)).ExecutableBaseName;
-        return FindBundledCompiler(QString::fromUtf8(BaseName.GetString(), static_cast<int>(BaseName.GetLength())),
-                                   SearchPaths);
+        return FindBundledCompiler(ToQString(BaseName), SearchPaths);
     }
-    return QString::fromUtf8(Compiler.CustomCompilerPath.GetString(),
-                             static_cast<int>(Compiler.CustomCompilerPath.GetLength()));
+    return ToQString(Compiler.CustomCompilerPath);
 }

@@ -1,6 +1,7 @@
 #include "Common/ZamPreferences/ZamPreferences.h"
 #include "Common/ZamPreferences/ZamPreferencesMemory_p.h"
 #include "Common/ZamPreferences/ZamPreferencesPosix_p.h"
+#include "tests/support/TestFiles.h"
 
 #include <QDir>
 #include <QFile>
@@ -17,6 +18,8 @@
 #include <limits>
 #include <sys/stat.h>
 #include <unistd.h>
+
+using namespace TestFiles;
 
 namespace
 {
@@ -48,19 +51,6 @@ private:
     QtMessageHandler m_pPrevious;
 };
 QStringList CLogCapture::s_Messages;
-
-QByteArray ReadAll(const QString& Path)
-{
-    QFile File(Path);
-    return File.open(QIODevice::ReadOnly) ? File.readAll() : QByteArray();
-}
-
-bool WriteAll(const QString& Path, const QByteArray& Bytes)
-{
-    QDir().mkpath(QFileInfo(Path).path());
-    QFile File(Path);
-    return File.open(QIODevice::WriteOnly | QIODevice::Truncate) && File.write(Bytes) == Bytes.size();
-}
 
 int ModeOf(const QString& Path)
 {

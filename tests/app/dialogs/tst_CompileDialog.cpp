@@ -4,6 +4,7 @@
 #include "app/controller/ApplicationText.h"
 #include "app/dialogs/CCompileDialog.h"
 #include "DialogTestSupport.h"
+#include "tests/support/TestFiles.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -252,7 +253,7 @@ void CCompileDialogTest::BuiltInCompileWritesIntoTheOutputDirectory()
     // An effect file: one compile, so one output, per shader.
     const QString Effect = Source(QStringLiteral("glow fx.zfx"));
     QFile::remove(Effect);
-    QVERIFY(QFile::copy(qEnvironmentVariable("ZAM_SOURCE_DIR") +
+    QVERIFY(QFile::copy(TestFiles::SourceDir() +
                             "/tests/ShaderEditComponent/highlighting/corpus/textured_effect.zfx",
                         Effect));
     auto pDialog = Open(Effect, QString(), m_OutputDir, DocType_ZFXGLSLES);
@@ -335,7 +336,7 @@ void CCompileDialogTest::BundledCompilerWritesOneOutputPerShader()
 
     const QString Effect = Source(QStringLiteral("lit effect.zfx"));
     QFile::remove(Effect);
-    QVERIFY(QFile::copy(qEnvironmentVariable("ZAM_SOURCE_DIR") +
+    QVERIFY(QFile::copy(TestFiles::SourceDir() +
                             "/tests/ShaderEditComponent/highlighting/corpus/textured_effect.zfx",
                         Effect));
     const QString Output = m_Temp.filePath(QStringLiteral("bundled out"));

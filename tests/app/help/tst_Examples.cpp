@@ -1,3 +1,5 @@
+#include "tests/support/TestFiles.h"
+
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -17,7 +19,7 @@ SCompileRun CompileWithEditor(const QStringList& Arguments)
 {
     QProcess Process;
     Process.setProcessChannelMode(QProcess::MergedChannels);
-    Process.start(QDir(qEnvironmentVariable("ZAM_BIN_DIR")).filePath(QStringLiteral("zamshadereditor")),
+    Process.start(QDir(TestFiles::BinDir()).filePath(QStringLiteral("zamshadereditor")),
                   QStringList{QStringLiteral("--compile")} + Arguments);
     SCompileRun Run;
     if (!Process.waitForFinished(120000))
@@ -34,7 +36,7 @@ SCompileRun CompileWithEditor(const QStringList& Arguments)
 
 QFileInfoList ExampleShaders()
 {
-    const QDir Examples(qEnvironmentVariable("ZAM_SOURCE_DIR") + QStringLiteral("/examples"));
+    const QDir Examples(TestFiles::SourceDir() + QStringLiteral("/examples"));
     return Examples.entryInfoList({QStringLiteral("*.vsh"), QStringLiteral("*.fsh"), QStringLiteral("*.zfx"),
                                    QStringLiteral("*.cl")},
                                   QDir::Files, QDir::Name);
@@ -106,7 +108,7 @@ void tst_Examples::glslExamplesCompileOnEveryCore()
 void tst_Examples::examplesAreBesideTheBuild()
 {
     // Where the program looks for them, from its own folder, in a build as when installed.
-    const QDir Beside(qEnvironmentVariable("ZAM_BIN_DIR") + QStringLiteral("/../share/zamshadereditor/examples"));
+    const QDir Beside(TestFiles::BinDir() + QStringLiteral("/../share/zamshadereditor/examples"));
     for (const QFileInfo& Example : ExampleShaders())
     {
         QFile Built(Beside.filePath(Example.fileName()));

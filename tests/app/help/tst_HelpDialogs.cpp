@@ -3,6 +3,7 @@
 #include "app/help/CFeedbackDialog.h"
 #include "app/help/CUpdateChecker.h"
 #include "Common/ZamPreferences/ZamPreferences.h"
+#include "tests/support/TestFiles.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -176,7 +177,7 @@ void tst_HelpDialogs::aboutBoxWidgetsAndLinks()
         QRegularExpression(QStringLiteral("^ZamShaderEditor 2\\.0 \\(SDK build (\\d+\\.\\d+\\.\\d+)@(\\d+)\\)$")).match(AppVersion);
     QVERIFY2(Build.hasMatch(), qPrintable(AppVersion));
     QCOMPARE(Build.captured(1), QStringLiteral(ZAM_TEST_PROJECT_VERSION));
-    if (QFileInfo::exists(qEnvironmentVariable("ZAM_SOURCE_DIR") + QStringLiteral("/.git")))
+    if (QFileInfo::exists(TestFiles::SourceDir() + QStringLiteral("/.git")))
         QVERIFY(Build.captured(2).toInt() > 0);
     QCOMPARE(Box.findChild<QLabel*>(QStringLiteral("UsesLabel"))->text(), QStringLiteral("Uses"));
     const QStringList Libraries = Box.findChild<QLabel*>(QStringLiteral("VersionLabel"))->text().split(QStringLiteral(" | "));

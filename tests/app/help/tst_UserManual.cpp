@@ -1,6 +1,7 @@
 #include "app/help/DocumentationOpener.h"
 #include "app/help/ManualRenderer.h"
 #include "Common/ZamPreferences/ZamPreferences.h"
+#include "tests/support/TestFiles.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,12 +15,6 @@
 namespace
 {
 const QString kManualName = QStringLiteral("ZamShaderEditor.User Manual.pdf");
-
-QByteArray ReadAll(const QString& Path)
-{
-    QFile File(Path);
-    return File.open(QIODevice::ReadOnly) ? File.readAll() : QByteArray();
-}
 
 // Pages as the PDF's page objects count them (Qt writes them uncompressed).
 int PageObjects(const QByteArray& Pdf)
@@ -70,8 +65,8 @@ private slots:
 
 void tst_UserManual::builtManualIsComplete()
 {
-    const QString Pdf = QDir(qEnvironmentVariable("ZAM_BIN_DIR")).filePath(QStringLiteral("../Documentation/") + kManualName);
-    const QByteArray Bytes = ReadAll(Pdf);
+    const QString Pdf = QDir(TestFiles::BinDir()).filePath(QStringLiteral("../Documentation/") + kManualName);
+    const QByteArray Bytes = TestFiles::ReadAll(Pdf);
     QVERIFY2(Bytes.startsWith("%PDF-"), qPrintable(Pdf));
     const int iPages = PageObjects(Bytes);
     QVERIFY2(iPages >= 25, qPrintable(QString::number(iPages)));
@@ -86,7 +81,7 @@ void tst_UserManual::builtManualIsComplete()
         QVERIFY(!Page.trimmed().isEmpty());
 
     // Every heading of the source made it into the PDF, in the contents and in the text.
-    const QString Source = QString::fromUtf8(ReadAll(qEnvironmentVariable("ZAM_SOURCE_DIR") + QStringLiteral("/docs/manual.md")));
+    const QString Source = QString::fromUtf8(TestFiles::ReadAll(TestFiles::SourceDir() + QStringLiteral("/docs/manual.md")));
     const QString Words = Squeezed(Text);
     static const QRegularExpression s_Heading(QStringLiteral("^#{1,3} (.+)$"), QRegularExpression::MultilineOption);
     static const QRegularExpression s_Fence(QStringLiteral("^```.*?^```"),
@@ -120,7 +115,7 @@ void tst_UserManual::helpMenuFindsBuiltManual()
     QVERIFY(Opener.Open(nullptr, QStringLiteral("../Documentation/"), kManualName));
     QCOMPARE(Opened.size(), 1);
     QCOMPARE(QFileInfo(Opened[0]).canonicalFilePath(),
-             QFileInfo(qEnvironmentVariable("ZAM_BIN_DIR") + QStringLiteral("/../Documentation/") + kManualName).canonicalFilePath());
+             QFileInfo(TestFiles::BinDir() + QStringLiteral("/../Documentation/") + kManualName).canonicalFilePath());
 }
 
 void tst_UserManual::rendererPagesAndFailures()
@@ -133,7 +128,7 @@ void tst_UserManual::rendererPagesAndFailures()
     const QString Pdf = Dir.filePath(QStringLiteral("small.pdf"));
     QString Error;
     QCOMPARE(RenderMarkdownToPdf(Markdown, Dir.path(), Pdf, &Error), 4);
-    QCOMPARE(PageObjects(ReadAll(Pdf)), 4);
+    QCOMPARE(PageObjects(TestFiles::ReadAll(Pdf)), 4);
     const QString Text = Squeezed(PdfText(Pdf));
     if (!Text.isEmpty())
     {

@@ -1,6 +1,7 @@
 // The single instance between real processes: the host program starts the way the editor does.
 
 #include "app/instance/InstanceLocation_p.h"
+#include "tests/support/TestFiles.h"
 
 #include <QDir>
 #include <QFile>
@@ -29,7 +30,7 @@ using ProcessList = std::vector<std::unique_ptr<QProcess>>;
 
 QString HostProgram()
 {
-    return qEnvironmentVariable("ZAM_BIN_DIR") + QStringLiteral("/zam_instance_host");
+    return TestFiles::BinDir() + QStringLiteral("/zam_instance_host");
 }
 
 // One folder per test stands in for the user's runtime and temporary folders, so a test

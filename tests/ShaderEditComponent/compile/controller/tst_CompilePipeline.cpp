@@ -6,6 +6,7 @@
 #include "ShaderEditComponent/compile/controller/CShaderEditController.h"
 #include "ShaderEditComponent/compile/model/MetaTypes.h"
 #include "ShaderEditComponent/compile/model/UIString.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/compile/process/CompileCommandLine.h"
 #include "tests/support/CompileTestSupport.h"
 
@@ -271,8 +272,8 @@ void CCompilePipelineTest::EffectCompiledToFiles()
     SDelivery Delivery;
     auto pController = MakeController(Delivery);
     const QString Line = pController->GetCompileCommandLine(CompileOption_Profile, DocType_ZFXGLSLES, Output);
-    pController->OnCompileFile(CZamTHash(Source.toUtf8().constData()), CZamTString(Source.toUtf8().constData()),
-                               CZamTString(Line.toUtf8().constData()), DocType_ZFXGLSLES);
+    pController->OnCompileFile(CZamTHash(Source.toUtf8().constData()), ToZamString(Source),
+                               ToZamString(Line), DocType_ZFXGLSLES);
     QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 1, 60000);
     QCOMPARE(Delivery.LastLog, QStringLiteral("SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\n"
                                               "TexturedFS: Compile succeeded.\n"));
@@ -403,8 +404,8 @@ void CCompilePipelineTest::NamesThatLookLikeOptions()
     for (const QString& Template : Templates)
     {
         const int iBefore = Delivery.iResults;
-        pController->OnCompileFile(CZamTHash(Path.toUtf8().constData()), CZamTString(Path.toUtf8().constData()),
-                                   CZamTString(Template.toUtf8().constData()), DocType_GLSLESFragment);
+        pController->OnCompileFile(CZamTHash(Path.toUtf8().constData()), ToZamString(Path),
+                                   ToZamString(Template), DocType_GLSLESFragment);
         QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, iBefore + 1, 60000);
         QVERIFY2(Delivery.LastLog == QStringLiteral("-x.frag: Compile succeeded.\n"), qPrintable(Template + "\n" + Delivery.LastLog));
     }

@@ -3,6 +3,7 @@
 
 #include "ShaderEditComponent/compile/controller/CShaderEditController.h"
 #include "ShaderEditComponent/compile/model/MetaTypes.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/compile/process/CompilerLocator.h"
 #include "tests/support/CompileTestSupport.h"
 
@@ -18,12 +19,6 @@ using namespace CompileTest;
 namespace
 {
 const char kShader[] = "precision mediump float;\nvoid main() { gl_FragColor = vec4(1.0); }\n";
-
-bool WriteFile(const QString& Path, const QByteArray& Bytes)
-{
-    QFile File(Path);
-    return File.open(QIODevice::WriteOnly) && File.write(Bytes) == Bytes.size();
-}
 
 QStringList Entries(const QString& Folder)
 {
@@ -64,7 +59,7 @@ void CHeadlessCompileTest::initTestCase()
     QVERIFY(QFileInfo(Program("zam_headless_host")).isExecutable());
     m_PidFile = m_Temp.filePath("child.pid");
     m_OwnPidFile = m_Temp.filePath("own.pid");
-    QVERIFY(WriteFile(m_Temp.filePath("good.fsh"), kShader));
+    QVERIFY(WriteAll(m_Temp.filePath("good.fsh"), kShader));
 }
 
 void CHeadlessCompileTest::init()
@@ -98,9 +93,9 @@ void CHeadlessCompileTest::UseCompiler(const QString& Executable)
     Options.CompilerSearchPaths = {m_Temp.filePath("none")};
     CShaderEditController Controller(Options);
     Settings::SCompiler Compiler = Controller.GetCompilerSettings();
-    Compiler.CustomCompilerPath = CZamTString(Executable.toUtf8().constData());
+    Compiler.CustomCompilerPath = ToZamString(Executable);
     Compiler.uiCompilerSelection = CustomCompilerSelection;
-    Compiler.TempDirectory = CZamTString((m_TempFolder + "/").toUtf8().constData());
+    Compiler.TempDirectory = ToZamString(m_TempFolder + "/");
     Controller.SetCompilerSettings(Compiler, Settings::CompilerSetting_All);
     Controller.WaitForCompilerDetection();
 }
@@ -206,8 +201,8 @@ void CHeadlessCompileTest::EffectShadersBesideTheEffect()
 {
     UseCompiler(Fake("print"));
     QVERIFY(QDir().mkpath(m_Temp.filePath("fx")));
-    QVERIFY(WriteFile(m_Temp.filePath("fx/lit.frag"), kShader));
-    QVERIFY(WriteFile(m_Temp.filePath("fx/scene.zfx"),
+    QVERIFY(WriteAll(m_Temp.filePath("fx/lit.frag"), kShader));
+    QVERIFY(WriteAll(m_Temp.filePath("fx/scene.zfx"),
                       "[VERTEXSHADER]\nNAME vs\n[GLSL_CODE]\nvoid main() { gl_Position = vec4(0.0); }\n"
                       "[/GLSL_CODE]\n[/VERTEXSHADER]\n[FRAGMENTSHADER]\nNAME fs\nFILE lit.frag\n[/FRAGMENTSHADER]\n"
                       "[EFFECT]\nNAME e\nVERTEXSHADER vs\nFRAGMENTSHADER fs\n[/EFFECT]\n"));

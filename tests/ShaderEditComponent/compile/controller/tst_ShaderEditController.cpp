@@ -7,6 +7,7 @@
 #include "ShaderEditComponent/compile/controller/CShaderEditController.h"
 #include "ShaderEditComponent/compile/model/MetaTypes.h"
 #include "ShaderEditComponent/compile/model/UIString.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/compile/process/CompilerLocator.h"
 #include "tests/support/CompileTestSupport.h"
 
@@ -62,9 +63,9 @@ public:
     void UseCompiler(const QString& Executable, const QString& TempDirectory)
     {
         Settings::SCompiler Compiler = Controller.GetCompilerSettings();
-        Compiler.CustomCompilerPath = CZamTString(Executable.toUtf8().constData());
+        Compiler.CustomCompilerPath = ToZamString(Executable);
         Compiler.uiCompilerSelection = CustomCompilerSelection;
-        Compiler.TempDirectory = CZamTString(TempDirectory.toUtf8().constData());
+        Compiler.TempDirectory = ToZamString(TempDirectory);
         Controller.SetCompilerSettings(Compiler, Settings::CompilerSetting_All);
         Controller.WaitForCompilerDetection();
         Names.clear();
@@ -310,8 +311,8 @@ void CShaderEditControllerTest::CompileToFileWithHostileName()
 
     auto pRun = Make(Fake("print"));
     const QString Template = QStringLiteral("\"%1\" %f% \"%b%\" \"out/%b%\" -nowarn").arg(Fake("print"));
-    pRun->Controller.OnCompileFile(CZamTHash("f"), CZamTString(Source.fileName().toUtf8().constData()),
-                                   CZamTString(Template.toUtf8().constData()), DocType_GLSLESFragment);
+    pRun->Controller.OnCompileFile(CZamTHash("f"), ToZamString(Source.fileName()),
+                                   ToZamString(Template), DocType_GLSLESFragment);
     QTRY_COMPARE_WITH_TIMEOUT(pRun->iResults, 1, 30000);
     QCOMPARE(pRun->Last.iStatus, 0);
     QCOMPARE(ReadLines(Records + "/0.args"),
@@ -477,7 +478,7 @@ void CShaderEditControllerTest::SelectionResolvesExecutable()
 
     Settings::SCompiler Compiler;
     Compiler.uiCompilerSelection = Selection;
-    Compiler.CustomCompilerPath = CZamTString((Root + "/custom/cc").toUtf8().constData());
+    Compiler.CustomCompilerPath = ToZamString(Root + "/custom/cc");
     const QString Found = ResolveCompilerPath(Compiler, {Root + "/beside", Root + "/install"});
     QCOMPARE(Found, Expected.isEmpty() ? QString() : Root + "/" + Expected);
 }

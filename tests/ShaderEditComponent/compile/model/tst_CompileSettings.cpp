@@ -1,5 +1,6 @@
 #include "Common/ZamPreferences/ZamPreferences.h"
 #include "ShaderEditComponent/compile/model/Settings.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -27,11 +28,6 @@ private:
     QString m_StoreName;
     int m_iCase = 0;
 };
-
-static QString Text(const CZamTString& String)
-{
-    return QString::fromUtf8(String.GetString(), static_cast<int>(String.GetLength()));
-}
 
 static quint32 Fg(const QTextCharFormat& Format)
 {
@@ -76,8 +72,8 @@ static QMap<uint, QString> Fields(const SEditor& E)
 
 static QMap<uint, QString> Fields(const SCompiler& C)
 {
-    return {{1, QString::number(C.bAutoCompile)},   {2, Text(C.CustomCompilerPath)},
-            {8, Text(C.TempDirectory)},             {16, QString::number(Fg(C.WarningFormat))},
+    return {{1, QString::number(C.bAutoCompile)},   {2, ToQString(C.CustomCompilerPath)},
+            {8, ToQString(C.TempDirectory)},             {16, QString::number(Fg(C.WarningFormat))},
             {32, QString::number(Fg(C.ErrorFormat))}, {64, QString::number(C.bShouldFormat)},
             {128, QString::number(C.uiCompilerSelection)}};
 }
@@ -108,7 +104,7 @@ void CCompileSettingsTest::MissingFileGivesDefaults()
                                                    {16, "1"}, {32, QString::number(0xFFFFFF80u)}, {64, "0"}}));
     SCompiler Compiler = MakeCompiler(true);
     LoadCompilerSettings(Store, Compiler);
-    const QString TempDirectory = Text(Compiler.TempDirectory);
+    const QString TempDirectory = ToQString(Compiler.TempDirectory);
     QCOMPARE(Fields(Compiler), (QMap<uint, QString>{{1, "1"}, {2, ""}, {8, TempDirectory},
                                                      {16, QString::number(0xFFE25A00u)},
                                                      {32, QString::number(0xFFFF0000u)}, {64, "1"}, {128, "0"}}));
@@ -182,7 +178,7 @@ void CCompileSettingsTest::RedetectionFollowsBitOrder()
     const FCompilerChanged Record = [&](ECompilerSetting eChanged) {
         Calls << QStringLiteral("%1 %2 %3 %4 %5")
                      .arg(uint(eChanged))
-                     .arg(Text(Live.CustomCompilerPath), Text(Live.TempDirectory))
+                     .arg(ToQString(Live.CustomCompilerPath), ToQString(Live.TempDirectory))
                      .arg(Live.bAutoCompile)
                      .arg(Live.uiCompilerSelection);
     };

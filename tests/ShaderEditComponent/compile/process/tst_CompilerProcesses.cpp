@@ -3,6 +3,7 @@
 
 #include "ShaderEditComponent/compile/model/CompileOptions.h"
 #include "ShaderEditComponent/compile/model/UIString.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/compile/process/CommandRunner.h"
 #include "ShaderEditComponent/compile/process/CompileUnit.h"
 #include "tests/support/CompileTestSupport.h"
@@ -34,7 +35,7 @@ SCompileTarget TargetFor(const QString& Executable, const QString& TempDirectory
 
 QString LogOf(const SCompileResult& Result)
 {
-    return QString::fromUtf8(Result.Log.GetString(), static_cast<int>(Result.Log.GetLength()));
+    return ToQString(Result.Log);
 }
 
 // Runs the compile on a thread of its own, so that a runner that hangs fails the test
