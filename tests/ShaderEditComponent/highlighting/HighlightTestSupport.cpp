@@ -1,6 +1,7 @@
 #include "HighlightTestSupport.h"
 
 #include "Common/ZamPreferences/ZamPreferences.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlighter.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlightRules.h"
@@ -63,13 +64,14 @@ QVector<SBlockCapture> CaptureBlocks(const QTextDocument& Document, const CDisti
 
 namespace
 {
-QString DumpBlock(int iIndex, const SBlockCapture& Block)
+QString DumpBlock(int iIndex, const SBlockCapture& Block, const CDistinctScheme& Scheme)
 {
     QString Line = QStringLiteral("%1 state=%2").arg(iIndex).arg(Block.iState);
     if (Block.iEffectDataElement >= 0)
-        Line += QStringLiteral(" zfx=%1").arg(Block.iEffectDataElement);
+        Line += QStringLiteral(" zfx=%1").arg(Scheme.NameOf(Block.iEffectDataElement));
     if (Block.bUnknownFormat)
         Line += QStringLiteral(" unknown-format");
+    QStringList Runs;
     int iStart = 0;
     while (iStart < Block.Elements.size())
     {
@@ -77,29 +79,37 @@ QString DumpBlock(int iIndex, const SBlockCapture& Block)
         while (iEnd < Block.Elements.size() && Block.Elements[iEnd] == Block.Elements[iStart])
             ++iEnd;
         if (Block.Elements[iStart] >= 0)
-            Line += QStringLiteral(" %1-%2:%3").arg(iStart).arg(iEnd).arg(Block.Elements[iStart]);
+            Runs << QStringLiteral("%1 %2..%3").arg(Scheme.NameOf(Block.Elements[iStart])).arg(iStart).arg(iEnd);
         iStart = iEnd;
     }
+    if (!Runs.isEmpty())
+        Line += QLatin1Char(' ') + Runs.join(QLatin1String(", "));
     return Line;
 }
 } // namespace
 
-QString DumpBlocks(const QVector<SBlockCapture>& Blocks)
+QString CDistinctScheme::NameOf(int iElement) const
+{
+    return ToQString(m_pController->GetElementName(static_cast<unsigned int>(iElement)));
+}
+
+QString DumpBlocks(const QVector<SBlockCapture>& Blocks, const CDistinctScheme& Scheme)
 {
     QString Dump;
     for (int i = 0; i < Blocks.size(); ++i)
-        Dump += DumpBlock(i, Blocks[i]) + QLatin1Char('\n');
+        Dump += DumpBlock(i, Blocks[i], Scheme) + QLatin1Char('\n');
     return Dump;
 }
 
-QString DescribeDifference(const QVector<SBlockCapture>& Expected, const QVector<SBlockCapture>& Actual)
+QString DescribeDifference(const QVector<SBlockCapture>& Expected, const QVector<SBlockCapture>& Actual,
+                           const CDistinctScheme& Scheme)
 {
     if (Expected.size() != Actual.size())
         return QStringLiteral("block count %1, expected %2").arg(Actual.size()).arg(Expected.size());
     for (int i = 0; i < Expected.size(); ++i)
     {
         if (!(Expected[i] == Actual[i]))
-            return QStringLiteral("expected: %1\nactual:   %2").arg(DumpBlock(i, Expected[i]), DumpBlock(i, Actual[i]));
+            return QStringLiteral("expected: %1\nactual:   %2").arg(DumpBlock(i, Expected[i], Scheme), DumpBlock(i, Actual[i], Scheme));
     }
     return QString();
 }

@@ -22,6 +22,8 @@ public:
     const CShaderHighlightController* GetController() const { return m_pController.get(); }
     // -1 for a format no element has.
     int ElementOf(const QTextCharFormat& Format) const;
+    // The element's name in the colour scheme ("GLSL:ES/Keyword").
+    QString NameOf(int iElement) const;
 
 private:
     std::unique_ptr<CZamPreferences> m_pStore;
@@ -44,10 +46,12 @@ struct SBlockCapture
 };
 
 QVector<SBlockCapture> CaptureBlocks(const QTextDocument& Document, const CDistinctScheme& Scheme);
-// One line per block: its number, state, effect data and element runs ("start-end:element").
-QString DumpBlocks(const QVector<SBlockCapture>& Blocks);
+// One line per block: its number, state, the element of its effect data, and the runs of
+// characters each element painted ("4 state=0 GLSL:ES/Keyword 0..9, GLSL:ES/Code 9..10").
+QString DumpBlocks(const QVector<SBlockCapture>& Blocks, const CDistinctScheme& Scheme);
 // The first difference as readable text, or an empty string when equal.
-QString DescribeDifference(const QVector<SBlockCapture>& Expected, const QVector<SBlockCapture>& Actual);
+QString DescribeDifference(const QVector<SBlockCapture>& Expected, const QVector<SBlockCapture>& Actual,
+                           const CDistinctScheme& Scheme);
 
 // Every document type value, plain text included.
 QVector<unsigned int> AllDocumentTypes();

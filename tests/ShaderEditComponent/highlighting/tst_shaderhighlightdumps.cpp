@@ -35,7 +35,7 @@ void CShaderHighlightDumpsTest::corpusMatchesDumps()
     CShaderHighlighter Highlighter(&Document, EShaderDocType(uiType), m_Scheme.GetController());
     Highlighter.rehighlight();
     const QString Dump = QStringLiteral("# %1 as type %2\n").arg(FileName).arg(uiType) +
-                         DumpBlocks(CaptureBlocks(Document, m_Scheme));
+                         DumpBlocks(CaptureBlocks(Document, m_Scheme), m_Scheme);
 
     QFile Expected(QStringLiteral(ZAM_HIGHLIGHT_TEST_DIR "/expected/") + FileName + QStringLiteral(".dump"));
     if (qEnvironmentVariableIsSet("ZAM_REGENERATE_HIGHLIGHT_DUMPS"))

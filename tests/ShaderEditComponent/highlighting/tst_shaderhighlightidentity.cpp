@@ -144,7 +144,7 @@ void CShaderHighlightIdentityTest::documentsMatchReference()
     CShaderHighlighter Highlighter(&Actual, EShaderDocType(uiType), m_Scheme.GetController());
     Reference.rehighlight();
     Highlighter.rehighlight();
-    const QString Difference = DescribeDifference(CaptureBlocks(Expected, m_Scheme), CaptureBlocks(Actual, m_Scheme));
+    const QString Difference = DescribeDifference(CaptureBlocks(Expected, m_Scheme), CaptureBlocks(Actual, m_Scheme), m_Scheme);
     QVERIFY2(Difference.isEmpty(), qPrintable(Difference));
 }
 
@@ -185,7 +185,7 @@ void CShaderHighlightIdentityTest::editsAndTypeChangesMatchReference()
                 Cursor.insertText(Insert);
             }
         }
-        const QString Difference = DescribeDifference(CaptureBlocks(Expected, m_Scheme), CaptureBlocks(Actual, m_Scheme));
+        const QString Difference = DescribeDifference(CaptureBlocks(Expected, m_Scheme), CaptureBlocks(Actual, m_Scheme), m_Scheme);
         QVERIFY2(Difference.isEmpty(), qPrintable(QStringLiteral("edit %1: %2").arg(iEdit).arg(Difference)));
     }
 }
