@@ -76,7 +76,7 @@ QList<QPair<int, int>> Ranges(const QList<QTextEdit::ExtraSelection>& Highlights
 }
 } // namespace
 
-class CLargeDocumentTest : public QObject
+class CLargeDocumentsTest : public QObject
 {
     Q_OBJECT
 
@@ -100,13 +100,13 @@ private:
     std::unique_ptr<CShaderHighlightController> m_pHighlight;
 };
 
-void CLargeDocumentTest::initTestCase()
+void CLargeDocumentsTest::initTestCase()
 {
     RegisterCompileMetaTypes();
     m_pHighlight = std::make_unique<CShaderHighlightController>();
 }
 
-std::unique_ptr<CShaderEditPanel> CLargeDocumentTest::MakePanel(const QString& Text)
+std::unique_ptr<CShaderEditPanel> CLargeDocumentsTest::MakePanel(const QString& Text)
 {
     auto pPanel = std::make_unique<CShaderEditPanel>(nullptr, CZamTString("/tmp/large.fsh"), nullptr,
                                                      DocType_GLSLESFragment, m_pHighlight.get());
@@ -117,7 +117,7 @@ std::unique_ptr<CShaderEditPanel> CLargeDocumentTest::MakePanel(const QString& T
     return pPanel;
 }
 
-void CLargeDocumentTest::CompileRequestsCarryTheWholeText()
+void CLargeDocumentsTest::CompileRequestsCarryTheWholeText()
 {
     auto pPanel = MakePanel(QStringLiteral("void main()\n{\n\tfloat a = 1.0;\n\tgl_FragColor = vec4(a);\n}\n"));
     CShaderEditPanel* p = pPanel.get();
@@ -151,7 +151,7 @@ void CLargeDocumentTest::CompileRequestsCarryTheWholeText()
     }
 }
 
-void CLargeDocumentTest::PlainTextSurvivesUnreportedEdits()
+void CLargeDocumentsTest::PlainTextSurvivesUnreportedEdits()
 {
     // A document never reports an edit made while it reports another one.
     QTextDocument Document;
@@ -172,7 +172,7 @@ void CLargeDocumentTest::PlainTextSurvivesUnreportedEdits()
     QVERIFY(Mirror.GetText().startsWith(QLatin1String("nested line 0")));
 }
 
-void CLargeDocumentTest::ChangeRepaintsTheLinesItAffects_data()
+void CLargeDocumentsTest::ChangeRepaintsTheLinesItAffects_data()
 {
     QTest::addColumn<QString>("Typed");
     QTest::addColumn<bool>("LinesBelowChange");
@@ -181,7 +181,7 @@ void CLargeDocumentTest::ChangeRepaintsTheLinesItAffects_data()
     QTest::newRow("a comment that stays open") << QStringLiteral("/*") << true;
 }
 
-void CLargeDocumentTest::ChangeRepaintsTheLinesItAffects()
+void CLargeDocumentsTest::ChangeRepaintsTheLinesItAffects()
 {
     QFETCH(QString, Typed);
     QFETCH(bool, LinesBelowChange);
@@ -205,7 +205,7 @@ void CLargeDocumentTest::ChangeRepaintsTheLinesItAffects()
     QCOMPARE(bCommented, Typed == QStringLiteral("/*"));
 }
 
-void CLargeDocumentTest::HighlightsFollowTheViewport()
+void CLargeDocumentsTest::HighlightsFollowTheViewport()
 {
     auto pPanel = MakePanel(Lines(3000, QStringLiteral("line %1 word")));
     pPanel->SetHighlightSelections(CShaderEditPanel::Highlight_FindResults,
@@ -244,7 +244,7 @@ void CLargeDocumentTest::HighlightsFollowTheViewport()
     QVERIFY(pPanel->extraSelections().isEmpty());
 }
 
-void CLargeDocumentTest::CursorMatchesAreTheDocumentSearchsMatches_data()
+void CLargeDocumentsTest::CursorMatchesAreTheDocumentSearchsMatches_data()
 {
     QTest::addColumn<QString>("Line");
     QTest::addColumn<QString>("Word");
@@ -260,7 +260,7 @@ void CLargeDocumentTest::CursorMatchesAreTheDocumentSearchsMatches_data()
     QTest::newRow("non-breaking spaces") << QStringLiteral("half\u00a0half,half\u00a0xhalf") << QStringLiteral("half");
 }
 
-void CLargeDocumentTest::CursorMatchesAreTheDocumentSearchsMatches()
+void CLargeDocumentsTest::CursorMatchesAreTheDocumentSearchsMatches()
 {
     QFETCH(QString, Line);
     QFETCH(QString, Word);
@@ -291,5 +291,5 @@ void CLargeDocumentTest::CursorMatchesAreTheDocumentSearchsMatches()
     QCOMPARE(Columns.last().at(0).toInt(), 3);
 }
 
-QTEST_MAIN(CLargeDocumentTest)
+QTEST_MAIN(CLargeDocumentsTest)
 #include "tst_LargeDocuments.moc"

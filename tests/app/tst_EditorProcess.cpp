@@ -93,16 +93,16 @@ QByteArray StoredPath(const QString& Path)
 }
 } // namespace
 
-class tst_EditorProcess : public QObject
+class CEditorProcessTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void informationNeedsNoDisplay();
-    void secondStartsHandOverToTheEditor();
+    void InformationNeedsNoDisplay();
+    void SecondStartsHandOverToTheEditor();
 };
 
-void tst_EditorProcess::informationNeedsNoDisplay()
+void CEditorProcessTest::InformationNeedsNoDisplay()
 {
     QProcessEnvironment Environment = QProcessEnvironment::systemEnvironment();
     // A window system that is not there: any attempt to open a window would fail.
@@ -122,7 +122,7 @@ void tst_EditorProcess::informationNeedsNoDisplay()
     }
 }
 
-void tst_EditorProcess::secondStartsHandOverToTheEditor()
+void CEditorProcessTest::SecondStartsHandOverToTheEditor()
 {
     CUser User;
     const QString Shader = User.File(QStringLiteral("handed over.frag"));
@@ -148,5 +148,5 @@ void tst_EditorProcess::secondStartsHandOverToTheEditor()
     Next.waitForFinished(s_iWaitMs);
 }
 
-QTEST_GUILESS_MAIN(tst_EditorProcess)
+QTEST_GUILESS_MAIN(CEditorProcessTest)
 #include "tst_EditorProcess.moc"

@@ -52,22 +52,22 @@ QString PanelText(const ZamShaderEditorWindow& Window, int iTab)
 }
 } // namespace
 
-class tst_MainWindow : public QObject
+class CMainWindowTest : public QObject
 {
     Q_OBJECT
 
 private slots:
     void initTestCase();
     void init();
-    void menusToolBarAndActions();
-    void actionsReachTheEditor();
-    void commandsFollowTheEditor();
-    void sessionAndCloseSequence();
-    void firstStartShowsAnExample();
-    void dragAndDropOpensEachFile();
-    void recentFilesAndAppMessages();
-    void outputDocksShowRealCompiles();
-    void logDoubleClickMovesTheCursor();
+    void MenusToolBarAndActions();
+    void ActionsReachTheEditor();
+    void CommandsFollowTheEditor();
+    void SessionAndCloseSequence();
+    void FirstStartShowsAnExample();
+    void DragAndDropOpensEachFile();
+    void RecentFilesAndAppMessages();
+    void OutputDocksShowRealCompiles();
+    void LogDoubleClickMovesTheCursor();
 
 private:
     QString NewFile(const QString& Name, const QByteArray& Text = s_pFragment);
@@ -77,13 +77,13 @@ private:
     std::unique_ptr<CGUIController> m_pGUI;
 };
 
-void tst_MainWindow::initTestCase()
+void CMainWindowTest::initTestCase()
 {
     RegisterCompileMetaTypes();
     QVERIFY(m_Config.isValid() && m_Files.isValid());
 }
 
-void tst_MainWindow::init()
+void CMainWindowTest::init()
 {
     qputenv("XDG_CONFIG_HOME", m_Config.path().toUtf8());
     m_pGUI.reset();
@@ -92,14 +92,14 @@ void tst_MainWindow::init()
     m_pGUI = NewGUIController();
 }
 
-QString tst_MainWindow::NewFile(const QString& Name, const QByteArray& Text)
+QString CMainWindowTest::NewFile(const QString& Name, const QByteArray& Text)
 {
     const QString Path = m_Files.filePath(Name);
     WriteAll(Path, Text);
     return Path;
 }
 
-void tst_MainWindow::menusToolBarAndActions()
+void CMainWindowTest::MenusToolBarAndActions()
 {
     auto pWindow = NewWindow(*m_pGUI);
     const SMainWindowUi& Ui = pWindow->GetUi();
@@ -144,7 +144,7 @@ void tst_MainWindow::menusToolBarAndActions()
     QVERIFY(pWindow->findChild<QDockWidget*>(QStringLiteral("FindDock"))->isHidden());
 }
 
-void tst_MainWindow::actionsReachTheEditor()
+void CMainWindowTest::ActionsReachTheEditor()
 {
     const QString Path = NewFile(QStringLiteral("edit.frag"), "void main()\n{\n}\n");
     auto pWindow = NewWindow(*m_pGUI, {Path});
@@ -218,7 +218,7 @@ void tst_MainWindow::actionsReachTheEditor()
     QVERIFY(!pWindow->isVisible());
 }
 
-void tst_MainWindow::commandsFollowTheEditor()
+void CMainWindowTest::CommandsFollowTheEditor()
 {
     auto pWindow = NewWindow(*m_pGUI);
     const SMainWindowUi& Ui = pWindow->GetUi();
@@ -259,7 +259,7 @@ void tst_MainWindow::commandsFollowTheEditor()
     QCOMPARE(pWindow->GetEditor()->GetTabCount(), 1);
 }
 
-void tst_MainWindow::sessionAndCloseSequence()
+void CMainWindowTest::SessionAndCloseSequence()
 {
     const QString First = NewFile(QStringLiteral("one.frag"));
     const QString Second = NewFile(QStringLiteral("two.vert"), "void main() { gl_Position = vec4(1.0); }\n");
@@ -309,7 +309,7 @@ void tst_MainWindow::sessionAndCloseSequence()
     QCOMPARE(NewGUIController()->LoadLastOpenTabs().GetSize(), 0u);
 }
 
-void tst_MainWindow::firstStartShowsAnExample()
+void CMainWindowTest::FirstStartShowsAnExample()
 {
     {
         auto pWindow = NewWindow(*m_pGUI, {}, true);
@@ -322,7 +322,7 @@ void tst_MainWindow::firstStartShowsAnExample()
     QCOMPARE(pWindow->GetEditor()->GetTabCount(), 0);
 }
 
-void tst_MainWindow::dragAndDropOpensEachFile()
+void CMainWindowTest::DragAndDropOpensEachFile()
 {
     auto pWindow = NewWindow(*m_pGUI);
     pWindow->show();
@@ -347,7 +347,7 @@ void tst_MainWindow::dragAndDropOpensEachFile()
     QVERIFY(!Refused.isAccepted());
 }
 
-void tst_MainWindow::recentFilesAndAppMessages()
+void CMainWindowTest::RecentFilesAndAppMessages()
 {
     auto pWindow = NewWindow(*m_pGUI);
     const QString First = NewFile(QStringLiteral("r1.frag"));
@@ -383,7 +383,7 @@ void tst_MainWindow::recentFilesAndAppMessages()
     QCOMPARE(ToQString(pWindow->GetEditor()->GetPanel(0)->GetFilename()), Second);
 }
 
-void tst_MainWindow::outputDocksShowRealCompiles()
+void CMainWindowTest::OutputDocksShowRealCompiles()
 {
     const QString Effect = QDir(SourceDir()).filePath(QStringLiteral("examples/bloom_postprocess.zfx"));
     QVERIFY2(QFile::exists(Effect), qPrintable(Effect));
@@ -422,7 +422,7 @@ void tst_MainWindow::outputDocksShowRealCompiles()
     QVERIFY(bSomeLineCounted);
 }
 
-void tst_MainWindow::logDoubleClickMovesTheCursor()
+void CMainWindowTest::LogDoubleClickMovesTheCursor()
 {
     const QString Broken = NewFile(QStringLiteral("broken.frag"), "#version 300 es\n"
                                                                   "precision mediump float;\n"
@@ -445,5 +445,5 @@ void tst_MainWindow::logDoubleClickMovesTheCursor()
     QVERIFY(pPanel->hasFocus());
 }
 
-QTEST_MAIN(tst_MainWindow)
+QTEST_MAIN(CMainWindowTest)
 #include "tst_MainWindow.moc"

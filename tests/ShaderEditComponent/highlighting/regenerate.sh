@@ -4,8 +4,8 @@
 set -euo pipefail
 here="$(cd "$(dirname "$0")" && pwd)"
 build="${1:-$here/../../../build}"
-cmake --build "$build" --target tst_shaderhighlightdumps -j2
+cmake --build "$build" --target tst_ShaderHighlightDumps -j2
 mkdir -p "$here/expected"
-test_binary="$(find "$build" -type f -name tst_shaderhighlightdumps -perm -u+x | head -n 1)"
+test_binary="$(find "$build" -type f -name tst_ShaderHighlightDumps -perm -u+x | head -n 1)"
 QT_QPA_PLATFORM=offscreen XDG_CONFIG_HOME="$(mktemp -d)" ZAM_REGENERATE_HIGHLIGHT_DUMPS=1 "$test_binary"
 echo "Dumps written to $here/expected"

@@ -42,24 +42,24 @@ QStringList MenuEntries(const QMenu& Menu)
 }
 } // namespace
 
-class tst_GUIController : public QObject
+class CGUIControllerTest : public QObject
 {
     Q_OBJECT
 
 private slots:
     void init();
-    void generalSettingsDefaultsAndMasks();
-    void layoutAndTabsSurviveARestart();
-    void oneStoreServesEveryController();
-    void aFailedSaveIsReportedOnce();
-    void recentFiles();
+    void GeneralSettingsDefaultsAndMasks();
+    void LayoutAndTabsSurviveARestart();
+    void OneStoreServesEveryController();
+    void AFailedSaveIsReportedOnce();
+    void RecentFiles();
 
 private:
     QTemporaryDir m_Config;
     QTemporaryDir m_Files;
 };
 
-void tst_GUIController::init()
+void CGUIControllerTest::init()
 {
     // Every test starts as a first start: no preference file.
     QVERIFY(m_Config.isValid());
@@ -68,7 +68,7 @@ void tst_GUIController::init()
     QDir().mkpath(m_Config.path());
 }
 
-void tst_GUIController::generalSettingsDefaultsAndMasks()
+void CGUIControllerTest::GeneralSettingsDefaultsAndMasks()
 {
     auto pController = NewController();
     const Settings::SGeneral& First = pController->GetGeneralSettings();
@@ -101,7 +101,7 @@ void tst_GUIController::generalSettingsDefaultsAndMasks()
     QCOMPARE(ToQString(Reloaded.LastDirectory), QStringLiteral("/second"));
 }
 
-void tst_GUIController::layoutAndTabsSurviveARestart()
+void CGUIControllerTest::LayoutAndTabsSurviveARestart()
 {
     QByteArray SavedState;
     {
@@ -140,7 +140,7 @@ void tst_GUIController::layoutAndTabsSurviveARestart()
     QCOMPARE(NewController()->LoadLastOpenTabs().GetSize(), 0u);
 }
 
-void tst_GUIController::oneStoreServesEveryController()
+void CGUIControllerTest::OneStoreServesEveryController()
 {
     {
         auto pGUI = NewController();
@@ -180,7 +180,7 @@ void tst_GUIController::oneStoreServesEveryController()
     QCOMPARE(pGUI->GetGeneralSettings().bOpenLastTabs, true);
 }
 
-void tst_GUIController::aFailedSaveIsReportedOnce()
+void CGUIControllerTest::AFailedSaveIsReportedOnce()
 {
     auto pController = NewController();
     // A folder where the temporary copy must go makes every write fail, whoever runs this.
@@ -216,7 +216,7 @@ void tst_GUIController::aFailedSaveIsReportedOnce()
     QCOMPARE(PreferenceFileBytes(), Before);
 }
 
-void tst_GUIController::recentFiles()
+void CGUIControllerTest::RecentFiles()
 {
     CZamPreferences Store(QStringLiteral("ZamShaderEditor"));
     Store.Load();
@@ -273,5 +273,5 @@ void tst_GUIController::recentFiles()
     QVERIFY(Reloaded.GetStringArray(QStringLiteral("Open/Recent files")).isEmpty());
 }
 
-QTEST_MAIN(tst_GUIController)
+QTEST_MAIN(CGUIControllerTest)
 #include "tst_GUIController.moc"

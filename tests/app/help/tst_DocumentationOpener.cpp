@@ -54,35 +54,35 @@ struct SRecorder
 };
 } // namespace
 
-class tst_DocumentationOpener : public QObject
+class CDocumentationOpenerTest : public QObject
 {
     Q_OBJECT
 
 private slots:
     void initTestCase();
     void init();
-    void candidatesInOrder();
-    void firstCandidateThatOpensWins();
-    void missingFileIsLocatedOnceAndRemembered();
-    void failuresAreReported();
+    void CandidatesInOrder();
+    void FirstCandidateThatOpensWins();
+    void MissingFileIsLocatedOnceAndRemembered();
+    void FailuresAreReported();
 
 private:
     QTemporaryDir m_Config;
     QTemporaryDir m_Files;
 };
 
-void tst_DocumentationOpener::initTestCase()
+void CDocumentationOpenerTest::initTestCase()
 {
     QVERIFY(m_Config.isValid() && m_Files.isValid());
     qputenv("XDG_CONFIG_HOME", m_Config.path().toUtf8());
 }
 
-void tst_DocumentationOpener::init()
+void CDocumentationOpenerTest::init()
 {
     QFile::remove(LoadStore()->GetFilePath());
 }
 
-void tst_DocumentationOpener::candidatesInOrder()
+void CDocumentationOpenerTest::CandidatesInOrder()
 {
     const QString AppDir = QCoreApplication::applicationDirPath();
     std::unique_ptr<CZamPreferences> pStore = LoadStore();
@@ -103,7 +103,7 @@ void tst_DocumentationOpener::candidatesInOrder()
     QCOMPARE(Opener.Candidates(m_Files.path(), kFileName).value(1), QDir(m_Files.path()).filePath(kFileName));
 }
 
-void tst_DocumentationOpener::firstCandidateThatOpensWins()
+void CDocumentationOpenerTest::FirstCandidateThatOpensWins()
 {
     const QString Folder = m_Files.filePath(QStringLiteral("docs"));
     const QString InFolder = QDir(Folder).filePath(kFileName);
@@ -130,7 +130,7 @@ void tst_DocumentationOpener::firstCandidateThatOpensWins()
     QVERIFY(Recorder.Warnings.isEmpty());
 }
 
-void tst_DocumentationOpener::missingFileIsLocatedOnceAndRemembered()
+void CDocumentationOpenerTest::MissingFileIsLocatedOnceAndRemembered()
 {
     const QString Empty = m_Files.filePath(QStringLiteral("empty"));
     QVERIFY(QDir().mkpath(Empty));
@@ -159,7 +159,7 @@ void tst_DocumentationOpener::missingFileIsLocatedOnceAndRemembered()
     QVERIFY(Recorder.Warnings.isEmpty() && Recorder.ChooserCalls.isEmpty());
 }
 
-void tst_DocumentationOpener::failuresAreReported()
+void CDocumentationOpenerTest::FailuresAreReported()
 {
     const QString Empty = m_Files.filePath(QStringLiteral("nothing-here"));
     std::unique_ptr<CZamPreferences> pStore = LoadStore();
@@ -195,5 +195,5 @@ void tst_DocumentationOpener::failuresAreReported()
     QVERIFY(!LoadStore()->HasKey(kKey));
 }
 
-QTEST_GUILESS_MAIN(tst_DocumentationOpener)
+QTEST_GUILESS_MAIN(CDocumentationOpenerTest)
 #include "tst_DocumentationOpener.moc"

@@ -53,21 +53,21 @@ void VerifyClean(const SCompileRun& Run, int iUnits, const QString& What)
 }
 } // namespace
 
-class tst_Examples : public QObject
+class CExamplesTest : public QObject
 {
     Q_OBJECT
 
 private slots:
     void initTestCase();
-    void everyExampleCompilesCleanly();
-    void glslExamplesCompileOnEveryCore();
-    void examplesAreBesideTheBuild();
+    void EveryExampleCompilesCleanly();
+    void GlslExamplesCompileOnEveryCore();
+    void ExamplesAreBesideTheBuild();
 
 private:
     QTemporaryDir m_Config;
 };
 
-void tst_Examples::initTestCase()
+void CExamplesTest::initTestCase()
 {
     // The command-line compile reads the user's preferences; it gets an empty folder.
     QVERIFY(m_Config.isValid());
@@ -75,7 +75,7 @@ void tst_Examples::initTestCase()
     QVERIFY(ExampleShaders().size() >= 5);
 }
 
-void tst_Examples::everyExampleCompilesCleanly()
+void CExamplesTest::EveryExampleCompilesCleanly()
 {
     QStringList Kinds;
     for (const QFileInfo& Example : ExampleShaders())
@@ -89,7 +89,7 @@ void tst_Examples::everyExampleCompilesCleanly()
         QVERIFY2(Kinds.contains(QString::fromLatin1(pKind)), pKind);
 }
 
-void tst_Examples::glslExamplesCompileOnEveryCore()
+void CExamplesTest::GlslExamplesCompileOnEveryCore()
 {
     QStringList Files;
     int iUnits = 0;
@@ -105,7 +105,7 @@ void tst_Examples::glslExamplesCompileOnEveryCore()
                     QString::fromLatin1(pCore));
 }
 
-void tst_Examples::examplesAreBesideTheBuild()
+void CExamplesTest::ExamplesAreBesideTheBuild()
 {
     // Where the program looks for them, from its own folder, in a build as when installed.
     const QDir Beside(TestFiles::BinDir() + QStringLiteral("/../share/zamshadereditor/examples"));
@@ -118,5 +118,5 @@ void tst_Examples::examplesAreBesideTheBuild()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_Examples)
+QTEST_GUILESS_MAIN(CExamplesTest)
 #include "tst_Examples.moc"

@@ -76,34 +76,34 @@ void AnswerNextMessageBox(QString& Title, QString& Text)
 }
 } // namespace
 
-class tst_HelpDialogs : public QObject
+class CHelpDialogsTest : public QObject
 {
     Q_OBJECT
 
 private slots:
     void initTestCase();
     void init();
-    void aboutBoxShowAtStartupPersists();
-    void aboutBoxWidgetsAndLinks();
-    void feedbackIdentifiesBuildAndMailLink();
-    void updateCheckTellsInstalledVersion();
+    void AboutBoxShowAtStartupPersists();
+    void AboutBoxWidgetsAndLinks();
+    void FeedbackIdentifiesBuildAndMailLink();
+    void UpdateCheckTellsInstalledVersion();
 
 private:
     QTemporaryDir m_Config;
 };
 
-void tst_HelpDialogs::initTestCase()
+void CHelpDialogsTest::initTestCase()
 {
     QVERIFY(m_Config.isValid());
     qputenv("XDG_CONFIG_HOME", m_Config.path().toUtf8());
 }
 
-void tst_HelpDialogs::init()
+void CHelpDialogsTest::init()
 {
     QFile::remove(LoadStore()->GetFilePath());
 }
 
-void tst_HelpDialogs::aboutBoxShowAtStartupPersists()
+void CHelpDialogsTest::AboutBoxShowAtStartupPersists()
 {
     // First start: no preference yet, the splash shows and offers to stay.
     {
@@ -150,7 +150,7 @@ void tst_HelpDialogs::aboutBoxShowAtStartupPersists()
     QCOMPARE(Bytes.count("<key>ShowSplash</key>"), 1);
 }
 
-void tst_HelpDialogs::aboutBoxWidgetsAndLinks()
+void CHelpDialogsTest::AboutBoxWidgetsAndLinks()
 {
     std::unique_ptr<CZamPreferences> pStore = LoadStore();
     CAboutBoxDialog Box(nullptr, kAppText, kSplash, *pStore, true);
@@ -204,7 +204,7 @@ void tst_HelpDialogs::aboutBoxWidgetsAndLinks()
     QVERIFY(Opened[1].host().endsWith(QStringLiteral(".example")));
 }
 
-void tst_HelpDialogs::feedbackIdentifiesBuildAndMailLink()
+void CHelpDialogsTest::FeedbackIdentifiesBuildAndMailLink()
 {
     // Characters that a hand-built link would get wrong.
     const QString AppText = QStringLiteral("Zam & Co \u00FCber+50% #1?");
@@ -258,7 +258,7 @@ void tst_HelpDialogs::feedbackIdentifiesBuildAndMailLink()
     QVERIFY(!Dialog.isVisible());
 }
 
-void tst_HelpDialogs::updateCheckTellsInstalledVersion()
+void CHelpDialogsTest::UpdateCheckTellsInstalledVersion()
 {
     QWidget Window;
     CUpdateChecker Checker(QStringLiteral("ZamShaderEditor"), &Window);
@@ -271,5 +271,5 @@ void tst_HelpDialogs::updateCheckTellsInstalledVersion()
     QVERIFY(Text.contains(QStringLiteral("package manager")));
 }
 
-QTEST_MAIN(tst_HelpDialogs)
+QTEST_MAIN(CHelpDialogsTest)
 #include "tst_HelpDialogs.moc"

@@ -53,17 +53,17 @@ QString Squeezed(QString Text)
 }
 } // namespace
 
-class tst_UserManual : public QObject
+class CUserManualTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void builtManualIsComplete();
-    void helpMenuFindsBuiltManual();
-    void rendererPagesAndFailures();
+    void BuiltManualIsComplete();
+    void HelpMenuFindsBuiltManual();
+    void RendererPagesAndFailures();
 };
 
-void tst_UserManual::builtManualIsComplete()
+void CUserManualTest::BuiltManualIsComplete()
 {
     const QString Pdf = QDir(TestFiles::BinDir()).filePath(QStringLiteral("../Documentation/") + kManualName);
     const QByteArray Bytes = TestFiles::ReadAll(Pdf);
@@ -99,7 +99,7 @@ void tst_UserManual::builtManualIsComplete()
         QVERIFY2(Words.contains(QString::fromLatin1(pPhrase)), pPhrase);
 }
 
-void tst_UserManual::helpMenuFindsBuiltManual()
+void CUserManualTest::HelpMenuFindsBuiltManual()
 {
     // From the build's executables, "../Documentation/" is where the build puts the manual.
     QTemporaryDir Config;
@@ -118,7 +118,7 @@ void tst_UserManual::helpMenuFindsBuiltManual()
              QFileInfo(TestFiles::BinDir() + QStringLiteral("/../Documentation/") + kManualName).canonicalFilePath());
 }
 
-void tst_UserManual::rendererPagesAndFailures()
+void CUserManualTest::RendererPagesAndFailures()
 {
     QTemporaryDir Dir;
     const QString Markdown = QStringLiteral(
@@ -147,5 +147,5 @@ void tst_UserManual::rendererPagesAndFailures()
     QVERIFY(!Error.isEmpty());
 }
 
-QTEST_MAIN(tst_UserManual)
+QTEST_MAIN(CUserManualTest)
 #include "tst_UserManual.moc"

@@ -18,15 +18,15 @@ class CShaderHighlighterTest : public QObject
     Q_OBJECT
 
 private slots:
-    void spansTakeTheRightElement_data();
-    void spansTakeTheRightElement();
-    void plainTextGetsNoFormats();
-    void unterminatedCommentColoursFollowingBlocks();
-    void codeSectionsAreGLSLES_data();
-    void codeSectionsAreGLSLES();
-    void typeIsRequestedAtEveryBlock();
-    void badInputFinishes_data();
-    void badInputFinishes();
+    void SpansTakeTheRightElement_data();
+    void SpansTakeTheRightElement();
+    void PlainTextGetsNoFormats();
+    void UnterminatedCommentColoursFollowingBlocks();
+    void CodeSectionsAreGLSLES_data();
+    void CodeSectionsAreGLSLES();
+    void TypeIsRequestedAtEveryBlock();
+    void BadInputFinishes_data();
+    void BadInputFinishes();
 
 private:
     QVector<SBlockCapture> Highlight(const QString& Text, unsigned int uiType);
@@ -54,7 +54,7 @@ int CShaderHighlighterTest::SpanElement(const SBlockCapture& Block, int iStart, 
     return Block.Elements[iStart];
 }
 
-void CShaderHighlighterTest::spansTakeTheRightElement_data()
+void CShaderHighlighterTest::SpansTakeTheRightElement_data()
 {
     QTest::addColumn<unsigned int>("uiType");
     QTest::addColumn<QString>("Text");
@@ -103,7 +103,7 @@ void CShaderHighlighterTest::spansTakeTheRightElement_data()
     Row("the same hash line in code", 1, "#define X 1", 0, 11, HighlightElement_GLSLESPreprocessor);
 }
 
-void CShaderHighlighterTest::spansTakeTheRightElement()
+void CShaderHighlighterTest::SpansTakeTheRightElement()
 {
     QFETCH(unsigned int, uiType);
     QFETCH(QString, Text);
@@ -113,7 +113,7 @@ void CShaderHighlighterTest::spansTakeTheRightElement()
     QCOMPARE(SpanElement(Highlight(Text, uiType)[0], iStart, iEnd), iElement);
 }
 
-void CShaderHighlighterTest::plainTextGetsNoFormats()
+void CShaderHighlighterTest::PlainTextGetsNoFormats()
 {
     const QString Text = ReadCorpusFile(QStringLiteral("textured_effect.zfx")) + ReadCorpusFile(QStringLiteral("edge_cases.vsh"));
     for (unsigned int uiType : {unsigned(DocType_PlainText), unsigned(DocType_Detect)})
@@ -127,7 +127,7 @@ void CShaderHighlighterTest::plainTextGetsNoFormats()
     }
 }
 
-void CShaderHighlighterTest::unterminatedCommentColoursFollowingBlocks()
+void CShaderHighlighterTest::UnterminatedCommentColoursFollowingBlocks()
 {
     const int Comment = HighlightElement_GLSLComment;
     QTextDocument Document(QStringLiteral("a /* b\nvec4 c;\n\nd */ e\nvec4"));
@@ -154,14 +154,14 @@ void CShaderHighlighterTest::unterminatedCommentColoursFollowingBlocks()
     QCOMPARE(SpanElement(Blocks[3], 0, 6), int(HighlightElement_GLSLCode)); // a lone "*/" is plain code
 }
 
-void CShaderHighlighterTest::codeSectionsAreGLSLES_data()
+void CShaderHighlighterTest::CodeSectionsAreGLSLES_data()
 {
     QTest::addColumn<unsigned int>("uiType");
     QTest::newRow("GLSL:ES effect") << 16u;
     QTest::newRow("GLSL effect") << 32u;
 }
 
-void CShaderHighlighterTest::codeSectionsAreGLSLES()
+void CShaderHighlighterTest::CodeSectionsAreGLSLES()
 {
     QFETCH(unsigned int, uiType);
     const QStringList Lines = {
@@ -193,7 +193,7 @@ void CShaderHighlighterTest::codeSectionsAreGLSLES()
     QCOMPARE(States, (QVector<int>{0, 0, 2, 2, 6, 2, 0, 0, 0}));
 }
 
-void CShaderHighlighterTest::typeIsRequestedAtEveryBlock()
+void CShaderHighlighterTest::TypeIsRequestedAtEveryBlock()
 {
     QTextDocument Document(QStringLiteral("kernel\nvec4\n\nkernel"));
     CShaderHighlighter Highlighter(&Document, DocType_GLSLESVertex, m_Scheme.GetController());
@@ -225,7 +225,7 @@ void CShaderHighlighterTest::typeIsRequestedAtEveryBlock()
     }
 }
 
-void CShaderHighlighterTest::badInputFinishes_data()
+void CShaderHighlighterTest::BadInputFinishes_data()
 {
     QTest::addColumn<QString>("Text");
     QTest::addColumn<unsigned int>("uiType");
@@ -254,7 +254,7 @@ void CShaderHighlighterTest::badInputFinishes_data()
     QTest::newRow("section never closed") << OpenSection << 16u << 2 << 2;
 }
 
-void CShaderHighlighterTest::badInputFinishes()
+void CShaderHighlighterTest::BadInputFinishes()
 {
     QFETCH(QString, Text);
     QFETCH(unsigned int, uiType);
@@ -267,4 +267,4 @@ void CShaderHighlighterTest::badInputFinishes()
 }
 
 QTEST_MAIN(CShaderHighlighterTest)
-#include "tst_shaderhighlighter.moc"
+#include "tst_ShaderHighlighter.moc"

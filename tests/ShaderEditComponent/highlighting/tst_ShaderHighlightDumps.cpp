@@ -13,21 +13,21 @@ class CShaderHighlightDumpsTest : public QObject
     Q_OBJECT
 
 private slots:
-    void corpusMatchesDumps_data();
-    void corpusMatchesDumps();
+    void CorpusMatchesDumps_data();
+    void CorpusMatchesDumps();
 
 private:
     CDistinctScheme m_Scheme;
 };
 
-void CShaderHighlightDumpsTest::corpusMatchesDumps_data()
+void CShaderHighlightDumpsTest::CorpusMatchesDumps_data()
 {
     QTest::addColumn<QString>("FileName");
     for (const QString& File : CorpusFiles())
         QTest::newRow(qPrintable(File)) << File;
 }
 
-void CShaderHighlightDumpsTest::corpusMatchesDumps()
+void CShaderHighlightDumpsTest::CorpusMatchesDumps()
 {
     QFETCH(QString, FileName);
     const unsigned int uiType = DocumentTypeOfFile(FileName);
@@ -56,4 +56,4 @@ void CShaderHighlightDumpsTest::corpusMatchesDumps()
 }
 
 QTEST_MAIN(CShaderHighlightDumpsTest)
-#include "tst_shaderhighlightdumps.moc"
+#include "tst_ShaderHighlightDumps.moc"

@@ -54,7 +54,7 @@ extern "C" const char* __asan_default_options()
     return "allocator_may_return_null=1";
 }
 
-class CTestZamTools : public QObject
+class CZamToolsTest : public QObject
 {
     Q_OBJECT
 
@@ -80,7 +80,7 @@ private slots:
     void SkipGraphLargeOrder();
 };
 
-void CTestZamTools::Hash_data()
+void CZamToolsTest::Hash_data()
 {
     QTest::addColumn<QByteArray>("data");
     QTest::addColumn<uint>("expected");
@@ -93,7 +93,7 @@ void CTestZamTools::Hash_data()
     QTest::newRow("collision 2") << QByteArray("i67snlp7") << 0x049A8433u;
 }
 
-void CTestZamTools::Hash()
+void CZamToolsTest::Hash()
 {
     QFETCH(QByteArray, data);
     QFETCH(uint, expected);
@@ -104,7 +104,7 @@ void CTestZamTools::Hash()
         QCOMPARE(CZamTHash(data.constData()).GetValue(), expected);
 }
 
-void CTestZamTools::HashEquality()
+void CZamToolsTest::HashEquality()
 {
     QCOMPARE(CZamTHash().GetValue(), 0u);
     QCOMPARE(CZamTHash(static_cast<const char*>(nullptr)).GetValue(), 0u);
@@ -125,7 +125,7 @@ void CTestZamTools::HashEquality()
     QCOMPARE(Map[CZamTHash("kb6e8a25")], 4);
 }
 
-void CTestZamTools::StringSubString_data()
+void CZamToolsTest::StringSubString_data()
 {
     QTest::addColumn<uint>("start");
     QTest::addColumn<uint>("length");
@@ -138,7 +138,7 @@ void CTestZamTools::StringSubString_data()
     QTest::newRow("zero length") << 0u << 0u << QByteArray();
 }
 
-void CTestZamTools::StringSubString()
+void CZamToolsTest::StringSubString()
 {
     QFETCH(uint, start);
     QFETCH(uint, length);
@@ -148,7 +148,7 @@ void CTestZamTools::StringSubString()
     QCOMPARE(Sub.GetString()[Sub.GetLength()], '\0');
 }
 
-void CTestZamTools::StringReplace_data()
+void CZamToolsTest::StringReplace_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QByteArray>("from");
@@ -163,7 +163,7 @@ void CTestZamTools::StringReplace_data()
     QTest::newRow("whole") << QByteArray("ab") << QByteArray("ab") << QByteArray() << QByteArray();
 }
 
-void CTestZamTools::StringReplace()
+void CZamToolsTest::StringReplace()
 {
     QFETCH(QByteArray, text);
     QFETCH(QByteArray, from);
@@ -175,7 +175,7 @@ void CTestZamTools::StringReplace()
     QCOMPARE(String.GetString()[String.GetLength()], '\0');
 }
 
-void CTestZamTools::StringEditing()
+void CZamToolsTest::StringEditing()
 {
     CZamTString String;
     QVERIFY(String.IsEmpty());
@@ -215,7 +215,7 @@ void CTestZamTools::StringEditing()
     QVERIFY(String == "");
 }
 
-void CTestZamTools::StringFormat()
+void CZamToolsTest::StringFormat()
 {
     CZamTString String("old");
     const QByteArray Long(5000, 'q');
@@ -230,7 +230,7 @@ void CTestZamTools::StringFormat()
     QVERIFY(String == "");
 }
 
-void CTestZamTools::StringComparison()
+void CZamToolsTest::StringComparison()
 {
     const CZamTString WithNul("ab\0c", 4);
     QCOMPARE(WithNul.GetLength(), 4u);
@@ -250,7 +250,7 @@ void CTestZamTools::StringComparison()
     QVERIFY(!(CZamTString("ab") < CZamTString("ab")));
 }
 
-void CTestZamTools::ArrayGrowth()
+void CZamToolsTest::ArrayGrowth()
 {
     CZamTArray<int> Array;
     QCOMPARE(Array.GetCapacity(), 16u);
@@ -290,7 +290,7 @@ void CTestZamTools::ArrayGrowth()
     QCOMPARE(AssignOnly[39].iValue, 39);
 }
 
-void CTestZamTools::ArrayRemoval()
+void CZamToolsTest::ArrayRemoval()
 {
     CZamTArray<int> Array;
     QCOMPARE(Array.Remove(0), 1);
@@ -314,7 +314,7 @@ void CTestZamTools::ArrayRemoval()
     QCOMPARE(Array.RemoveLast(), 1);
 }
 
-void CTestZamTools::ArrayCopyAndMove()
+void CZamToolsTest::ArrayCopyAndMove()
 {
     CZamTArray<CZamTString> Original;
     for (int i = 0; i < 20; ++i)
@@ -343,7 +343,7 @@ void CTestZamTools::ArrayCopyAndMove()
     QCOMPARE(Moved.GetSize(), 1u);
 }
 
-void CTestZamTools::ArrayFailedAllocation()
+void CZamToolsTest::ArrayFailedAllocation()
 {
     static SHuge Item;
     Item.Bytes[7] = 'k';
@@ -357,7 +357,7 @@ void CTestZamTools::ArrayFailedAllocation()
     QCOMPARE(Array[0].Bytes[7], 'k');
 }
 
-void CTestZamTools::ManagedPointers()
+void CZamToolsTest::ManagedPointers()
 {
     SCounted::s_iDeleted = 0;
     {
@@ -389,7 +389,7 @@ void CTestZamTools::ManagedPointers()
     QCOMPARE(SCounted::s_iDeleted, 5 + 16 + 1);
 }
 
-void CTestZamTools::SkipGraphNodes()
+void CZamToolsTest::SkipGraphNodes()
 {
     int Items[3] = {};
     CZamTSkipGraphRoot<int*> Graph;
@@ -415,7 +415,7 @@ void CTestZamTools::SkipGraphNodes()
     QCOMPARE(Wide.GetNodeCount(), 2u);
 }
 
-void CTestZamTools::SkipGraphOrder()
+void CZamToolsTest::SkipGraphOrder()
 {
     CZamTSkipGraphRoot<int> Graph;
     CZamTArray<int> Order;
@@ -435,7 +435,7 @@ void CTestZamTools::SkipGraphOrder()
     QCOMPARE(Order, Ints({4, 2, 5, 1, 3}));
 }
 
-void CTestZamTools::SkipGraphCycles()
+void CZamToolsTest::SkipGraphCycles()
 {
     CZamTArray<int> Order;
     Order.Append(7);
@@ -456,7 +456,7 @@ void CTestZamTools::SkipGraphCycles()
     QCOMPARE(Order[0], 7);
 }
 
-void CTestZamTools::SkipGraphLargeOrder()
+void CZamToolsTest::SkipGraphLargeOrder()
 {
     // Items depend only on smaller items, added in scrambled order with many edges.
     const int iCount = 500;
@@ -487,5 +487,5 @@ void CTestZamTools::SkipGraphLargeOrder()
     QCOMPARE(Graph.Order(Order), 1);
 }
 
-QTEST_APPLESS_MAIN(CTestZamTools)
-#include "tst_zamtools.moc"
+QTEST_APPLESS_MAIN(CZamToolsTest)
+#include "tst_ZamTools.moc"

@@ -148,7 +148,7 @@ QByteArray PadToLines(QByteArray Text, int iLines)
 }
 } // namespace
 
-class CTestZFXParser : public QObject
+class CZFXParserTest : public QObject
 {
     Q_OBJECT
 
@@ -177,14 +177,14 @@ private slots:
     void Mutations();
 };
 
-void CTestZFXParser::initTestCase()
+void CZFXParserTest::initTestCase()
 {
     QCOMPARE(CZamTResourceFile::RegisterMemoryFile("shader.frag", kFileShader, sizeof(kFileShader) - 1, false), 0);
     QCOMPARE(CZamTResourceFile::RegisterMemoryFile("shader.bin", kBinary, sizeof(kBinary) - 1, false), 0);
     QCOMPARE(CZamTResourceFile::RegisterMemoryFile("water.zfx", kWater, sizeof(kWater) - 1, false), 0);
 }
 
-void CTestZFXParser::RealisticFile()
+void CZFXParserTest::RealisticFile()
 {
     CZamTZFXParser Parser;
     CZamTString Error;
@@ -254,7 +254,7 @@ void CTestZFXParser::RealisticFile()
     QCOMPARE(Bytes(Parser.GetTargets()[1].Kind) + " " + Bytes(Parser.GetTargets()[1].Target), QByteArray("DEPTH shadowDepth"));
 }
 
-void CTestZFXParser::Reparse()
+void CZFXParserTest::Reparse()
 {
     CZamTZFXParser Parser;
     CZamTString Error;
@@ -272,7 +272,7 @@ void CTestZFXParser::Reparse()
 }
 
 // FILE and BINARYFILE name files beside the effect file, wherever the program was started.
-void CTestZFXParser::FilesBesideTheEffect()
+void CZFXParserTest::FilesBesideTheEffect()
 {
     QTemporaryDir Dir;
     QVERIFY(QDir(Dir.path()).mkpath(QStringLiteral("fx/shaders")));
@@ -308,7 +308,7 @@ void CTestZFXParser::FilesBesideTheEffect()
     QCOMPARE(Bytes(Error), "Error loading file '" + QFile::encodeName(Folder) + "/absent.frag' in [FRAGMENTSHADER] on line 7\n");
 }
 
-void CTestZFXParser::Errors_data()
+void CZFXParserTest::Errors_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QByteArray>("error");
@@ -393,14 +393,14 @@ void CTestZFXParser::Errors_data()
     Row("effect no fragment", "\n[EFFECT]\nNAME e\nVERTEXSHADER v\n[/EFFECT]", "No 'FRAGMENTSHADER' defined in [EFFECT] starting on line 2: \n");
 }
 
-void CTestZFXParser::Errors()
+void CZFXParserTest::Errors()
 {
     QFETCH(QByteArray, text);
     QFETCH(QByteArray, error);
     QCOMPARE(ParseError(text), error);
 }
 
-void CTestZFXParser::ShaderErrors_data()
+void CZFXParserTest::ShaderErrors_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QByteArray>("error");
@@ -430,14 +430,14 @@ void CTestZFXParser::ShaderErrors_data()
     }
 }
 
-void CTestZFXParser::ShaderErrors()
+void CZFXParserTest::ShaderErrors()
 {
     QFETCH(QByteArray, text);
     QFETCH(QByteArray, error);
     QCOMPARE(ParseError(text), error);
 }
 
-void CTestZFXParser::Lines_data()
+void CZFXParserTest::Lines_data()
 {
     QTest::addColumn<QByteArray>("code");
     QTest::addColumn<QByteArray>("source");
@@ -452,7 +452,7 @@ void CTestZFXParser::Lines_data()
     QTest::newRow("1100 characters") << QByteArray(1100, 'b') << QByteArray(511, 'b') + "\n" + QByteArray(511, 'b') + "\n" + QByteArray(76, 'b') + "\n";
 }
 
-void CTestZFXParser::Lines()
+void CZFXParserTest::Lines()
 {
     QFETCH(QByteArray, code);
     QFETCH(QByteArray, source);
@@ -466,7 +466,7 @@ void CTestZFXParser::Lines()
     QCOMPARE(ParseError(WithCode(code) + "BOGUS"), "'BOGUS' unexpected on line " + QByteArray::number(iCodeLines + 17) + "\n");
 }
 
-void CTestZFXParser::TextureParameters_data()
+void CZFXParserTest::TextureParameters_data()
 {
     QTest::addColumn<QByteArray>("body");
     QTest::addColumn<QList<uint>>("values"); // filters, wraps, width, height
@@ -482,7 +482,7 @@ void CTestZFXParser::TextureParameters_data()
     QTest::newRow("repeated overwrites") << QByteArray("RESOLUTION 1 2\nRESOLUTION 640 480") << QList<uint>{0, 0, 0, 0, 0, 0, 640, 480};
 }
 
-void CTestZFXParser::TextureParameters()
+void CZFXParserTest::TextureParameters()
 {
     QFETCH(QByteArray, body);
     QFETCH(QList<uint>, values);
@@ -496,7 +496,7 @@ void CTestZFXParser::TextureParameters()
     QCOMPARE(Actual, values);
 }
 
-void CTestZFXParser::UniformDefaults_data()
+void CZFXParserTest::UniformDefaults_data()
 {
     QTest::addColumn<QByteArray>("tail");
     QTest::addColumn<QByteArray>("result");
@@ -514,7 +514,7 @@ void CTestZFXParser::UniformDefaults_data()
     QTest::newRow("after bracket") << QByteArray("(1) x") << QByteArray("'x' unexpected after ')' on line 4.\n");
 }
 
-void CTestZFXParser::UniformDefaults()
+void CZFXParserTest::UniformDefaults()
 {
     QFETCH(QByteArray, tail);
     QFETCH(QByteArray, result);
@@ -534,7 +534,7 @@ void CTestZFXParser::UniformDefaults()
     QCOMPARE(Bytes(Uniform.Semantic), QByteArray("COLOR"));
 }
 
-void CTestZFXParser::RenderPassOrder_data()
+void CZFXParserTest::RenderPassOrder_data()
 {
     QTest::addColumn<QByteArray>("declarations");
     QTest::addColumn<QByteArray>("order");
@@ -550,7 +550,7 @@ void CTestZFXParser::RenderPassOrder_data()
     QTest::newRow("target block") << "[TARGET]\nNAME t\n[/TARGET]\n" + ABC + DrawingEffect("t", "c") << QByteArray("a b c");
 }
 
-void CTestZFXParser::RenderPassOrder()
+void CZFXParserTest::RenderPassOrder()
 {
     QFETCH(QByteArray, declarations);
     QFETCH(QByteArray, order);
@@ -569,7 +569,7 @@ void CTestZFXParser::RenderPassOrder()
     QCOMPARE(Actual, order);
 }
 
-void CTestZFXParser::SurfaceMismatch_data()
+void CZFXParserTest::SurfaceMismatch_data()
 {
     QTest::addColumn<QByteArray>("declarations");
     QTest::addColumn<QByteArray>("error");
@@ -584,14 +584,14 @@ void CTestZFXParser::SurfaceMismatch_data()
     QTest::newRow("other kind word") << ViewTexture("d", "SURFACETYPE DEPTH8\n") + DrawingEffect("d", "", "STENCIL") << QByteArray("<ok>");
 }
 
-void CTestZFXParser::SurfaceMismatch()
+void CZFXParserTest::SurfaceMismatch()
 {
     QFETCH(QByteArray, declarations);
     QFETCH(QByteArray, error);
     QCOMPARE(ParseError(declarations + Shaders()), error);
 }
 
-void CTestZFXParser::LineLimit()
+void CZFXParserTest::LineLimit()
 {
     const QByteArray Valid = Shaders() + kEffect;
     QCOMPARE(ParseError(PadToLines(Valid, 5000)), QByteArray("<ok>"));
@@ -606,7 +606,7 @@ void CTestZFXParser::LineLimit()
     QCOMPARE(ParseError(QByteArray(512 * 5000 + 1, 'x')), TooMany);
 }
 
-void CTestZFXParser::Garbage_data()
+void CZFXParserTest::Garbage_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QByteArray>("error");
@@ -626,7 +626,7 @@ void CTestZFXParser::Garbage_data()
     QTest::newRow("random lines") << Mixed << QByteArray();
 }
 
-void CTestZFXParser::Garbage()
+void CZFXParserTest::Garbage()
 {
     QFETCH(QByteArray, text);
     QFETCH(QByteArray, error);
@@ -645,7 +645,7 @@ void CTestZFXParser::Garbage()
     QCOMPARE(iResult, 0);
 }
 
-void CTestZFXParser::Mutations()
+void CZFXParserTest::Mutations()
 {
     // Random edits of a good file: every result is a success or one message ending the parse.
     std::mt19937 Random(11);
@@ -668,5 +668,5 @@ void CTestZFXParser::Mutations()
     }
 }
 
-QTEST_APPLESS_MAIN(CTestZFXParser)
-#include "tst_zfxparser.moc"
+QTEST_APPLESS_MAIN(CZFXParserTest)
+#include "tst_ZFXParser.moc"

@@ -44,20 +44,20 @@ class CShaderHighlightControllerTest : public QObject
     Q_OBJECT
 
 private slots:
-    void missingFileGivesBuiltInScheme();
-    void onlyStoredGroupsAreCustomised();
-    void colourKeysFallBackPerField_data();
-    void colourKeysFallBackPerField();
-    void boldIsSavedAboveNormalWeight_data();
-    void boldIsSavedAboveNormalWeight();
-    void savesCustomisedEntriesAndFont();
-    void fontFaceComesBeforeSize_data();
-    void fontFaceComesBeforeSize();
-    void slotsAnnounceChanges();
+    void MissingFileGivesBuiltInScheme();
+    void OnlyStoredGroupsAreCustomised();
+    void ColourKeysFallBackPerField_data();
+    void ColourKeysFallBackPerField();
+    void BoldIsSavedAboveNormalWeight_data();
+    void BoldIsSavedAboveNormalWeight();
+    void SavesCustomisedEntriesAndFont();
+    void FontFaceComesBeforeSize_data();
+    void FontFaceComesBeforeSize();
+    void SlotsAnnounceChanges();
 };
 
 // The file's keys are built from the element names, so order and names are a file format.
-void CShaderHighlightControllerTest::missingFileGivesBuiltInScheme()
+void CShaderHighlightControllerTest::MissingFileGivesBuiltInScheme()
 {
     QFile::remove(CZamPreferences(QStringLiteral("ZamShaderEditor")).GetFilePath());
     CShaderHighlightController Controller;
@@ -81,7 +81,7 @@ void CShaderHighlightControllerTest::missingFileGivesBuiltInScheme()
     QCOMPARE(Controller.GetFont().pointSize(), 12);
 }
 
-void CShaderHighlightControllerTest::onlyStoredGroupsAreCustomised()
+void CShaderHighlightControllerTest::OnlyStoredGroupsAreCustomised()
 {
     auto pStore = NewStore();
     pStore->SetArgb(QStringLiteral("Colours/GLSL/Keyword/Foreground"), 0xFF112233u);
@@ -102,7 +102,7 @@ void CShaderHighlightControllerTest::onlyStoredGroupsAreCustomised()
     QCOMPARE(Controller.GetFormat(10), Controller.GetDefaultFormat(10));
 }
 
-void CShaderHighlightControllerTest::colourKeysFallBackPerField_data()
+void CShaderHighlightControllerTest::ColourKeysFallBackPerField_data()
 {
     QTest::addColumn<QString>("Kind");
     QTest::addColumn<QString>("Value");
@@ -117,7 +117,7 @@ void CShaderHighlightControllerTest::colourKeysFallBackPerField_data()
     QTest::newRow("missing") << "missing" << "" << uiBuiltIn;
 }
 
-void CShaderHighlightControllerTest::colourKeysFallBackPerField()
+void CShaderHighlightControllerTest::ColourKeysFallBackPerField()
 {
     QFETCH(QString, Kind);
     QFETCH(QString, Value);
@@ -141,7 +141,7 @@ void CShaderHighlightControllerTest::colourKeysFallBackPerField()
     QVERIFY(Controller.GetFormat(6).fontUnderline());
 }
 
-void CShaderHighlightControllerTest::boldIsSavedAboveNormalWeight_data()
+void CShaderHighlightControllerTest::BoldIsSavedAboveNormalWeight_data()
 {
     QTest::addColumn<int>("iWeight");
     QTest::addColumn<bool>("bBold");
@@ -152,7 +152,7 @@ void CShaderHighlightControllerTest::boldIsSavedAboveNormalWeight_data()
     QTest::newRow("bold") << int(QFont::Bold) << true;
 }
 
-void CShaderHighlightControllerTest::boldIsSavedAboveNormalWeight()
+void CShaderHighlightControllerTest::BoldIsSavedAboveNormalWeight()
 {
     QFETCH(int, iWeight);
     QFETCH(bool, bBold);
@@ -164,7 +164,7 @@ void CShaderHighlightControllerTest::boldIsSavedAboveNormalWeight()
     QCOMPARE(Reopen(*pStore)->GetBool(QStringLiteral("Colours/GLSL/Preprocessor/Bold"), !bBold), bBold);
 }
 
-void CShaderHighlightControllerTest::savesCustomisedEntriesAndFont()
+void CShaderHighlightControllerTest::SavesCustomisedEntriesAndFont()
 {
     auto pStore = NewStore();
     {
@@ -194,7 +194,7 @@ void CShaderHighlightControllerTest::savesCustomisedEntriesAndFont()
     QCOMPARE(Loaded.GetFont().pointSize(), 15);
 }
 
-void CShaderHighlightControllerTest::fontFaceComesBeforeSize_data()
+void CShaderHighlightControllerTest::FontFaceComesBeforeSize_data()
 {
     QTest::addColumn<QVariant>("Face"); // invalid: key absent
     QTest::addColumn<QVariant>("Size");
@@ -211,7 +211,7 @@ void CShaderHighlightControllerTest::fontFaceComesBeforeSize_data()
     QTest::newRow("absurd size") << QVariant("Mono") << QVariant(1000000) << "Mono" << 12;
 }
 
-void CShaderHighlightControllerTest::fontFaceComesBeforeSize()
+void CShaderHighlightControllerTest::FontFaceComesBeforeSize()
 {
     QFETCH(QVariant, Face);
     QFETCH(QVariant, Size);
@@ -230,7 +230,7 @@ void CShaderHighlightControllerTest::fontFaceComesBeforeSize()
     QCOMPARE(Controller.GetFont().pointSize(), iExpectedSize);
 }
 
-void CShaderHighlightControllerTest::slotsAnnounceChanges()
+void CShaderHighlightControllerTest::SlotsAnnounceChanges()
 {
     auto pStore = NewStore();
     CShaderHighlightController Controller(pStore.get());
@@ -255,4 +255,4 @@ void CShaderHighlightControllerTest::slotsAnnounceChanges()
 }
 
 QTEST_MAIN(CShaderHighlightControllerTest)
-#include "tst_shaderhighlightcontroller.moc"
+#include "tst_ShaderHighlightController.moc"

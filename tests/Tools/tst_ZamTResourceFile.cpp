@@ -32,7 +32,7 @@ int FailingLoad(const char* pPath, void**, size_t*)
 }
 } // namespace
 
-class CTestZamTResourceFile : public QObject
+class CZamTResourceFileTest : public QObject
 {
     Q_OBJECT
 
@@ -50,13 +50,13 @@ private:
     QTemporaryDir m_Dir;
 };
 
-void CTestZamTResourceFile::init()
+void CZamTResourceFileTest::init()
 {
     QVERIFY(m_Dir.isValid());
     CZamTResourceFile::SetReadPath((m_Dir.path() + "/").toLocal8Bit().constData());
 }
 
-void CTestZamTResourceFile::cleanup()
+void CZamTResourceFileTest::cleanup()
 {
     CZamTResourceFile::SetReadPath("");
     CZamTResourceFile::SetLoadFunction(nullptr);
@@ -64,14 +64,14 @@ void CTestZamTResourceFile::cleanup()
         CZamTResourceFile::UnregisterMemoryFile(pName);
 }
 
-void CTestZamTResourceFile::WriteFile(const char* pName, const QByteArray& Data)
+void CZamTResourceFileTest::WriteFile(const char* pName, const QByteArray& Data)
 {
     QFile File(m_Dir.filePath(pName));
     QVERIFY(File.open(QIODevice::WriteOnly));
     QCOMPARE(File.write(Data), Data.size());
 }
 
-void CTestZamTResourceFile::DiskAndTable()
+void CZamTResourceFileTest::DiskAndTable()
 {
     WriteFile("disk.txt", QByteArray("hello\0world", 11));
     static const char s_Table[] = "from table";
@@ -106,7 +106,7 @@ void CTestZamTResourceFile::DiskAndTable()
              QByteArray("hello\0world", 11));
 }
 
-void CTestZamTResourceFile::RefusedFiles()
+void CZamTResourceFileTest::RefusedFiles()
 {
     QVERIFY(QDir(m_Dir.path()).mkdir("adir"));
     WriteFile("empty.txt", QByteArray());
@@ -133,7 +133,7 @@ void CTestZamTResourceFile::RefusedFiles()
     CZamTResourceFile::SetMaxFileSize(uiOldMax);
 }
 
-void CTestZamTResourceFile::Registration()
+void CZamTResourceFileTest::Registration()
 {
     static const char s_Data[] = "data";
     QCOMPARE(CZamTResourceFile::RegisterMemoryFile("mem.txt", s_Data, 4, false), 0);
@@ -160,7 +160,7 @@ void CTestZamTResourceFile::Registration()
     QCOMPARE(CZamTResourceFile::RegisterMemoryFile("released at exit", pAtExit, 4, true), 0);
 }
 
-void CTestZamTResourceFile::LoadFunction()
+void CZamTResourceFileTest::LoadFunction()
 {
     QVERIFY(CZamTResourceFile::GetLoadFunction() == &CZamTResourceFile::DefaultLoad);
     CZamTResourceFile::SetReadPath("prefix/");
@@ -178,5 +178,5 @@ void CTestZamTResourceFile::LoadFunction()
     QVERIFY(CZamTResourceFile::GetLoadFunction() == &CZamTResourceFile::DefaultLoad);
 }
 
-QTEST_APPLESS_MAIN(CTestZamTResourceFile)
-#include "tst_zamtresourcefile.moc"
+QTEST_APPLESS_MAIN(CZamTResourceFileTest)
+#include "tst_ZamTResourceFile.moc"

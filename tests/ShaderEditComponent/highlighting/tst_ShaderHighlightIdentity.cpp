@@ -18,20 +18,20 @@ class CShaderHighlightIdentityTest : public QObject
     Q_OBJECT
 
 private slots:
-    void wordCharactersAreQRegExpWordCharacters();
-    void requiredLiteralIsInEveryMatch_data();
-    void requiredLiteralIsInEveryMatch();
-    void rulesMatchReferenceOnRandomText_data();
-    void rulesMatchReferenceOnRandomText();
-    void documentsMatchReference_data();
-    void documentsMatchReference();
-    void editsAndTypeChangesMatchReference();
+    void WordCharactersAreQRegExpWordCharacters();
+    void RequiredLiteralIsInEveryMatch_data();
+    void RequiredLiteralIsInEveryMatch();
+    void RulesMatchReferenceOnRandomText_data();
+    void RulesMatchReferenceOnRandomText();
+    void DocumentsMatchReference_data();
+    void DocumentsMatchReference();
+    void EditsAndTypeChangesMatchReference();
 
 private:
     CDistinctScheme m_Scheme;
 };
 
-void CShaderHighlightIdentityTest::wordCharactersAreQRegExpWordCharacters()
+void CShaderHighlightIdentityTest::WordCharactersAreQRegExpWordCharacters()
 {
     const QRegExp Word(QStringLiteral("\\w"));
     const QRegExp BoundaryAfterA(QStringLiteral("a\\b"));
@@ -50,7 +50,7 @@ void CShaderHighlightIdentityTest::wordCharactersAreQRegExpWordCharacters()
     QCOMPARE(iMismatches, 0);
 }
 
-void CShaderHighlightIdentityTest::requiredLiteralIsInEveryMatch_data()
+void CShaderHighlightIdentityTest::RequiredLiteralIsInEveryMatch_data()
 {
     QTest::addColumn<QString>("Pattern");
     QTest::addColumn<QString>("Text");
@@ -74,7 +74,7 @@ void CShaderHighlightIdentityTest::requiredLiteralIsInEveryMatch_data()
     QTest::newRow("back reference") << "(a)\\1bc" << "aabc";
 }
 
-void CShaderHighlightIdentityTest::requiredLiteralIsInEveryMatch()
+void CShaderHighlightIdentityTest::RequiredLiteralIsInEveryMatch()
 {
     QFETCH(QString, Pattern);
     QFETCH(QString, Text);
@@ -86,7 +86,7 @@ void CShaderHighlightIdentityTest::requiredLiteralIsInEveryMatch()
     QVERIFY2(Text.mid(iPos, Expression.matchedLength()).contains(Literal), qPrintable(Literal));
 }
 
-void CShaderHighlightIdentityTest::rulesMatchReferenceOnRandomText_data()
+void CShaderHighlightIdentityTest::RulesMatchReferenceOnRandomText_data()
 {
     QTest::addColumn<unsigned int>("uiMask");
     for (unsigned int uiType : AllDocumentTypes())
@@ -96,7 +96,7 @@ void CShaderHighlightIdentityTest::rulesMatchReferenceOnRandomText_data()
     QTest::newRow("every code type") << 0x7CFu;
 }
 
-void CShaderHighlightIdentityTest::rulesMatchReferenceOnRandomText()
+void CShaderHighlightIdentityTest::RulesMatchReferenceOnRandomText()
 {
     QFETCH(unsigned int, uiMask);
     CReferenceShaderHighlighter Reference(nullptr, uiMask, m_Scheme.GetController());
@@ -120,7 +120,7 @@ void CShaderHighlightIdentityTest::rulesMatchReferenceOnRandomText()
     }
 }
 
-void CShaderHighlightIdentityTest::documentsMatchReference_data()
+void CShaderHighlightIdentityTest::DocumentsMatchReference_data()
 {
     QTest::addColumn<QString>("Text");
     QTest::addColumn<unsigned int>("uiType");
@@ -134,7 +134,7 @@ void CShaderHighlightIdentityTest::documentsMatchReference_data()
         QTest::addRow("random as %u", uiType) << Random.Document(250) << uiType;
 }
 
-void CShaderHighlightIdentityTest::documentsMatchReference()
+void CShaderHighlightIdentityTest::DocumentsMatchReference()
 {
     QFETCH(QString, Text);
     QFETCH(unsigned int, uiType);
@@ -150,7 +150,7 @@ void CShaderHighlightIdentityTest::documentsMatchReference()
 
 // Incremental re-highlighting keeps stale states and effect data around; both must agree
 // on those too.
-void CShaderHighlightIdentityTest::editsAndTypeChangesMatchReference()
+void CShaderHighlightIdentityTest::EditsAndTypeChangesMatchReference()
 {
     CRandomShaderText Random(77u);
     const QString Text = ReadCorpusFile(QStringLiteral("textured_effect.zfx")) + Random.Document(60);
@@ -191,4 +191,4 @@ void CShaderHighlightIdentityTest::editsAndTypeChangesMatchReference()
 }
 
 QTEST_MAIN(CShaderHighlightIdentityTest)
-#include "tst_shaderhighlightidentity.moc"
+#include "tst_ShaderHighlightIdentity.moc"

@@ -162,7 +162,7 @@ QJsonObject DescribeEveryType(const CZamPreferences& Store)
 }
 } // namespace
 
-class CTestZamPreferences : public QObject
+class CZamPreferencesTest : public QObject
 {
     Q_OBJECT
 
@@ -199,7 +199,7 @@ private slots:
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_pHome->path()));
     }
 
-    void newFileIsCreatedWithTheEmptyDocument()
+    void NewFileIsCreatedWithTheEmptyDocument()
     {
         const QByteArray Expected =
             "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -226,7 +226,7 @@ private slots:
                  QString("/etc/xdg/Brenmoor Systems/Shared.plist"));
     }
 
-    void everyTypeSurvivesSaveAndLoad()
+    void EveryTypeSurvivesSaveAndLoad()
     {
         {
             CZamPreferences Store("RoundTrip");
@@ -245,7 +245,7 @@ private slots:
         QCOMPARE(Store.GetString("Text/Control"), QString::fromUtf8("a\xEF\xBF\xBD" "b"));
     }
 
-    void typedReadsFallBackToTheDefault_data()
+    void TypedReadsFallBackToTheDefault_data()
     {
         QTest::addColumn<QByteArray>("value");
         QTest::addColumn<QString>("kind");
@@ -270,7 +270,7 @@ private slots:
                                << QJsonValue(QJsonArray{"a", ""});
     }
 
-    void typedReadsFallBackToTheDefault()
+    void TypedReadsFallBackToTheDefault()
     {
         QFETCH(QByteArray, value);
         QFETCH(QString, kind);
@@ -281,7 +281,7 @@ private slots:
         QCOMPARE(Store.HasKey("Group/K"), !value.startsWith("<dict"));
     }
 
-    void keysAreGroupPaths()
+    void KeysAreGroupPaths()
     {
         CZamPreferences Store("Groups");
         const QByteArray Empty = Store.ToBytes();
@@ -325,7 +325,7 @@ private slots:
         QCOMPARE(Copy.GetInteger(Deepest, 5), 1);
     }
 
-    void argbKeepsThe32Bits_data()
+    void ArgbKeepsThe32Bits_data()
     {
         QTest::addColumn<QByteArray>("value");
         QTest::addColumn<quint32>("expected");
@@ -338,7 +338,7 @@ private slots:
         QTest::newRow("string") << QByteArray("<string>255</string>") << 0x12345678u;
     }
 
-    void argbKeepsThe32Bits()
+    void ArgbKeepsThe32Bits()
     {
         QFETCH(QByteArray, value);
         QFETCH(quint32, expected);
@@ -351,7 +351,7 @@ private slots:
         QCOMPARE(Store.GetArgb("C", 0), 0xFFC4FFFFu);
     }
 
-    void damagedDocumentsAreRepaired_data()
+    void DamagedDocumentsAreRepaired_data()
     {
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<QString>("report");
@@ -394,7 +394,7 @@ private slots:
             << "^ERROR: The document holds more than 1000000 tags" << false;
     }
 
-    void damagedDocumentsAreRepaired()
+    void DamagedDocumentsAreRepaired()
     {
         QFETCH(QByteArray, bytes);
         QFETCH(QString, report);
@@ -416,7 +416,7 @@ private slots:
         QCOMPARE(Store.GetInteger("Good", -1), keepsGood ? 7 : -1);
     }
 
-    void oversizedFileIsLeftAloneUntilSaved()
+    void OversizedFileIsLeftAloneUntilSaved()
     {
         const QString Path = StorePath("Huge");
         const QByteArray Huge = PlistWith("<key>Blob</key><data>" + QByteArray(50 * 1024 * 1024, 'A') + "</data>");
@@ -446,7 +446,7 @@ private slots:
         QCOMPARE(QFileInfo(Notices.first().AsidePath).size(), Huge.size());
     }
 
-    void saveNeverLosesTheUsersFile()
+    void SaveNeverLosesTheUsersFile()
     {
         // A file that cannot be parsed is renamed with a time stamp before the fresh one is
         // written, and the user hears of it once.
@@ -548,7 +548,7 @@ private slots:
         QCOMPARE(Store.TakeNotices().size(), 1);
     }
 
-    void memoryStoreNeverTouchesTheDisk()
+    void MemoryStoreNeverTouchesTheDisk()
     {
         CZamPreferencesMemory* pMemory = new CZamPreferencesMemory;
         CZamPreferences Store{std::unique_ptr<CZamPreferencesImpl>(pMemory)};
@@ -566,7 +566,7 @@ private slots:
         QVERIFY(QDir(m_pHome->path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).isEmpty());
     }
 
-    void readOnlyStoreReadsButNeverWrites()
+    void ReadOnlyStoreReadsButNeverWrites()
     {
         // A missing file is neither created by a load nor by a save.
         {
@@ -590,7 +590,7 @@ private slots:
         QCOMPARE(QDir(QFileInfo(StorePath("Kept")).path()).entryList(QDir::Files), QStringList{"Kept.plist"});
     }
 
-    void failedSaveLeavesTheOldFile()
+    void FailedSaveLeavesTheOldFile()
     {
         const QString Path = StorePath("Keep");
         {
@@ -632,7 +632,7 @@ private slots:
         QCOMPARE(ReadAll(Path), Before);
     }
 
-    void mutatedDocumentsSettleAfterOneSave()
+    void MutatedDocumentsSettleAfterOneSave()
     {
         CZamPreferences Source("Mutate");
         FillEveryType(&Source);
@@ -659,7 +659,7 @@ private slots:
         }
     }
 
-    void oddDocumentsSettleAfterOneSave_data()
+    void OddDocumentsSettleAfterOneSave_data()
     {
         QTest::addColumn<QByteArray>("bytes");
         QTest::newRow("plist as a value") << PlistWith("<key>a</key><plist>x\n<dict>y</dict>\nz</plist>");
@@ -668,13 +668,13 @@ private slots:
         QTest::newRow("second declaration") << QByteArray("<!--c--><?xml version=\"1.0\"?><?xml version=\"2\"?><plist/>");
     }
 
-    void oddDocumentsSettleAfterOneSave()
+    void OddDocumentsSettleAfterOneSave()
     {
         QFETCH(QByteArray, bytes);
         VerifySettles(bytes);
     }
 
-    void pythonReadsWhatWeWrite()
+    void PythonReadsWhatWeWrite()
     {
         const QString Python = QStandardPaths::findExecutable("python3");
         if (Python.isEmpty())
@@ -705,5 +705,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(CTestZamPreferences)
-#include "tst_zampreferences.moc"
+QTEST_GUILESS_MAIN(CZamPreferencesTest)
+#include "tst_ZamPreferences.moc"

@@ -13,12 +13,12 @@ QByteArray Decode(const QByteArray& Text, bool* pbOk)
 }
 } // namespace
 
-class CTestZamPlistInput : public QObject
+class CZamPlistInputTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void base64Text_data()
+    void Base64Text_data()
     {
         QTest::addColumn<QByteArray>("text");
         QTest::addColumn<bool>("valid");
@@ -36,7 +36,7 @@ private slots:
         QTest::newRow("foreign character") << QByteArray("Zm9v!") << false << QByteArray();
     }
 
-    void base64Text()
+    void Base64Text()
     {
         QFETCH(QByteArray, text);
         QFETCH(bool, valid);
@@ -51,7 +51,7 @@ private slots:
         }
     }
 
-    void invalidUtf8IsReplaced_data()
+    void InvalidUtf8IsReplaced_data()
     {
         QTest::addColumn<QByteArray>("input");
         QTest::addColumn<QByteArray>("output");
@@ -66,7 +66,7 @@ private slots:
         QTest::newRow("nul") << QByteArray("a\0b", 3) << "a" + R + "b";
     }
 
-    void invalidUtf8IsReplaced()
+    void InvalidUtf8IsReplaced()
     {
         QFETCH(QByteArray, input);
         QFETCH(QByteArray, output);
@@ -75,7 +75,7 @@ private slots:
         QCOMPARE(Bytes, output.isEmpty() ? input : output);
     }
 
-    void depthIsNeverUnderestimated_data()
+    void DepthIsNeverUnderestimated_data()
     {
         QTest::addColumn<QByteArray>("xml");
         QTest::addColumn<int>("depth");
@@ -94,7 +94,7 @@ private slots:
         QTest::newRow("not a name") << QByteArray("<1><-a><b>") << 1 << 3;
     }
 
-    void depthIsNeverUnderestimated()
+    void DepthIsNeverUnderestimated()
     {
         QFETCH(QByteArray, xml);
         QFETCH(int, depth);
@@ -104,7 +104,7 @@ private slots:
         QCOMPARE(Shape.iMarkup, qint64(markup));
     }
 
-    void attributesAreCountedPerTag_data()
+    void AttributesAreCountedPerTag_data()
     {
         QTest::addColumn<QByteArray>("xml");
         QTest::addColumn<int>("attributes");
@@ -113,14 +113,14 @@ private slots:
         QTest::newRow("unquoted") << QByteArray("<a x=b=c>") << 2;
     }
 
-    void attributesAreCountedPerTag()
+    void AttributesAreCountedPerTag()
     {
         QFETCH(QByteArray, xml);
         QFETCH(int, attributes);
         QCOMPARE(MeasureXmlShape(xml, 100).iAttributes, attributes);
     }
 
-    void deepNestingStopsTheScanEarly()
+    void DeepNestingStopsTheScanEarly()
     {
         const QByteArray Deep = QByteArray("<a x=\"/>\">").repeated(100000);
         QCOMPARE(MeasureXmlShape(Deep, 64).iDepth, 65);
@@ -129,5 +129,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(CTestZamPlistInput)
-#include "tst_zamplistinput.moc"
+QTEST_GUILESS_MAIN(CZamPlistInputTest)
+#include "tst_ZamPlistInput.moc"
