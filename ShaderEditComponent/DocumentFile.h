@@ -19,10 +19,10 @@ struct SDocumentText
 
 // Valid UTF-8 is read as UTF-8; anything else byte for byte as Latin-1, so no byte is
 // replaced and an unchanged document saves back to the same bytes.
-SDocumentText DecodeDocument(const QByteArray& Bytes);
+[[nodiscard]] SDocumentText DecodeDocument(const QByteArray& Bytes);
 // Writes Latin-1 back as Latin-1 unless the text gained characters Latin-1 cannot hold;
 // then, rather than losing them, the whole text is written as UTF-8.
-QByteArray EncodeDocument(const QString& Text, const SDocumentFormat& Format);
+[[nodiscard]] QByteArray EncodeDocument(const QString& Text, const SDocumentFormat& Format);
 
 struct SFileReadResult
 {
@@ -34,7 +34,7 @@ struct SFileReadResult
 // Reads a regular file of up to MaxDocumentBytes (256 MiB) whole. Directories, pipes and
 // devices are refused without waiting, so a path naming a FIFO can never block the program; a
 // larger file, or one there is no memory for, is refused with its size and the limit.
-SFileReadResult ReadDocumentFile(const QString& Path);
+[[nodiscard]] SFileReadResult ReadDocumentFile(const QString& Path);
 
 struct SFileWriteResult
 {
@@ -44,4 +44,4 @@ struct SFileWriteResult
 
 // Writes through a temporary file in the same folder that replaces the file only once every
 // byte is on disk; on any failure the old file is left exactly as it was.
-SFileWriteResult WriteDocumentFile(const QString& Path, const QByteArray& Bytes);
+[[nodiscard]] SFileWriteResult WriteDocumentFile(const QString& Path, const QByteArray& Bytes);

@@ -20,7 +20,7 @@ constexpr qsizetype MaxOutputLineLength = 4096;
 
 // Text with every line longer than iMaxLength continued on further lines; nothing is left
 // out. Text without such lines comes back as it is, without a copy.
-QString BreakOverlongLines(const QString& Text, qsizetype iMaxLength = MaxOutputLineLength);
+[[nodiscard]] QString BreakOverlongLines(const QString& Text, qsizetype iMaxLength = MaxOutputLineLength);
 
 // The "Shader:" row of a view, with which the user picks one shader of an effect file.
 struct SShaderSelector

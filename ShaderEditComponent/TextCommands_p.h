@@ -21,10 +21,10 @@ void AddIndent(const QTextCursor& Selection, const QString& Indent);
 void RemoveIndent(const QTextCursor& Selection, bool bSpaces, const QString& Indent, int iTabSize);
 
 // The blanks (tabs and spaces) that the line begins with.
-QString LeadingBlanks(const QTextBlock& Block);
+[[nodiscard]] QString LeadingBlanks(const QTextBlock& Block);
 // Where a smart Home key goes from Cursor: the line's first non-blank character, or -1 for
 // the ordinary start of the line (when the cursor sits in the leading blanks).
-int SmartHomePosition(const QTextCursor& Cursor);
+[[nodiscard]] int SmartHomePosition(const QTextCursor& Cursor);
 } // namespace TextCommands
 
 // The indentation one command inserts. It only ever grows: each use with a tab size that

@@ -9,4 +9,4 @@
 // a document's plain text. Identifiers are words: a letter, a digit or an underscore next to
 // an occurrence makes it part of a longer identifier, so on "o" the "o" of "o_color" is no
 // match. After such a part-word hit the search resumes one character past its end.
-QVector<STextRange> FindWholeWordMatches(const QString& Text, const QString& Word);
+[[nodiscard]] QVector<STextRange> FindWholeWordMatches(const QString& Text, const QString& Word);

@@ -19,13 +19,13 @@ struct SZamTZFXBlock
     const char* pFileFolder = "";
 };
 
-int ZamTZFXReadHeader(const SZamTZFXBlock& Block, SZamTZFXDocument& Document, CZamTString& Error);
-int ZamTZFXReadTexture(const SZamTZFXBlock& Block, SZamTZFXDocument& Document, CZamTString& Error);
-int ZamTZFXReadTarget(const SZamTZFXBlock& Block, SZamTZFXDocument& Document, CZamTString& Error);
-int ZamTZFXReadTextures(const SZamTZFXBlock& Block, SZamTZFXDocument& Document, CZamTString& Error);
-int ZamTZFXReadVertexShader(const SZamTZFXBlock& Block, SZamTZFXDocument& Document, CZamTString& Error);
-int ZamTZFXReadFragmentShader(const SZamTZFXBlock& Block, SZamTZFXDocument& Document, CZamTString& Error);
-int ZamTZFXReadEffect(const SZamTZFXBlock& Block, SZamTZFXDocument& Document, CZamTString& Error);
+[[nodiscard]] int ZamTZFXReadHeader(const SZamTZFXBlock& Block, SZamTZFXDocument& Document, CZamTString& Error);
+[[nodiscard]] int ZamTZFXReadTexture(const SZamTZFXBlock& Block, SZamTZFXDocument& Document, CZamTString& Error);
+[[nodiscard]] int ZamTZFXReadTarget(const SZamTZFXBlock& Block, SZamTZFXDocument& Document, CZamTString& Error);
+[[nodiscard]] int ZamTZFXReadTextures(const SZamTZFXBlock& Block, SZamTZFXDocument& Document, CZamTString& Error);
+[[nodiscard]] int ZamTZFXReadVertexShader(const SZamTZFXBlock& Block, SZamTZFXDocument& Document, CZamTString& Error);
+[[nodiscard]] int ZamTZFXReadFragmentShader(const SZamTZFXBlock& Block, SZamTZFXDocument& Document, CZamTString& Error);
+[[nodiscard]] int ZamTZFXReadEffect(const SZamTZFXBlock& Block, SZamTZFXDocument& Document, CZamTString& Error);
 
 // The filter, wrap, resolution and surface lines shared by [TEXTURE] and [TARGET].
 struct SZamTZFXTextureParameters
@@ -42,7 +42,7 @@ struct SZamTZFXTextureParameters
 int ZamTZFXReadTextureParameters(const SZamTZFXBlock& Block, const char* pBlockName,
                                  SZamTZFXTextureParameters& Parameters, CZamTString& Error);
 // Whether the parameter pass handles lines with this keyword.
-bool ZamTZFXIsTextureParameter(const CZamTHash& Keyword);
+[[nodiscard]] bool ZamTZFXIsTextureParameter(const CZamTHash& Keyword);
 // Reads up to uiFields "-"-joined filter (or wrap) names from the first word of Text that
 // holds one; values that are no name leave their field alone.
 int ZamTZFXReadFilterList(const SZamTZFXToken& Text, uint32_t* puiFields, uint32_t uiFields, int iLine,
@@ -55,8 +55,8 @@ int ZamTZFXReadDefaultValues(const SZamTZFXToken& Text, int iLine, SZamTZFXParse
                              const CZamTString& FullSemantic, CZamTString& Error);
 
 // Every texture an effect names must be declared.
-int ZamTZFXCheckEffectTextures(const SZamTZFXDocument& Document, CZamTString& Error);
+[[nodiscard]] int ZamTZFXCheckEffectTextures(const SZamTZFXDocument& Document, CZamTString& Error);
 // Checks the effects' render targets and puts the render passes in dependency order.
-int ZamTZFXOrderRenderPasses(SZamTZFXDocument& Document, CZamTString& Error);
+[[nodiscard]] int ZamTZFXOrderRenderPasses(SZamTZFXDocument& Document, CZamTString& Error);
 
 #endif // ZAMTZFXPARSERBLOCKS_H

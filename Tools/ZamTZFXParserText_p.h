@@ -113,12 +113,12 @@ private:
 };
 
 // Position of Hash in the keyword hashes, or uiCount when it is none of them.
-uint32_t ZamTZFXFindKeyword(const CZamTHash& Hash, const CZamTHash* pKeywords, uint32_t uiCount);
+[[nodiscard]] uint32_t ZamTZFXFindKeyword(const CZamTHash& Hash, const CZamTHash* pKeywords, uint32_t uiCount);
 
 // Reads an unsigned decimal number that fills the whole token and fits in 32 bits.
-bool ZamTZFXReadUnsigned(const SZamTZFXToken& Token, uint32_t& uiValue);
+[[nodiscard]] bool ZamTZFXReadUnsigned(const SZamTZFXToken& Token, uint32_t& uiValue);
 // The decimal digits at the start of the token, 0 when there are none; saturates at the
 // largest unsigned 32-bit value.
-uint32_t ZamTZFXLeadingUnsigned(const char* pText, uint32_t uiLength);
+[[nodiscard]] uint32_t ZamTZFXLeadingUnsigned(const char* pText, uint32_t uiLength);
 
 #endif // ZAMTZFXPARSERTEXT_H

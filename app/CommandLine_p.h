@@ -5,7 +5,7 @@
 // The options that are answered without a window or a display: --help and --version (and
 // -h, -v). Returns the text to print when argv asks for one of them, else an empty text.
 // Only the first argument is looked at, like the file name the program opens.
-QString InformationRequested(int iArgc, char** ppArgv);
+[[nodiscard]] QString InformationRequested(int iArgc, char** ppArgv);
 
 // The usage text of the program.
-QString UsageText();
+[[nodiscard]] QString UsageText();

@@ -39,8 +39,8 @@ private:
 };
 
 // Base64 with the standard alphabet and '=' padding.
-std::string EncodeBase64(const CImmutableByteWrapper& Bytes);
+[[nodiscard]] std::string EncodeBase64(const CImmutableByteWrapper& Bytes);
 // Whitespace between characters is allowed; anything else outside the alphabet, a length
 // that is not a multiple of four, or misplaced padding makes it fail. The output never
 // exceeds three quarters of the input.
-bool DecodeBase64(const CImmutableByteWrapper& Text, CVectorByteWrapper* pBytes);
+[[nodiscard]] bool DecodeBase64(const CImmutableByteWrapper& Text, CVectorByteWrapper* pBytes);

@@ -7,7 +7,7 @@
 // Replaces every byte that does not belong to a well-formed UTF-8 sequence, and every NUL,
 // by U+FFFD. Afterwards no sequence is cut short, so the parser never steps past the end.
 // Returns true when something was replaced.
-bool ReplaceInvalidUtf8(QByteArray* pBytes);
+[[nodiscard]] bool ReplaceInvalidUtf8(QByteArray* pBytes);
 
 struct SXmlShape
 {
@@ -21,4 +21,4 @@ struct SXmlShape
 // lexical rules (comments, CDATA, quoted attribute values, declarations and other "<!"/"<?"
 // constructs end where the parser ends them) and only ever over-counts the depth.
 // Stops early, with a depth above iDepthLimit, once the nesting passes iDepthLimit.
-SXmlShape MeasureXmlShape(const QByteArray& Bytes, int iDepthLimit);
+[[nodiscard]] SXmlShape MeasureXmlShape(const QByteArray& Bytes, int iDepthLimit);

@@ -6,4 +6,4 @@ class TiXmlDocument;
 // <plist> holding one <dict>, and dicts and arrays whose keys and values pair up. Every
 // repair is reported; entries that cannot be paired are dropped and the rest is kept.
 // Returns true when the document ends up with its root dict.
-bool RepairPlistDocument(TiXmlDocument* pDocument);
+[[nodiscard]] bool RepairPlistDocument(TiXmlDocument* pDocument);

@@ -10,12 +10,12 @@ class TiXmlElement;
 // its output alone, when the element is not of its type or its text does not parse.
 // A writer turns the element into a value of its type, whatever it was before.
 
-bool ReadPlistBool(const TiXmlElement& Value, bool* pbValue);
-bool ReadPlistInteger(const TiXmlElement& Value, qint64* piValue);
-bool ReadPlistReal(const TiXmlElement& Value, double* pdValue);
-bool ReadPlistString(const TiXmlElement& Value, QString* pValue);
-bool ReadPlistData(const TiXmlElement& Value, QByteArray* pValue);
-bool ReadPlistStringArray(const TiXmlElement& Value, QStringList* pValue);
+[[nodiscard]] bool ReadPlistBool(const TiXmlElement& Value, bool* pbValue);
+[[nodiscard]] bool ReadPlistInteger(const TiXmlElement& Value, qint64* piValue);
+[[nodiscard]] bool ReadPlistReal(const TiXmlElement& Value, double* pdValue);
+[[nodiscard]] bool ReadPlistString(const TiXmlElement& Value, QString* pValue);
+[[nodiscard]] bool ReadPlistData(const TiXmlElement& Value, QByteArray* pValue);
+[[nodiscard]] bool ReadPlistStringArray(const TiXmlElement& Value, QStringList* pValue);
 
 void WritePlistBool(TiXmlElement* pValue, bool bValue);
 void WritePlistInteger(TiXmlElement* pValue, qint64 iValue);

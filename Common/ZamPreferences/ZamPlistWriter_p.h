@@ -10,4 +10,4 @@ extern const char acEmptyPlistDocument[];
 // Serialises the document as indented XML 1.0 that any property-list reader accepts.
 // Element-free dicts and arrays are written as an open and a close line, so an empty
 // document comes out exactly as acEmptyPlistDocument.
-QByteArray WritePlistDocument(const TiXmlDocument& Document);
+[[nodiscard]] QByteArray WritePlistDocument(const TiXmlDocument& Document);

@@ -94,7 +94,7 @@ public:
     // Returns true also when the document needed repairs.
     bool Load(QString* pTriedPath = nullptr, QString* pError = nullptr);
     // Writes the whole document through "<file>.tmp" and renames it over the file.
-    bool Save(QString* pError = nullptr);
+    [[nodiscard]] bool Save(QString* pError = nullptr);
 
     // Replaces the document by one parsed from Bytes, with the same checks and repairs as
     // Load, without touching the disk. False when Bytes could not be used at all.

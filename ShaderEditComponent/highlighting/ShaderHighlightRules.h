@@ -35,7 +35,7 @@ struct SHighlightRuleSet
     unsigned int uiCount;
 };
 
-SHighlightRuleSet GetShaderHighlightRules();
+[[nodiscard]] SHighlightRuleSet GetShaderHighlightRules();
 
 // The fixed expressions.
 namespace HighlightPattern

@@ -104,4 +104,4 @@ private:
 
 // The longest run of characters that every match of a QRegExp pattern must contain, or an
 // empty string when none can be told. Conservative: never longer than the truth.
-QString RequiredPatternLiteral(const QString& Pattern);
+[[nodiscard]] QString RequiredPatternLiteral(const QString& Pattern);

@@ -28,4 +28,4 @@ enum EPreferenceText : int
     PrefText_Count
 };
 
-QString PreferenceText(EPreferenceText eText);
+[[nodiscard]] QString PreferenceText(EPreferenceText eText);

@@ -56,16 +56,16 @@ enum EApplicationText : int
 };
 
 // Languages of the table; index 0 is "English", the only one there is.
-int GetApplicationLanguageCount();
-QString GetApplicationLanguageName(int iLanguage);
+[[nodiscard]] int GetApplicationLanguageCount();
+[[nodiscard]] QString GetApplicationLanguageName(int iLanguage);
 
 // The process-wide language. Unknown indices are refused (false) and change nothing.
-bool SetApplicationLanguage(int iLanguage);
-int GetApplicationLanguage();
+[[nodiscard]] bool SetApplicationLanguage(int iLanguage);
+[[nodiscard]] int GetApplicationLanguage();
 
 // Text of the current language; numbers outside the table give an empty text.
-QString GetApplicationText(int iIndex);
-inline QString GetApplicationText(EApplicationText eIndex)
+[[nodiscard]] QString GetApplicationText(int iIndex);
+[[nodiscard]] inline QString GetApplicationText(EApplicationText eIndex)
 {
     return GetApplicationText(static_cast<int>(eIndex));
 }

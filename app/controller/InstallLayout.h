@@ -7,6 +7,6 @@
 // <prefix>/share/zamshadereditor/.
 
 // <prefix>/share/zamshadereditor/examples, whether or not it exists.
-QString InstalledExamplesFolder();
+[[nodiscard]] QString InstalledExamplesFolder();
 // Folder/Name when that is an existing regular file, else empty.
-QString FindInstalledFile(const QString& Folder, const QString& Name);
+[[nodiscard]] QString FindInstalledFile(const QString& Folder, const QString& Name);

@@ -37,7 +37,7 @@ struct SDialogCommandLine
 // token gets a double quote before it and one at the next blank (or the end), unless it
 // follows a double quote or a "-". After such a character nothing is quoted up to the next
 // double quote, so "-o" stays bare and so does whatever follows it until a quote.
-QString QuoteCommandWords(const QString& Text);
+[[nodiscard]] QString QuoteCommandWords(const QString& Text);
 
 // A custom template: %i% (the source's folder), %f% (its file name), %b% (its name before the
 // first dot) and %o% (OutputDirectory) are filled in, and the words quoted. Each filled-in

@@ -21,7 +21,7 @@ enum EDialogText : int
     DialogText_Count
 };
 
-QString DialogText(EDialogText eText);
+[[nodiscard]] QString DialogText(EDialogText eText);
 
 // The sentence that says why a command line is refused; empty for a usable one.
-QString DescribeCommandLineProblem(ECommandLineProblem eProblem);
+[[nodiscard]] QString DescribeCommandLineProblem(ECommandLineProblem eProblem);

@@ -5,20 +5,20 @@
 // What this build is, for the about box, the feedback text and the update message.
 
 // The project version of the build ("0.1.0").
-QString BuildVersion();
+[[nodiscard]] QString BuildVersion();
 // Commits in the checkout's history when the build ran; 0 when it was built without one.
-int BuildNumber();
+[[nodiscard]] int BuildNumber();
 // The short commit of the build, or empty when unknown.
-QString BuildCommit();
+[[nodiscard]] QString BuildCommit();
 
 // "SDK build <version>@<build number>".
-QString BuildIdentifier();
+[[nodiscard]] QString BuildIdentifier();
 // The application text followed by the build identifier in parentheses.
-QString ApplicationTextWithBuild(const QString& AppText);
+[[nodiscard]] QString ApplicationTextWithBuild(const QString& AppText);
 
 // The libraries the program runs on, starting with "Qt version <run-time version>", joined
 // with " | ".
-QString LibraryVersionLine();
+[[nodiscard]] QString LibraryVersionLine();
 
 // Several lines that identify this build and the system it runs on, for feedback reports.
-QString IdentificationText(const QString& AppText);
+[[nodiscard]] QString IdentificationText(const QString& AppText);

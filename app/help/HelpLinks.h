@@ -13,23 +13,23 @@ class QWidget;
 using UrlOpener = std::function<bool(const QUrl&)>;
 
 // QDesktopServices::openUrl.
-bool OpenUrlWithDesktop(const QUrl& Url);
+[[nodiscard]] bool OpenUrlWithDesktop(const QUrl& Url);
 // Opens Link with Opener; a link that nothing opened is logged.
 void LaunchLink(const UrlOpener& Opener, const QString& Link);
 
 // The maker's addresses shown in the about box and the feedback dialog.
-QString SupportEmailAddress();
-QString SupportTeamName();
-QString WebsiteUrl();
-QString ForumUrl();
-QString CopyrightLine();
+[[nodiscard]] QString SupportEmailAddress();
+[[nodiscard]] QString SupportTeamName();
+[[nodiscard]] QString WebsiteUrl();
+[[nodiscard]] QString ForumUrl();
+[[nodiscard]] QString CopyrightLine();
 
 // Rich text for a label: a link to Url that reads Text, in Colour (any CSS colour; empty
 // keeps the style's link colour). Both are escaped for rich text.
-QString RichTextLink(const QString& Url, const QString& Text, const QString& Colour = QString());
+[[nodiscard]] QString RichTextLink(const QString& Url, const QString& Text, const QString& Colour = QString());
 
 // A plain label named ObjectName, and one that shows a link (linkActivated is emitted on a
 // click; nothing is opened by the label itself).
-QLabel* NewLabel(QWidget* pParent, const QString& ObjectName, const QString& Text);
+[[nodiscard]] QLabel* NewLabel(QWidget* pParent, const QString& ObjectName, const QString& Text);
 QLabel* NewLinkLabel(QWidget* pParent, const QString& ObjectName, const QString& Url, const QString& Text,
                      const QString& Colour = QString());

@@ -432,13 +432,13 @@ QString FirstHeadingText(const QString& Markdown)
 }
 } // namespace
 
-int RenderMarkdownToPdf(const QString& Markdown, const QString& BaseFolder, const QString& PdfPath, QString* pError)
+SManualPdf RenderMarkdownToPdf(const QString& Markdown, const QString& BaseFolder, const QString& PdfPath)
 {
+    SManualPdf Written;
     if (Markdown.trimmed().isEmpty())
     {
-        if (pError)
-            *pError = QStringLiteral("The manual text is empty.");
-        return 0;
+        Written.Error = QStringLiteral("The manual text is empty.");
+        return Written;
     }
     const QString Title = FirstHeadingText(Markdown);
     QPdfWriter Writer(PdfPath);
@@ -463,7 +463,7 @@ int RenderMarkdownToPdf(const QString& Markdown, const QString& BaseFolder, cons
         dBodyHeight);
     const std::unique_ptr<QTextDocument> pDoc =
         TypesetDocument(WithContents(Numbered, iFirstChapterLine, ContentsMarkdown(Headings, Pages)), BaseFolder, Writer, Page);
-    if (!PaintPages(Writer, *pDoc, Title, dBodyHeight, pError))
-        return 0;
-    return pDoc->pageCount();
+    if (PaintPages(Writer, *pDoc, Title, dBodyHeight, &Written.Error))
+        Written.iPages = pDoc->pageCount();
+    return Written;
 }

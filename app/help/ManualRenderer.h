@@ -9,6 +9,10 @@
 // every page after the title carries the title and its number. Images with relative paths
 // are taken from BaseFolder.
 //
-// Returns the number of pages written, or 0 with *pError saying why nothing was written.
-int RenderMarkdownToPdf(const QString& Markdown, const QString& BaseFolder, const QString& PdfPath,
-                        QString* pError = nullptr);
+struct SManualPdf
+{
+    int iPages = 0; // 0: nothing was written
+    QString Error;  // why nothing was written
+};
+
+[[nodiscard]] SManualPdf RenderMarkdownToPdf(const QString& Markdown, const QString& BaseFolder, const QString& PdfPath);

@@ -29,10 +29,7 @@ bool CInstanceMessageReader::TakeAvailableBytes()
     m_Bytes += m_pSocket->read(MaxInstanceMessageBytes + 1 - m_Bytes.size());
     if (m_Bytes.size() <= MaxInstanceMessageBytes)
         return true;
-    QString Error;
-    QString Message;
-    DecodeInstanceMessage(m_Bytes, Message, Error);
-    qCWarning(lcZamInstance).noquote() << "Single instance:" << Error;
+    qCWarning(lcZamInstance).noquote() << "Single instance:" << DecodeInstanceMessage(m_Bytes).Error;
     Finish();
     return false;
 }
@@ -51,12 +48,11 @@ void CInstanceMessageReader::OnDisconnected()
     // A second start that had nothing to send closes the connection it checked with.
     if (m_Bytes.isEmpty())
         return;
-    QString Message;
-    QString Error;
-    if (DecodeInstanceMessage(m_Bytes, Message, Error))
-        emit MessageRead(Message);
+    const SInstanceMessage Message = DecodeInstanceMessage(m_Bytes);
+    if (Message.Error.isEmpty())
+        emit MessageRead(Message.Text);
     else
-        qCWarning(lcZamInstance).noquote() << "Single instance:" << Error;
+        qCWarning(lcZamInstance).noquote() << "Single instance:" << Message.Error;
 }
 
 void CInstanceMessageReader::OnTimeout()

@@ -31,15 +31,15 @@ CSingleApplication::~CSingleApplication() = default;
 
 void CSingleApplication::DecideRole()
 {
-    QString Error;
-    const QString Folder = PrivateInstanceFolder(Error);
-    if (Folder.isEmpty())
+    const SPrivateFolder Folder = PrivateInstanceFolder();
+    if (Folder.Path.isEmpty())
     {
-        qCWarning(lcZamInstance).noquote() << "Single instance: no private folder for the local server, running alone:" << Error;
+        qCWarning(lcZamInstance).noquote() << "Single instance: no private folder for the local server, running alone:"
+                                           << Folder.Error;
         CreateSegment();
         return;
     }
-    m_ServerPath = Folder + QLatin1Char('/') + m_Key;
+    m_ServerPath = Folder.Path + QLatin1Char('/') + m_Key;
     // A server that answers (or is too busy to) is a running instance; no lock is needed for that.
     if (ProbeRunningInstance() != eProbe_NoServer)
     {
@@ -47,6 +47,7 @@ void CSingleApplication::DecideRole()
         return;
     }
     CInstanceLock Lock(m_ServerPath + QStringLiteral(".lock"));
+    QString Error;
     if (!Lock.TryLock(LockTimeoutMs, Error))
         qCWarning(lcZamInstance).noquote() << "Single instance:" << Error;
     // Another first start may have finished between the probe and the lock.
@@ -143,12 +144,12 @@ void CSingleApplication::ReceiveMessage()
     while (QLocalSocket* pSocket = m_pLocalServer->nextPendingConnection())
     {
         // The folder already keeps other users out; this holds even if its mode is loosened.
-        uint uiPeer = 0;
-        QString Error;
-        if (!GetPeerUserId(pSocket->socketDescriptor(), uiPeer, Error) || uiPeer != CurrentUserId())
+        const SPeerUser Peer = GetPeerUser(pSocket->socketDescriptor());
+        if (!Peer.bKnown || Peer.uiUserId != CurrentUserId())
         {
-            if (Error.isEmpty())
-                Error = QStringLiteral("a connection from user %1 was refused").arg(uiPeer);
+            const QString Error = Peer.bKnown
+                                      ? QStringLiteral("a connection from user %1 was refused").arg(Peer.uiUserId)
+                                      : Peer.Error;
             qCWarning(lcZamInstance).noquote() << "Single instance:" << Error;
             pSocket->abort();
             pSocket->deleteLater();

@@ -57,11 +57,10 @@ bool WriteAll(int iSocket, const QByteArray& Bytes)
 
 bool HandOverToRunningInstance(const QString& UniqueKey, const QStringList& Arguments)
 {
-    QString Error;
-    const QString Folder = PrivateInstanceFolder(Error);
-    if (Folder.isEmpty())
+    const SPrivateFolder Folder = PrivateInstanceFolder();
+    if (Folder.Path.isEmpty())
         return false;
-    const int iSocket = ConnectTo(QFile::encodeName(Folder + QLatin1Char('/') + UserScopedInstanceKey(UniqueKey)));
+    const int iSocket = ConnectTo(QFile::encodeName(Folder.Path + QLatin1Char('/') + UserScopedInstanceKey(UniqueKey)));
     if (iSocket < 0)
         return false;
     const QByteArray Message = HandOverMessage(Arguments).toUtf8();

@@ -12,4 +12,4 @@
 // file does not exist connects and writes nothing. True when an instance took the
 // connection, so this start is done; false when none answered, and the normal start decides
 // (it also cleans up what a crashed instance left behind).
-bool HandOverToRunningInstance(const QString& UniqueKey, const QStringList& Arguments);
+[[nodiscard]] bool HandOverToRunningInstance(const QString& UniqueKey, const QStringList& Arguments);

@@ -61,48 +61,48 @@ bool IsPrivateFolder(const QString& Path, QString& Error)
     return true;
 }
 
-QString PrivateInstanceFolder(QString& Error)
+SPrivateFolder PrivateInstanceFolder()
 {
+    SPrivateFolder Found;
     const QString Runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
     if (!Runtime.isEmpty())
     {
-        if (IsPrivateFolder(Runtime, Error))
-            return Runtime;
-        qCWarning(lcZamInstance).noquote() << "XDG_RUNTIME_DIR is not private, using the temporary folder:" << Error;
+        if (IsPrivateFolder(Runtime, Found.Error))
+            return {Runtime, QString()};
+        qCWarning(lcZamInstance).noquote() << "XDG_RUNTIME_DIR is not private, using the temporary folder:" << Found.Error;
     }
     const QString Folder = QDir::tempPath() + QStringLiteral("/zamshadereditor-") + QString::number(CurrentUserId());
     if (::mkdir(QFile::encodeName(Folder).constData(), 0700) != 0 && errno != EEXIST)
-    {
-        Error = QStringLiteral("cannot create %1: %2").arg(Folder, ErrnoText());
-        return QString();
-    }
-    if (!IsPrivateFolder(Folder, Error))
-        return QString();
-    return Folder;
+        return {QString(), QStringLiteral("cannot create %1: %2").arg(Folder, ErrnoText())};
+    if (!IsPrivateFolder(Folder, Found.Error))
+        return {QString(), Found.Error};
+    return {Folder, QString()};
 }
 
-bool GetPeerUserId(qintptr iSocket, uint& uiUserId, QString& Error)
+SPeerUser GetPeerUser(qintptr iSocket)
 {
+    SPeerUser Peer;
 #if defined(SO_PEERCRED)
     struct ucred Credentials;
     socklen_t iLength = sizeof(Credentials);
     if (::getsockopt(int(iSocket), SOL_SOCKET, SO_PEERCRED, &Credentials, &iLength) != 0)
     {
-        Error = QStringLiteral("cannot read the peer's credentials: %1").arg(ErrnoText());
-        return false;
+        Peer.Error = QStringLiteral("cannot read the peer's credentials: %1").arg(ErrnoText());
+        return Peer;
     }
-    uiUserId = uint(Credentials.uid);
+    Peer.uiUserId = uint(Credentials.uid);
 #else
     uid_t UserId = 0;
     gid_t GroupId = 0;
     if (::getpeereid(int(iSocket), &UserId, &GroupId) != 0)
     {
-        Error = QStringLiteral("cannot read the peer's credentials: %1").arg(ErrnoText());
-        return false;
+        Peer.Error = QStringLiteral("cannot read the peer's credentials: %1").arg(ErrnoText());
+        return Peer;
     }
-    uiUserId = uint(UserId);
+    Peer.uiUserId = uint(UserId);
 #endif
-    return true;
+    Peer.bKnown = true;
+    return Peer;
 }
 
 CInstanceLock::CInstanceLock(const QString& Path)

@@ -15,31 +15,32 @@ QString HandOverMessage(const QStringList& Arguments)
     return QDir::cleanPath(QFileInfo(File).absoluteFilePath());
 }
 
-bool DecodeInstanceMessage(const QByteArray& Bytes, QString& Message, QString& Error)
+SInstanceMessage DecodeInstanceMessage(const QByteArray& Bytes)
 {
+    SInstanceMessage Decoded;
     if (Bytes.isEmpty())
     {
-        Error = QStringLiteral("the connection closed without a message");
-        return false;
+        Decoded.Error = QStringLiteral("the connection closed without a message");
+        return Decoded;
     }
     if (Bytes.size() > MaxInstanceMessageBytes)
     {
-        Error = QStringLiteral("a message longer than %1 bytes was refused").arg(MaxInstanceMessageBytes);
-        return false;
+        Decoded.Error = QStringLiteral("a message longer than %1 bytes was refused").arg(MaxInstanceMessageBytes);
+        return Decoded;
     }
     if (Bytes.contains('\0'))
     {
-        Error = QStringLiteral("a message holding a NUL byte was refused");
-        return false;
+        Decoded.Error = QStringLiteral("a message holding a NUL byte was refused");
+        return Decoded;
     }
     // A leading byte-order mark is kept: the text is passed on unchanged or not at all.
     QStringDecoder Decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
-    QString Text = Decoder.decode(Bytes);
+    const QString Text = Decoder.decode(Bytes);
     if (Decoder.hasError())
     {
-        Error = QStringLiteral("a message that is not valid UTF-8 was refused");
-        return false;
+        Decoded.Error = QStringLiteral("a message that is not valid UTF-8 was refused");
+        return Decoded;
     }
-    Message = Text;
-    return true;
+    Decoded.Text = Text;
+    return Decoded;
 }

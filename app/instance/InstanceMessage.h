@@ -16,8 +16,15 @@ inline constexpr qsizetype MaxInstanceMessageBytes = 64 * 1024;
 // there is no argument, the absolute path of the first argument when that file exists, else
 // nothing (an empty text). The path is made absolute because the running instance has its own
 // working folder; it also keeps a file named like the keyword from being taken for it.
-QString HandOverMessage(const QStringList& Arguments);
+[[nodiscard]] QString HandOverMessage(const QStringList& Arguments);
 
-// False, with Error set, for an empty message, one longer than MaxInstanceMessageBytes, one
-// holding a NUL byte (no path can) or one that is not valid UTF-8.
-bool DecodeInstanceMessage(const QByteArray& Bytes, QString& Message, QString& Error);
+// A message as received: its text, or why it was refused.
+struct SInstanceMessage
+{
+    QString Text;  // empty when refused
+    QString Error; // empty when taken
+};
+
+// Refuses an empty message, one longer than MaxInstanceMessageBytes, one holding a NUL byte
+// (no path can) and one that is not valid UTF-8.
+[[nodiscard]] SInstanceMessage DecodeInstanceMessage(const QByteArray& Bytes);

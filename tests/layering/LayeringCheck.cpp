@@ -257,27 +257,21 @@ bool CLayeringCheck::Links(const SLayeringLibrary& From, const QString& To) cons
 }
 } // namespace
 
-QVector<SLayeringLibrary> ReadLibraryTable(const QString& Path, QString& Error)
+SLibraryTable ReadLibraryTable(const QString& Path)
 {
     QFile File(Path);
     if (!File.open(QIODevice::ReadOnly))
-    {
-        Error = QStringLiteral("%1: %2").arg(Path, File.errorString());
-        return {};
-    }
+        return {{}, QStringLiteral("%1: %2").arg(Path, File.errorString())};
     QVector<SLayeringLibrary> Libraries;
     const QStringList Lines = QString::fromUtf8(File.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     for (const QString& Line : Lines)
     {
         const QStringList Words = Line.split(QLatin1Char(' '), Qt::SkipEmptyParts);
         if (Words.size() < 2)
-        {
-            Error = QStringLiteral("%1: not a row of the library table: \"%2\"").arg(Path, Line);
-            return {};
-        }
+            return {{}, QStringLiteral("%1: not a row of the library table: \"%2\"").arg(Path, Line)};
         Libraries.append({Words.at(0), Words.at(1).split(QLatin1Char(',')), Words.mid(2)});
     }
-    return Libraries;
+    return {Libraries, QString()};
 }
 
 QStringList CheckLayering(const QString& Root, const QVector<SLayeringLibrary>& Libraries, const QStringList& Skipped)

@@ -22,12 +22,18 @@ struct SLayeringLibrary
     QStringList Links;   // project libraries it links
 };
 
+struct SLibraryTable
+{
+    QVector<SLayeringLibrary> Libraries; // empty when the table could not be read
+    QString Error;
+};
+
 // The table the build writes: one line a library, with its name, its folders joined by ','
-// and the project libraries it links.
-// Empty, with Error set, when the file cannot be read or a line is not a row.
-QVector<SLayeringLibrary> ReadLibraryTable(const QString& Path, QString& Error);
+// and the project libraries it links. A file that cannot be read or a line that is no row
+// gives no libraries and the reason.
+[[nodiscard]] SLibraryTable ReadLibraryTable(const QString& Path);
 
 // Every violation under Root as "file:line: what is wrong", in file order. Folders named in
 // Skipped (from the top of the tree) are not read.
-QStringList CheckLayering(const QString& Root, const QVector<SLayeringLibrary>& Libraries,
+[[nodiscard]] QStringList CheckLayering(const QString& Root, const QVector<SLayeringLibrary>& Libraries,
                           const QStringList& Skipped = QStringList());

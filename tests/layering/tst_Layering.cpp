@@ -29,9 +29,9 @@ private slots:
 
 void CLayeringTest::TreeFollowsItsLayers()
 {
-    QString Error;
-    const QVector<SLayeringLibrary> Libraries = ReadLibraryTable(QStringLiteral(ZAM_LIBRARY_TABLE), Error);
-    QVERIFY2(!Libraries.isEmpty(), qPrintable(Error));
+    const SLibraryTable Table = ReadLibraryTable(QStringLiteral(ZAM_LIBRARY_TABLE));
+    QVERIFY2(!Table.Libraries.isEmpty(), qPrintable(Table.Error));
+    const QVector<SLayeringLibrary>& Libraries = Table.Libraries;
     const QDir Root(TestFiles::SourceDir());
     for (const SLayeringLibrary& Library : Libraries)
         QVERIFY2(Root.exists(Library.Folders.value(0)), qPrintable(Library.Name));

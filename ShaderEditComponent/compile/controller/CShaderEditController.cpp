@@ -35,7 +35,8 @@ CShaderEditController::CShaderEditController(const SShaderEditControllerOptions&
     connect(m_pThread, &QThread::finished, m_pThread, &QObject::deleteLater);
     m_pThread->start(QThread::InheritPriority);
 
-    FillFileFormats(m_FileFormats);
+    if (FillFileFormats(m_FileFormats) != 0)
+        qCWarning(lcZamCompile, "Not enough memory for the list of file formats");
     m_FileDialogFilter = BuildFileDialogFilter(m_FileFormats);
     LoadSettings(Options.iCompilerSelection);
     m_pDetector = new CCompilerDetector(Options.iDetectionTimeoutMs, this);

@@ -35,9 +35,9 @@ Q_DECLARE_METATYPE(SCompilerDetection)
 // what it printed (at most the banner limit is read). A path that does not start, or a
 // program that has not ended within the time limit, gives an unusable result. Blocks for up
 // to the time limit: call it from a worker thread (CCompilerDetector does).
-SCompilerDetection DetectCompiler(const QString& ExecutablePath, int iTimeoutMs = DefaultDetectionTimeoutMs);
+[[nodiscard]] SCompilerDetection DetectCompiler(const QString& ExecutablePath, int iTimeoutMs = DefaultDetectionTimeoutMs);
 // The same, cancellable from another thread through Control.
-SCompilerDetection DetectCompiler(const QString& ExecutablePath, int iTimeoutMs, CRunControl& Control);
+[[nodiscard]] SCompilerDetection DetectCompiler(const QString& ExecutablePath, int iTimeoutMs, CRunControl& Control);
 
 // Detects compilers on threads of its own and reports on the thread it lives on, so a
 // compiler that hangs never holds up the window. One detection at a time: starting another

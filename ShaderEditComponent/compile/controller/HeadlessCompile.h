@@ -16,12 +16,12 @@ class QIODevice;
 
 // True when the arguments (program name first) ask for the command-line compile, so the
 // caller can choose a QCoreApplication before any GUI is made.
-bool IsHeadlessCompileRequest(int argc, const char* const* argv);
+[[nodiscard]] bool IsHeadlessCompileRequest(int argc, const char* const* argv);
 
 // Returns the exit status: 0 when every file compiled, 1 otherwise (a bad command line too),
 // 128 + the signal's number when interrupted.
-int RunHeadlessCompile(const QStringList& Arguments, QIODevice& Out, QIODevice& Err);
+[[nodiscard]] int RunHeadlessCompile(const QStringList& Arguments, QIODevice& Out, QIODevice& Err);
 
 // The whole command-line run for main(): makes the QCoreApplication, writes to the standard
 // output and error, returns the exit status.
-int RunHeadlessCompileMain(int argc, char** argv);
+[[nodiscard]] int RunHeadlessCompileMain(int argc, char** argv);

@@ -25,8 +25,8 @@ struct SCompileOptionName
 };
 
 // The option rows in flag order (the order switches are written on a command line).
-int GetCompileOptionCount();
-SCompileOptionName GetCompileOption(int iIndex);
+[[nodiscard]] int GetCompileOptionCount();
+[[nodiscard]] SCompileOptionName GetCompileOption(int iIndex);
 
 // Flag of one option name; 0 for names no row has.
 unsigned int GetCompileOptionFlag(const QString& Name);
@@ -40,7 +40,7 @@ struct SCompilerTarget
     QString DisplayName;
 };
 
-int GetCompilerTargetCount();
+[[nodiscard]] int GetCompilerTargetCount();
 // Out-of-range indices give a row with empty texts.
 const SCompilerTarget& GetCompilerTarget(int iIndex);
 

@@ -16,13 +16,13 @@ struct SFileFormatSpecifier
 
 // Replaces the contents of Rows with the format rows in their fixed order. Returns 0 on
 // success, 1 when the array could not grow.
-int FillFileFormats(CZamTArray<SFileFormatSpecifier>& Rows);
+[[nodiscard]] int FillFileFormats(CZamTArray<SFileFormatSpecifier>& Rows);
 
 // The open/save dialog filter: an "all supported" entry, one entry per row, "All files".
-QString BuildFileDialogFilter(const CZamTArray<SFileFormatSpecifier>& Rows);
+[[nodiscard]] QString BuildFileDialogFilter(const CZamTArray<SFileFormatSpecifier>& Rows);
 
 // Index of the row with exactly this extension, or -1.
-int FindFileFormatByExtension(const CZamTArray<SFileFormatSpecifier>& Rows, const QString& Extension);
+[[nodiscard]] int FindFileFormatByExtension(const CZamTArray<SFileFormatSpecifier>& Rows, const QString& Extension);
 // Index of the first row whose type covers eType (the shared effect row covers both effect
 // types), or -1.
-int FindFileFormatByType(const CZamTArray<SFileFormatSpecifier>& Rows, EShaderDocType eType);
+[[nodiscard]] int FindFileFormatByType(const CZamTArray<SFileFormatSpecifier>& Rows, EShaderDocType eType);

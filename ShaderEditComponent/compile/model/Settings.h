@@ -67,10 +67,10 @@ struct SCompiler
 // The system's temporary directory with a trailing '/', as UTF-8. Empty when the path is
 // longer than the 260 characters the record can hold, rather than a cut-off path that
 // might name some other directory.
-CZamTString DefaultTempDirectory();
+[[nodiscard]] CZamTString DefaultTempDirectory();
 
 // A text format whose foreground is a solid brush of the colour.
-QTextCharFormat MakeForegroundFormat(quint32 uiArgb);
+[[nodiscard]] QTextCharFormat MakeForegroundFormat(quint32 uiArgb);
 
 // Reads every field of the record; keys that are missing or hold a value of the wrong
 // type or range give the field's default.

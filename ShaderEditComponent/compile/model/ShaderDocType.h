@@ -38,15 +38,15 @@ class CZamTString;
 
 // Display title of a single type; unions (such as the 48 of the shared effect extension)
 // and unknown values give an empty text.
-QString GetDocTypeName(EShaderDocType eType);
+[[nodiscard]] QString GetDocTypeName(EShaderDocType eType);
 // Name of a language group mask (0, 3, 12, 960, 1024); other masks give an empty text.
-QString GetLanguageName(unsigned int uiGroupMask);
+[[nodiscard]] QString GetLanguageName(unsigned int uiGroupMask);
 // The text the new-file dialog shows for a type; empty for values that are not a type.
-QString GetDocTypeDescription(EShaderDocType eType);
+[[nodiscard]] QString GetDocTypeDescription(EShaderDocType eType);
 // The type's own file extension without the dot ("zfx" for both effect types).
-QString GetDocTypeExtension(EShaderDocType eType);
+[[nodiscard]] QString GetDocTypeExtension(EShaderDocType eType);
 // The language group a type belongs to; effect files go with their shading language.
-EShaderLanguageGroup GetDocTypeLanguageGroup(EShaderDocType eType);
+[[nodiscard]] EShaderLanguageGroup GetDocTypeLanguageGroup(EShaderDocType eType);
 
 struct SNewFileEntry
 {
@@ -54,15 +54,15 @@ struct SNewFileEntry
     EShaderLanguageGroup eGroup;
 };
 // The types offered for a new document, in the order the dialog lists them.
-QVector<SNewFileEntry> GetNewFileEntries();
+[[nodiscard]] QVector<SNewFileEntry> GetNewFileEntries();
 
 // Guesses the type of a file being opened. Extension comparisons are exact (case-sensitive),
 // and the extension is given without its dot.
-EShaderDocType DetectDocumentType(const CZamTString& Contents, const CZamTString& Extension);
-EShaderDocType DetectDocumentType(const QString& Contents, const QString& Extension);
+[[nodiscard]] EShaderDocType DetectDocumentType(const CZamTString& Contents, const CZamTString& Extension);
+[[nodiscard]] EShaderDocType DetectDocumentType(const QString& Contents, const QString& Extension);
 
 // Types whose new-file description promises background compiling (the GLSL:ES group).
-bool IsBackgroundCompilable(EShaderDocType eType);
+[[nodiscard]] bool IsBackgroundCompilable(EShaderDocType eType);
 // Types that an edit panel actually compiles while the user types: the GLSL:ES group plus
 // OpenCL kernels, which have a compiler of their own.
-bool IsAutoCompiledType(EShaderDocType eType);
+[[nodiscard]] bool IsAutoCompiledType(EShaderDocType eType);

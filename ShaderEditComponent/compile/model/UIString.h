@@ -107,9 +107,9 @@ enum EUIString : int
 };
 
 // Only one language exists; the index is kept so callers don't hard-wire that.
-int GetUIStringLanguageCount();
-QString GetUIStringLanguageName(int iLanguage);
+[[nodiscard]] int GetUIStringLanguageCount();
+[[nodiscard]] QString GetUIStringLanguageName(int iLanguage);
 
-QString UIString(EUIString eIndex);
+[[nodiscard]] QString UIString(EUIString eIndex);
 // Out-of-range numbers give an empty text.
-QString GetUIString(int iIndex);
+[[nodiscard]] QString GetUIString(int iIndex);

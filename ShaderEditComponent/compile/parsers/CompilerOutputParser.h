@@ -23,7 +23,7 @@ struct SCompilerOutput
 // unit starts in its document) both in the text and in the message's iLine, so that a
 // double-click in the log lands on the document's own line. Numbers too large to move leave
 // the line as it is, without a line.
-SCompilerOutput ParseCompilerOutput(const QByteArray& Output, int iLineOffset);
+[[nodiscard]] SCompilerOutput ParseCompilerOutput(const QByteArray& Output, int iLineOffset);
 
 // The most of a failed run's raw output that the log shows: 16 KiB.
 constexpr qsizetype MaxRawOutputInLog = 16 * 1024;
@@ -31,4 +31,4 @@ constexpr qsizetype MaxRawOutputInLog = 16 * 1024;
 // A failed run's output as log text, for when it held no message at all: a custom compiler's
 // own words for failing are then the only reason there is. Whole lines up to
 // MaxRawOutputInLog, each ending in "\n", then a note of what was left out.
-QByteArray RawOutputForLog(const QByteArray& Output);
+[[nodiscard]] QByteArray RawOutputForLog(const QByteArray& Output);

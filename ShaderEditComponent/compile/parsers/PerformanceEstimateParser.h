@@ -18,7 +18,7 @@ struct SPerformanceEstimate
 // Each figure is searched from the start of the output with its own expression, spacing
 // included. "Cycle count:" and then "Average cycle count:" both write the cycle count, so
 // the average wins when both are there.
-SPerformanceEstimate ParsePerformanceEstimate(const QString& Output);
+[[nodiscard]] SPerformanceEstimate ParsePerformanceEstimate(const QString& Output);
 
 // Copies the figures that were reported into the unit's profile record; the first cycle figure
 // is left as it is.

@@ -26,4 +26,4 @@ struct SProfileParse
 // the array's end); a line whose entry holds -1 takes K. A line that already has a count
 // ends the parse as malformed instead of being scanned again without end. Counts taken
 // before the parse stopped stay in the array.
-SProfileParse ParseProfile(const QString& Text, int iLineOffset, CZamTArray<int>& CycleCounts);
+[[nodiscard]] SProfileParse ParseProfile(const QString& Text, int iLineOffset, CZamTArray<int>& CycleCounts);

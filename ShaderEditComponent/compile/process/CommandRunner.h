@@ -27,11 +27,11 @@ public:
     bool IsCancelled() const;
 
     // Called by the worker when it is done. Returns true when the work was cancelled.
-    bool MarkFinished();
+    [[nodiscard]] bool MarkFinished();
 
     // The runner's side: a started command's guard process is registered so that Cancel can
     // reach it. Returns false, without registering, when the work is already cancelled.
-    bool AttachGuard(qint64 iGuard);
+    [[nodiscard]] bool AttachGuard(qint64 iGuard);
     void DetachGuard();
 
 private:
@@ -68,4 +68,4 @@ struct SCommandRun
 // RunnerPollMs at a time and polls the cancel flag between waits. When the command ends, is
 // cancelled, times out or floods, every process it started is ended, also those that left its
 // process group or session, so nothing it started outlives it or the editor.
-SCommandRun RunCommand(const SCompileCommand& Command, CRunControl& Control, const SRunOptions& Options = {});
+[[nodiscard]] SCommandRun RunCommand(const SCompileCommand& Command, CRunControl& Control, const SRunOptions& Options = {});

@@ -6,7 +6,7 @@
 #include <QStringList>
 
 // The two effect-file types, whose shaders are compiled one by one.
-bool IsEffectType(EShaderDocType eType);
+[[nodiscard]] bool IsEffectType(EShaderDocType eType);
 
 // The stage switch a document type adds to a compile: "v" (1) for the vertex types, "f" (2)
 // for the fragment types, nothing for the others.
@@ -21,7 +21,7 @@ struct SCompileCommand
 
 // Whether the executable is one of the bundled compilers, which take "--" to end their options
 // (told by its file name: glslcompiler_zc1 ... and clcompiler_zc1).
-bool TakesEndOfOptions(const QString& Executable);
+[[nodiscard]] bool TakesEndOfOptions(const QString& Executable);
 
 // The compiler's command: the three positional arguments (input, unit name, output base; empty
 // ones are left out), the extra arguments as they are, then one switch per option flag set, in
@@ -34,26 +34,26 @@ SCompileCommand BuildCompilerCommand(const QString& Executable, const QString& I
 
 // The arguments that are no options: those after "--", or else those that do not start with
 // "-" (a lone "-" counts as a name).
-QStringList PositionalArguments(const SCompileCommand& Command);
+[[nodiscard]] QStringList PositionalArguments(const SCompileCommand& Command);
 // Adds an option where it is still read as one: before "--" if there is one, else at the end.
 void AddOption(SCompileCommand& Command, const QString& Option);
 
 // The folder an OpenCL document's local headers are searched in: the folder of its file, empty
 // for a document that was never saved.
-QString IncludeFolderFor(const QString& DocumentPath);
+[[nodiscard]] QString IncludeFolderFor(const QString& DocumentPath);
 // "-I" and the folder, as two arguments; nothing for an empty folder.
-QStringList IncludeFolderArguments(const QString& Folder);
+[[nodiscard]] QStringList IncludeFolderArguments(const QString& Folder);
 
 // The command as one line of text, in argument order: the program and each argument that is
 // not a switch in double quotes followed by a blank, each switch as " -name". SplitCommandLine
 // gives the command back as long as no part holds a double quote.
-QString FormatCommandLine(const SCompileCommand& Command);
+[[nodiscard]] QString FormatCommandLine(const SCompileCommand& Command);
 
 // Splits a command template into words. Blanks separate words outside double quotes; a double
 // quote opens or closes a quoted stretch and is dropped; stretches that touch form one word
 // (-o"a b" gives -oa b); "" is an empty word. Nothing else is special, so a backslash or a
 // semicolon is an ordinary character.
-QStringList SplitCommandLine(const QString& Line);
+[[nodiscard]] QStringList SplitCommandLine(const QString& Line);
 
 // The values that a command template's placeholders stand for, from the source file's path.
 struct SSourcePlaceholders
@@ -63,7 +63,7 @@ struct SSourcePlaceholders
     QString BaseName;  // %b%: the name before its first dot
 };
 
-SSourcePlaceholders PlaceholdersForFile(const QString& FilePath);
+[[nodiscard]] SSourcePlaceholders PlaceholdersForFile(const QString& FilePath);
 
 // Replaces %i%, %f%, %b% and, when ShaderName is not null, "<ZFXShaders>" in one word, in a
 // single left-to-right pass: a replacement is never scanned again, so a file name that holds

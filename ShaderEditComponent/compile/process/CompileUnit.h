@@ -46,8 +46,8 @@ ECompileStatus RunFileCommand(const SCompileUnit& Unit, const SCompileCommand& C
 
 // The QTemporaryDir template of a private folder inside TempDirectory (the system's temporary
 // folder when that is empty): an unpredictable name, made with mode 0700.
-QString PrivateFolderTemplate(const QString& TempDirectory);
+[[nodiscard]] QString PrivateFolderTemplate(const QString& TempDirectory);
 
 // Writes a unit's source as FileName into a private temporary folder. Returns the file's
 // path, empty on failure; the file goes with the folder.
-QString WriteUnitSource(QTemporaryDir& Folder, const QString& FileName, const QByteArray& Source);
+[[nodiscard]] QString WriteUnitSource(QTemporaryDir& Folder, const QString& FileName, const QByteArray& Source);

@@ -11,15 +11,15 @@ constexpr quint32 CustomCompilerSelection = 4;
 
 // Base name of the bundled OpenCL compiler, used for OpenCL kernel documents whatever the
 // selection.
-QString OpenCLCompilerBaseName();
+[[nodiscard]] QString OpenCLCompilerBaseName();
 
 // Where bundled compilers are looked for, in order: the running executable's folder, then
 // the install's libexec folder ("<prefix>/libexec/zamshadereditor").
-QStringList DefaultCompilerSearchPaths();
+[[nodiscard]] QStringList DefaultCompilerSearchPaths();
 
 // The first executable file named BaseName in the search paths; empty when there is none.
-QString FindBundledCompiler(const QString& BaseName, const QStringList& SearchPaths);
+[[nodiscard]] QString FindBundledCompiler(const QString& BaseName, const QStringList& SearchPaths);
 
 // The executable that compiles GLSL ES for the settings' selection: the bundled target, or
 // the custom path as stored. Empty when a bundled target is not found.
-QString ResolveCompilerPath(const Settings::SCompiler& Compiler, const QStringList& SearchPaths);
+[[nodiscard]] QString ResolveCompilerPath(const Settings::SCompiler& Compiler, const QStringList& SearchPaths);

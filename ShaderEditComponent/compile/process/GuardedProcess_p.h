@@ -32,14 +32,14 @@ public:
     // Runs Command in WorkingDirectory (empty: the editor's). CleanupFolder (may be empty) is
     // removed by the guard if the editor dies first. False, with the system's reason, when the
     // command could not be started.
-    bool Start(const SCompileCommand& Command, const QString& WorkingDirectory, const QString& CleanupFolder,
+    [[nodiscard]] bool Start(const SCompileCommand& Command, const QString& WorkingDirectory, const QString& CleanupFolder,
                QString& Reason);
 
     pid_t GetGuardPid() const { return m_iGuard; }
 
     // Waits at most iTimeoutMs for output or for the guard's end, then appends what the pipe
     // holds, at most iMaxBytes, to Output. Returns false once the output has ended.
-    bool ReadOutput(int iTimeoutMs, qint64 iMaxBytes, QByteArray& Output);
+    [[nodiscard]] bool ReadOutput(int iTimeoutMs, qint64 iMaxBytes, QByteArray& Output);
     // True once the guard has ended; the exit status is then known.
     bool HasEnded();
     // Asks the guard to end the command and everything it started.

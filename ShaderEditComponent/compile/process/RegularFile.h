@@ -26,8 +26,8 @@ struct SRegularFile
 
 // Reads a file whole when it is a regular file of at most iMaxBytes. Whatever else the path
 // names is refused without waiting: a FIFO, a device or a directory is never read from.
-SRegularFile ReadRegularFile(const QString& Path, qint64 iMaxBytes);
+[[nodiscard]] SRegularFile ReadRegularFile(const QString& Path, qint64 iMaxBytes);
 
 // Why a read failed, as a clause for the user: "not a regular file (a FIFO)", "too large
 // (300 MiB); the limit is 256 MiB", or the system's reason. Empty after a successful read.
-QString DescribeReadFailure(const SRegularFile& File);
+[[nodiscard]] QString DescribeReadFailure(const SRegularFile& File);

@@ -23,14 +23,13 @@ int main(int argc, char** argv)
         return 1;
     }
     const QString Markdown = QString::fromUtf8(Source.readAll());
-    QString Error;
-    const int iPages = RenderMarkdownToPdf(Markdown, QFileInfo(Arguments[1]).absolutePath(), Arguments[2], &Error);
-    if (iPages == 0)
+    const SManualPdf Pdf = RenderMarkdownToPdf(Markdown, QFileInfo(Arguments[1]).absolutePath(), Arguments[2]);
+    if (Pdf.iPages == 0)
     {
-        Err << "zam_manual_pdf: " << Arguments[2] << ": " << Error << "\n";
+        Err << "zam_manual_pdf: " << Arguments[2] << ": " << Pdf.Error << "\n";
         QFile::remove(Arguments[2]);
         return 1;
     }
-    QTextStream(stdout) << "zam_manual_pdf: " << iPages << " pages written to " << Arguments[2] << "\n";
+    QTextStream(stdout) << "zam_manual_pdf: " << Pdf.iPages << " pages written to " << Arguments[2] << "\n";
     return 0;
 }

@@ -31,7 +31,8 @@ inline void WriteStartingFile(const QString& Compiler, const QString& TempDirect
     Store.SetString(QStringLiteral("Compiler/GLSLES"), Compiler);
     Store.SetInteger(QStringLiteral("Compiler/CompilerSelection"), CustomCompilerSelection);
     Store.SetString(QStringLiteral("Compiler/TempDirectory"), TempDirectory);
-    Store.Save();
+    if (!Store.Save())
+        qFatal("cannot write the starting preference file %s", qPrintable(Store.GetFilePath()));
 }
 
 struct SControllers

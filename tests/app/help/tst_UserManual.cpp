@@ -126,8 +126,7 @@ void CUserManualTest::RendererPagesAndFailures()
         "```\n# not a heading\n```\n\n# Two\n\nMore.\n");
     // Title page, contents, and a page for each chapter.
     const QString Pdf = Dir.filePath(QStringLiteral("small.pdf"));
-    QString Error;
-    QCOMPARE(RenderMarkdownToPdf(Markdown, Dir.path(), Pdf, &Error), 4);
+    QCOMPARE(RenderMarkdownToPdf(Markdown, Dir.path(), Pdf).iPages, 4);
     QCOMPARE(PageObjects(TestFiles::ReadAll(Pdf)), 4);
     const QString Text = Squeezed(PdfText(Pdf));
     if (!Text.isEmpty())
@@ -140,11 +139,13 @@ void CUserManualTest::RendererPagesAndFailures()
     }
 
     // Nothing to typeset, or nowhere to write: no pages and a reason.
-    QCOMPARE(RenderMarkdownToPdf(QStringLiteral(" \n"), Dir.path(), Dir.filePath(QStringLiteral("empty.pdf")), &Error), 0);
-    QVERIFY(!Error.isEmpty());
-    Error.clear();
-    QCOMPARE(RenderMarkdownToPdf(Markdown, Dir.path(), Dir.filePath(QStringLiteral("no/such/folder/x.pdf")), &Error), 0);
-    QVERIFY(!Error.isEmpty());
+    for (const auto& Case : {qMakePair(QStringLiteral(" \n"), QStringLiteral("empty.pdf")),
+                             qMakePair(Markdown, QStringLiteral("no/such/folder/x.pdf"))})
+    {
+        const SManualPdf Refused = RenderMarkdownToPdf(Case.first, Dir.path(), Dir.filePath(Case.second));
+        QCOMPARE(Refused.iPages, 0);
+        QVERIFY2(!Refused.Error.isEmpty(), qPrintable(Case.second));
+    }
 }
 
 QTEST_MAIN(CUserManualTest)

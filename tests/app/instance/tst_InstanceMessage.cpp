@@ -50,21 +50,17 @@ private slots:
 
 void CInstanceMessageTest::Decoding()
 {
-    QString Message;
-    QString Error;
     const QByteArray Cyrillic = QStringLiteral("/home/anna/шейдеры/свет.frag").toUtf8();
-    QVERIFY(DecodeInstanceMessage(Cyrillic, Message, Error));
-    QCOMPARE(Message, QStringLiteral("/home/anna/шейдеры/свет.frag"));
-    QVERIFY(DecodeInstanceMessage("raisebanana", Message, Error));
-    QCOMPARE(Message, QStringLiteral("raisebanana"));
+    QCOMPARE(DecodeInstanceMessage(Cyrillic).Text, QStringLiteral("/home/anna/шейдеры/свет.frag"));
+    QCOMPARE(DecodeInstanceMessage("raisebanana").Text, QStringLiteral("raisebanana"));
 
     // A byte-order mark is part of the name, not dropped.
-    QVERIFY(DecodeInstanceMessage("\xEF\xBB\xBF/tmp/a.frag", Message, Error));
-    QCOMPARE(Message, QString(QChar(0xFEFF)) + QStringLiteral("/tmp/a.frag"));
+    QCOMPARE(DecodeInstanceMessage("\xEF\xBB\xBF/tmp/a.frag").Text, QString(QChar(0xFEFF)) + QStringLiteral("/tmp/a.frag"));
 
     const QByteArray Longest(MaxInstanceMessageBytes, 'a');
-    QVERIFY(DecodeInstanceMessage(Longest, Message, Error));
-    QCOMPARE(Message.size(), MaxInstanceMessageBytes);
+    const SInstanceMessage Taken = DecodeInstanceMessage(Longest);
+    QVERIFY(Taken.Error.isEmpty());
+    QCOMPARE(Taken.Text.size(), MaxInstanceMessageBytes);
 
     const QList<QPair<QByteArray, QString>> Refused = {
         {QByteArray(), "without a message"},
@@ -77,11 +73,9 @@ void CInstanceMessageTest::Decoding()
     };
     for (const auto& Case : Refused)
     {
-        Message = QStringLiteral("unchanged");
-        Error.clear();
-        QVERIFY2(!DecodeInstanceMessage(Case.first, Message, Error), Case.first.toPercentEncoding().constData());
-        QVERIFY2(Error.contains(Case.second), qPrintable(Error));
-        QCOMPARE(Message, QStringLiteral("unchanged"));
+        const SInstanceMessage Refusal = DecodeInstanceMessage(Case.first);
+        QVERIFY2(Refusal.Error.contains(Case.second), qPrintable(Case.first.toPercentEncoding() + ": " + Refusal.Error));
+        QCOMPARE(Refusal.Text, QString());
     }
 }
 
@@ -108,40 +102,42 @@ void CInstanceMessageTest::PrivateFolders()
     const CEnvironmentGuard TempGuard("TMPDIR");
     qputenv("TMPDIR", QFile::encodeName(Temp.path()));
     const QString Fallback = Temp.path() + QStringLiteral("/zamshadereditor-") + QString::number(geteuid());
-    QString Error;
 
     // A private runtime folder is used as it is.
     const QString Runtime = Temp.filePath("runtime");
     QVERIFY(QDir().mkdir(Runtime));
     QVERIFY(::chmod(QFile::encodeName(Runtime).constData(), 0700) == 0);
     qputenv("XDG_RUNTIME_DIR", QFile::encodeName(Runtime));
-    QCOMPARE(PrivateInstanceFolder(Error), Runtime);
+    QCOMPARE(PrivateInstanceFolder().Path, Runtime);
 
     // One that others may enter is passed over for a folder of our own, made private.
     QVERIFY(::chmod(QFile::encodeName(Runtime).constData(), 0755) == 0);
-    QCOMPARE(PrivateInstanceFolder(Error), Fallback);
+    QCOMPARE(PrivateInstanceFolder().Path, Fallback);
     struct stat Info;
     QVERIFY(::lstat(QFile::encodeName(Fallback).constData(), &Info) == 0);
     QCOMPARE(Info.st_mode & 07777, mode_t(0700));
     qunsetenv("XDG_RUNTIME_DIR");
-    QCOMPARE(PrivateInstanceFolder(Error), Fallback);
+    QCOMPARE(PrivateInstanceFolder().Path, Fallback);
 
     // Whatever another user (or a link) put in our fallback's place is refused, not used.
     QVERIFY(QDir().rmdir(Fallback));
     QVERIFY(QFile::link(Runtime, Fallback));
-    QCOMPARE(PrivateInstanceFolder(Error), QString());
-    QVERIFY2(Error.contains("not a folder"), qPrintable(Error));
+    SPrivateFolder Refused = PrivateInstanceFolder();
+    QCOMPARE(Refused.Path, QString());
+    QVERIFY2(Refused.Error.contains("not a folder"), qPrintable(Refused.Error));
     QVERIFY(QFile::remove(Fallback));
     QVERIFY(QDir().mkdir(Fallback));
     QVERIFY(::chmod(QFile::encodeName(Fallback).constData(), 0777) == 0);
-    QCOMPARE(PrivateInstanceFolder(Error), QString());
-    QVERIFY2(Error.contains("has mode 0777"), qPrintable(Error));
+    Refused = PrivateInstanceFolder();
+    QCOMPARE(Refused.Path, QString());
+    QVERIFY2(Refused.Error.contains("has mode 0777"), qPrintable(Refused.Error));
     if (geteuid() == 0)
     {
         QVERIFY(::chown(QFile::encodeName(Fallback).constData(), 65534, 65534) == 0);
         QVERIFY(::chmod(QFile::encodeName(Fallback).constData(), 0700) == 0);
-        QCOMPARE(PrivateInstanceFolder(Error), QString());
-        QVERIFY2(Error.contains("belongs to user 65534"), qPrintable(Error));
+        Refused = PrivateInstanceFolder();
+        QCOMPARE(Refused.Path, QString());
+        QVERIFY2(Refused.Error.contains("belongs to user 65534"), qPrintable(Refused.Error));
     }
 }
 
@@ -149,16 +145,16 @@ void CInstanceMessageTest::PeerUser()
 {
     int Pair[2];
     QVERIFY(::socketpair(AF_UNIX, SOCK_STREAM, 0, Pair) == 0);
-    uint uiUser = 12345;
-    QString Error;
-    QVERIFY2(GetPeerUserId(Pair[0], uiUser, Error), qPrintable(Error));
-    QCOMPARE(uiUser, uint(geteuid()));
+    const SPeerUser Peer = GetPeerUser(Pair[0]);
+    QVERIFY2(Peer.bKnown, qPrintable(Peer.Error));
+    QCOMPARE(Peer.uiUserId, uint(geteuid()));
     ::close(Pair[0]);
     ::close(Pair[1]);
 
     // Not a socket: an error, never a user id that could pass the check.
-    QVERIFY(!GetPeerUserId(Pair[0], uiUser, Error));
-    QVERIFY(!Error.isEmpty());
+    const SPeerUser Closed = GetPeerUser(Pair[0]);
+    QVERIFY(!Closed.bKnown);
+    QVERIFY(!Closed.Error.isEmpty());
 }
 
 QTEST_GUILESS_MAIN(CInstanceMessageTest)

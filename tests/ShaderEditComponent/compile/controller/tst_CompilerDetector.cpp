@@ -77,7 +77,8 @@ std::unique_ptr<CShaderEditController> CCompilerDetectorTest::MakeController(con
         Store.SetString(QStringLiteral("Compiler/GLSLES"), Custom);
         Store.SetInteger(QStringLiteral("Compiler/CompilerSelection"), CustomCompilerSelection);
         Store.SetString(QStringLiteral("Compiler/TempDirectory"), m_Temp.path() + "/");
-        Store.Save();
+        if (!Store.Save())
+            qFatal("cannot write the starting preference file %s", qPrintable(Store.GetFilePath()));
     }
     SShaderEditControllerOptions Options;
     Options.CompilerSearchPaths = {m_Temp.filePath(QStringLiteral("none"))};
