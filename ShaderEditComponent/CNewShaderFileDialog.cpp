@@ -125,9 +125,8 @@ QTreeWidgetItem* CNewShaderFileDialog::FillTree()
     QTreeWidgetItem* pInitial = nullptr;
     for (const SNewFileEntry& Entry : GetNewFileEntries())
     {
-        QTreeWidgetItem* pItem = Entry.eGroup == LanguageGroup_PlainText
-                                     ? new QTreeWidgetItem(m_pFileTypeTree)
-                                     : new QTreeWidgetItem(GroupItem(Entry.eGroup));
+        QTreeWidgetItem* pItem = Entry.eGroup == LanguageGroup_PlainText ? new QTreeWidgetItem(m_pFileTypeTree)
+                                                                         : new QTreeWidgetItem(GroupItem(Entry.eGroup));
         const STypeIcons* pIcons = IconsOf(Entry.eType);
         const QString Title = GetDocTypeName(Entry.eType);
         pItem->setText(0, Title);

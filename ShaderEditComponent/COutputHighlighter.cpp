@@ -17,8 +17,8 @@ COutputHighlighter::COutputHighlighter(QTextDocument* pDocument, const Settings:
 
 void COutputHighlighter::SetSettings(const Settings::SCompiler& Compiler)
 {
-    if (Compiler.bShouldFormat == m_bShouldFormat && Compiler.ErrorFormat == m_ErrorFormat &&
-        Compiler.WarningFormat == m_WarningFormat)
+    if (Compiler.bShouldFormat == m_bShouldFormat && Compiler.ErrorFormat == m_ErrorFormat
+        && Compiler.WarningFormat == m_WarningFormat)
         return;
     m_bShouldFormat = Compiler.bShouldFormat;
     m_ErrorFormat = Compiler.ErrorFormat;

@@ -23,8 +23,7 @@ CShaderEditASMOutput::CShaderEditASMOutput(CShaderEditController* pController,
     connect(pController, &CShaderEditController::ClearCompileOutput, this, &CShaderEditASMOutput::OnClearResults);
     connect(m_Selector.pCombo, qOverload<int>(&QComboBox::currentIndexChanged), this,
             &CShaderEditASMOutput::OnPopulateResults);
-    connect(pHighlightController, &CShaderHighlightController::FontChanged, this,
-            &CShaderEditASMOutput::OnFontChanged);
+    connect(pHighlightController, &CShaderHighlightController::FontChanged, this, &CShaderEditASMOutput::OnFontChanged);
 }
 
 void CShaderEditASMOutput::SetupUi()

@@ -9,9 +9,9 @@
 
 namespace
 {
-constexpr unsigned int s_uiFormatSettings =
-    Settings::CompilerSetting_ShouldFormat | Settings::CompilerSetting_ErrorFormat |
-    Settings::CompilerSetting_WarningFormat;
+constexpr unsigned int s_uiFormatSettings = Settings::CompilerSetting_ShouldFormat
+                                            | Settings::CompilerSetting_ErrorFormat
+                                            | Settings::CompilerSetting_WarningFormat;
 } // namespace
 
 CShaderEditLogOutput::CShaderEditLogOutput(CShaderEditController* pController, QWidget* pParent)

@@ -320,8 +320,8 @@ void CShaderEditPanel::PaintGutter(QPaintEvent* pEvent, int iKind)
     CLineNumberArea* pArea = iKind == CLineNumberArea::Kind_LineNumbers ? m_pLineNumberArea : m_pCycleCountArea;
     QPainter Painter(pArea);
     const QRect Dirty = pEvent->rect();
-    Painter.fillRect(Dirty, iKind == CLineNumberArea::Kind_LineNumbers ? QColor(Qt::lightGray)
-                                                                      : QColor(191, 215, 215, 255));
+    Painter.fillRect(Dirty,
+                     iKind == CLineNumberArea::Kind_LineNumbers ? QColor(Qt::lightGray) : QColor(191, 215, 215, 255));
     Painter.setPen(Qt::black);
     Painter.setFont(font());
     const int iWidth = pArea->width();
@@ -338,7 +338,8 @@ void CShaderEditPanel::PaintGutter(QPaintEvent* pEvent, int iKind)
             QString Text;
             if (iKind == CLineNumberArea::Kind_LineNumbers)
                 Text = QString::number(iBlock + 1);
-            else if (iBlock > 0 && static_cast<uint32_t>(iBlock) < m_CycleCounts.GetSize() && m_CycleCounts[iBlock] >= 0)
+            else if (iBlock > 0 && static_cast<uint32_t>(iBlock) < m_CycleCounts.GetSize()
+                     && m_CycleCounts[iBlock] >= 0)
                 Text = QString::number(m_CycleCounts[iBlock]);
             if (!Text.isEmpty())
                 Painter.drawText(QRect(-4, iTop, iWidth, iTextHeight), Qt::AlignRight, Text);

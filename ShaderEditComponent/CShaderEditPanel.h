@@ -133,7 +133,7 @@ private:
     QList<QTextEdit::ExtraSelection> m_FindHighlights;
     QList<QTextEdit::ExtraSelection> m_CursorMatchHighlights;
     CZamTArray<int> m_CycleCounts{16};
-    int m_iWidestLineDigits = 0;  // the widest the gutters have been
+    int m_iWidestLineDigits = 0; // the widest the gutters have been
     int m_iWidestCycleDigits = 0;
     Settings::SEditor m_EditorSettings;
     bool m_bAutoCompile = true;

@@ -10,8 +10,8 @@
 #include "ShaderEditComponent/compile/process/CompileCommandLine.h"
 #include "WordMatches_p.h"
 
-#include <QDialog>
 #include <algorithm>
+#include <QDialog>
 #include <QDir>
 #include <QFileInfo>
 #include <QMouseEvent>
@@ -59,9 +59,8 @@ void CShaderEditor::SetController(CShaderEditController* pController)
     connect(this, &CShaderEditor::StateChanged, pController, &CShaderEditController::OnEditorStateChanged);
     connect(this, &CShaderEditor::RecompileContents, pController,
             [this, pController](const CZamTHash& PanelID, const QString& Contents, EShaderDocType eType,
-                                ECompileInvocationType eInvocation) {
-                pController->CompilePanelIn(SourceFolderOf(PanelID), PanelID, Contents, eType, eInvocation);
-            });
+                                ECompileInvocationType eInvocation)
+            { pController->CompilePanelIn(SourceFolderOf(PanelID), PanelID, Contents, eType, eInvocation); });
     connect(this, &CShaderEditor::CancelCompile, pController, &CShaderEditController::OnCancelCompile);
     connect(pController, &CShaderEditController::EditorSettingsChanged, this, &CShaderEditor::OnEditorSettingsChanged);
     connect(pController, &CShaderEditController::CompilerSettingsChanged, this,
@@ -238,7 +237,8 @@ bool CShaderEditor::OnOpenFile(const QString& Path)
 
 bool CShaderEditor::WritePanel(CShaderEditPanel* pPanel, const QString& Path)
 {
-    const SFileWriteResult Written = WriteDocumentFile(Path, EncodeDocument(pPanel->toPlainText(), pPanel->GetFileFormat()));
+    const SFileWriteResult Written =
+        WriteDocumentFile(Path, EncodeDocument(pPanel->toPlainText(), pPanel->GetFileFormat()));
     if (!Written.bOk)
     {
         if (m_pDelegate)

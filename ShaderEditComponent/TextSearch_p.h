@@ -9,13 +9,13 @@
 // The find bar's search flags, a bit set.
 enum EFindFlag : unsigned int
 {
-    FindFlag_Forward = 1,    // search forward; wrap to the document start
-    FindFlag_Backward = 2,   // search backward; wrap to the document end
+    FindFlag_Forward = 1,  // search forward; wrap to the document start
+    FindFlag_Backward = 2, // search backward; wrap to the document end
     FindFlag_MatchCase = 4,
     FindFlag_WholeWords = 8,
-    FindFlag_Textual = 16,   // the text is a plain string
-    FindFlag_RegExp = 32,    // the text is a regular expression
-    FindFlag_FindAll = 64,   // count and highlight every match
+    FindFlag_Textual = 16, // the text is a plain string
+    FindFlag_RegExp = 32,  // the text is a regular expression
+    FindFlag_FindAll = 64, // count and highlight every match
 };
 
 // A match as a document position and length.

@@ -22,7 +22,7 @@ QVector<STextRange> FindWholeWordMatches(const QString& Text, const QString& Wor
             break;
         const qsizetype iEnd = iStart + iLength;
         const bool bWhole = (iStart == 0 || !IsIdentifierChar(Text.at(iStart - 1)))
-            && (iEnd == Text.size() || !IsIdentifierChar(Text.at(iEnd)));
+                            && (iEnd == Text.size() || !IsIdentifierChar(Text.at(iEnd)));
         if (bWhole)
             Matches.append({static_cast<int>(iStart), static_cast<int>(iLength)});
         iFrom = bWhole ? iEnd : iEnd + 1;

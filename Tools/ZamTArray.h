@@ -12,8 +12,7 @@
 // default-constructible and assignable. Functions that can fail return 1 and leave the array
 // as it was, 0 on success; nothing throws. Copy construction and assignment cannot report a
 // failed allocation: a copy that could not allocate is left empty with no block.
-template <typename T>
-class CZamTArray
+template <typename T> class CZamTArray
 {
 public:
     static constexpr uint32_t DefaultCapacity = 16;
@@ -29,7 +28,9 @@ public:
     }
 
     CZamTArray(CZamTArray&& Other) noexcept
-        : m_uiCount(Other.m_uiCount), m_uiCapacity(Other.m_uiCapacity), m_pData(Other.m_pData)
+        : m_uiCount(Other.m_uiCount)
+        , m_uiCapacity(Other.m_uiCapacity)
+        , m_pData(Other.m_pData)
     {
         Other.Forget();
     }
@@ -93,8 +94,8 @@ public:
         if (m_uiCount >= m_uiCapacity)
         {
             // Item may live in the block that growing frees; remember where.
-            const bool bInside = m_pData && !std::less<const T*>()(&Item, m_pData)
-                && std::less<const T*>()(&Item, m_pData + m_uiCount);
+            const bool bInside =
+                m_pData && !std::less<const T*>()(&Item, m_pData) && std::less<const T*>()(&Item, m_pData + m_uiCount);
             const uint32_t uiInside = bInside ? static_cast<uint32_t>(&Item - m_pData) : 0;
             if (m_uiCount == UINT32_MAX || SetCapacity(m_uiCount + 1))
                 return 1;
@@ -193,17 +194,22 @@ bool operator!=(const CZamTArray<T>& Left, const CZamTArray<T>& Right)
 // Owns the objects its elements point to: every slot that is dropped (RemoveLast, Remove,
 // Clear, destruction) deletes its object. Appending hands the object over only on success.
 // Slots past the count are kept null so nothing is deleted twice or leaked.
-template <typename T>
-class CZamTArrayManagedPointers : public CZamTArray<T*>
+template <typename T> class CZamTArrayManagedPointers : public CZamTArray<T*>
 {
     using Base = CZamTArray<T*>;
 
 public:
     CZamTArrayManagedPointers() = default;
-    explicit CZamTArrayManagedPointers(uint32_t uiCapacity) : Base(uiCapacity) {}
+    explicit CZamTArrayManagedPointers(uint32_t uiCapacity)
+        : Base(uiCapacity)
+    {
+    }
     CZamTArrayManagedPointers(const CZamTArrayManagedPointers&) = delete;
     CZamTArrayManagedPointers& operator=(const CZamTArrayManagedPointers&) = delete;
-    CZamTArrayManagedPointers(CZamTArrayManagedPointers&& Other) noexcept : Base(std::move(Other)) {}
+    CZamTArrayManagedPointers(CZamTArrayManagedPointers&& Other) noexcept
+        : Base(std::move(Other))
+    {
+    }
     CZamTArrayManagedPointers& operator=(CZamTArrayManagedPointers&& Other) noexcept
     {
         if (this != &Other)

@@ -28,9 +28,8 @@ uint32_t HashBytes(const unsigned char* pBytes, size_t uiElementSize, size_t uiC
 } // namespace
 
 CZamTHash::CZamTHash(const void* pData, size_t uiElementSize, size_t uiCount)
-    : m_uiValue((pData || uiElementSize == 0)
-                    ? HashBytes(static_cast<const unsigned char*>(pData), uiElementSize, uiCount)
-                    : 0)
+    : m_uiValue(
+        (pData || uiElementSize == 0) ? HashBytes(static_cast<const unsigned char*>(pData), uiElementSize, uiCount) : 0)
 {
 }
 

@@ -134,8 +134,8 @@ int CZamTResourceFile::DefaultLoad(const char* pPath, void** ppData, size_t* pui
     struct stat Info;
     char* pBuffer = nullptr;
     const bool bUsable = ::fstat(iFile, &Info) == 0 && S_ISREG(Info.st_mode) && Info.st_size > 0
-        && static_cast<uint64_t>(Info.st_size) <= GetMaxFileSize()
-        && static_cast<uint64_t>(Info.st_size) < SIZE_MAX;
+                         && static_cast<uint64_t>(Info.st_size) <= GetMaxFileSize()
+                         && static_cast<uint64_t>(Info.st_size) < SIZE_MAX;
     if (bUsable)
         pBuffer = static_cast<char*>(std::malloc(static_cast<size_t>(Info.st_size) + 1));
     const size_t uiSize = bUsable ? static_cast<size_t>(Info.st_size) : 0;

@@ -9,13 +9,11 @@
 #include <type_traits>
 #include <utility>
 
-template <typename T>
-class CZamTSkipGraphRoot;
+template <typename T> class CZamTSkipGraphRoot;
 
 // One item of a dependency graph and the nodes it depends on. Nodes are made and owned by
 // their CZamTSkipGraphRoot; dependencies are added through the root so they never cross graphs.
-template <typename T>
-class CZamTSkipGraphNode
+template <typename T> class CZamTSkipGraphNode
 {
 public:
     CZamTSkipGraphNode(const CZamTSkipGraphNode&) = delete;
@@ -28,7 +26,12 @@ public:
 private:
     friend class CZamTSkipGraphRoot<T>;
 
-    CZamTSkipGraphNode(const T& Item, uint32_t uiIndex) : m_Item(Item), m_uiIndex(uiIndex), m_Dependencies(4) {}
+    CZamTSkipGraphNode(const T& Item, uint32_t uiIndex)
+        : m_Item(Item)
+        , m_uiIndex(uiIndex)
+        , m_Dependencies(4)
+    {
+    }
 
     int AddDependency(CZamTSkipGraphNode* pNode)
     {
@@ -48,8 +51,7 @@ private:
 // A dependency graph over items identified by their bytes (in this program, pointer values):
 // adding an item twice yields the same node. The hash is only a quick filter; items whose
 // hashes collide are still told apart by their bytes.
-template <typename T>
-class CZamTSkipGraphRoot
+template <typename T> class CZamTSkipGraphRoot
 {
     static_assert(std::has_unique_object_representations_v<T>,
                   "items are identified by their bytes, so equal items must have equal bytes");

@@ -30,34 +30,44 @@ uint32_t CheckedLength(const char* pString)
 } // namespace
 
 CZamTString::CZamTString()
-    : m_pString(g_EmptyBuffer), m_uiLength(0), m_uiCapacity(0)
+    : m_pString(g_EmptyBuffer)
+    , m_uiLength(0)
+    , m_uiCapacity(0)
 {
     Assign("", 0);
 }
 
 CZamTString::CZamTString(const char* pString)
-    : m_pString(g_EmptyBuffer), m_uiLength(0), m_uiCapacity(0)
+    : m_pString(g_EmptyBuffer)
+    , m_uiLength(0)
+    , m_uiCapacity(0)
 {
     if (Assign(pString, CheckedLength(pString)))
         Assign("", 0);
 }
 
 CZamTString::CZamTString(const char* pString, uint32_t uiLength)
-    : m_pString(g_EmptyBuffer), m_uiLength(0), m_uiCapacity(0)
+    : m_pString(g_EmptyBuffer)
+    , m_uiLength(0)
+    , m_uiCapacity(0)
 {
     if (Assign(pString, uiLength))
         Assign("", 0);
 }
 
 CZamTString::CZamTString(const CZamTString& Other)
-    : m_pString(g_EmptyBuffer), m_uiLength(0), m_uiCapacity(0)
+    : m_pString(g_EmptyBuffer)
+    , m_uiLength(0)
+    , m_uiCapacity(0)
 {
     if (Assign(Other.m_pString, Other.m_uiLength))
         Assign("", 0);
 }
 
 CZamTString::CZamTString(CZamTString&& Other) noexcept
-    : m_pString(Other.m_pString), m_uiLength(Other.m_uiLength), m_uiCapacity(Other.m_uiCapacity)
+    : m_pString(Other.m_pString)
+    , m_uiLength(Other.m_uiLength)
+    , m_uiCapacity(Other.m_uiCapacity)
 {
     Other.m_pString = g_EmptyBuffer;
     Other.m_uiLength = 0;

@@ -71,7 +71,13 @@ private:
     uint32_t m_uiCapacity;
 };
 
-inline bool operator==(const char* pString, const CZamTString& String) { return String == pString; }
-inline bool operator!=(const char* pString, const CZamTString& String) { return String != pString; }
+inline bool operator==(const char* pString, const CZamTString& String)
+{
+    return String == pString;
+}
+inline bool operator!=(const char* pString, const CZamTString& String)
+{
+    return String != pString;
+}
 
 #endif // ZAMTSTRING_H

@@ -47,8 +47,7 @@ uint32_t FindBlockKind(const SZamTZFXToken& Line)
     return uiKind;
 }
 
-int ReadBlocks(const CZamTZFXLineTable& Lines, const char* pFileFolder, SZamTZFXDocument& Document,
-               CZamTString& Error)
+int ReadBlocks(const CZamTZFXLineTable& Lines, const char* pFileFolder, SZamTZFXDocument& Document, CZamTString& Error)
 {
     bool abSeen[kBlockKindCount] = {};
     uint32_t uiLine = 0;
@@ -146,8 +145,8 @@ int CZamTZFXParser::ParseFromMemory(const char* pText, CZamTString& Error)
     // The line table lives only for one parse.
     CZamTZFXLineTable Lines;
     const int iResult = Lines.Build(pText, Error) || ReadBlocks(Lines, m_FileFolder.GetString(), m_Document, Error)
-        || CheckRequiredBlocks(m_Document, Error) || ZamTZFXCheckEffectTextures(m_Document, Error)
-        || ZamTZFXOrderRenderPasses(m_Document, Error);
+                        || CheckRequiredBlocks(m_Document, Error) || ZamTZFXCheckEffectTextures(m_Document, Error)
+                        || ZamTZFXOrderRenderPasses(m_Document, Error);
     return (iResult || !Error.IsEmpty()) ? 1 : 0;
 }
 
@@ -171,8 +170,8 @@ int CZamTZFXParser::ParseFromFile(const char* pFileName, CZamTString& Error)
         return 1;
     }
     // The data need not end in a NUL; the text stops at the first one anyway.
-    const uint32_t uiLength = File.GetSize() > CZamTString::MaxLength ? CZamTString::MaxLength
-                                                                       : static_cast<uint32_t>(File.GetSize());
+    const uint32_t uiLength =
+        File.GetSize() > CZamTString::MaxLength ? CZamTString::MaxLength : static_cast<uint32_t>(File.GetSize());
     const CZamTString Text(static_cast<const char*>(File.GetData()), uiLength);
     if (Text.GetLength() != uiLength)
     {

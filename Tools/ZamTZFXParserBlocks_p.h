@@ -47,8 +47,8 @@ int ZamTZFXReadTextureParameters(const SZamTZFXBlock& Block, const char* pBlockN
 // holds one; values that are no name leave their field alone.
 int ZamTZFXReadFilterList(const SZamTZFXToken& Text, uint32_t* puiFields, uint32_t uiFields, int iLine,
                           const char* pLine, CZamTString& Error);
-int ZamTZFXReadWrapList(const SZamTZFXToken& Text, uint32_t* puiFields, uint32_t uiFields, int iLine,
-                        const char* pLine, CZamTString& Error);
+int ZamTZFXReadWrapList(const SZamTZFXToken& Text, uint32_t* puiFields, uint32_t uiFields, int iLine, const char* pLine,
+                        CZamTString& Error);
 
 // Reads a UNIFORM's bracketed default, the text after its semantic.
 int ZamTZFXReadDefaultValues(const SZamTZFXToken& Text, int iLine, SZamTZFXParserSemantic& Uniform,

@@ -18,7 +18,11 @@ enum ETokenKind
 class CDefaultTokens
 {
 public:
-    explicit CDefaultTokens(const SZamTZFXToken& Text) : m_pCursor(Text.pText), m_pEnd(Text.pText + Text.uiLength) {}
+    explicit CDefaultTokens(const SZamTZFXToken& Text)
+        : m_pCursor(Text.pText)
+        , m_pEnd(Text.pText + Text.uiLength)
+    {
+    }
 
     ETokenKind Next(CZamTString& Token)
     {

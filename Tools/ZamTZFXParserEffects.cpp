@@ -176,12 +176,11 @@ int ReadEffectLine(const SZamTZFXBlock& Block, uint32_t& uiLine, SEffectState& S
         return ReadAnnotation(Block, uiLine, State.Effect.Annotation, Error);
     case eVertexShader:
         return ReadName(Tokens, State.bVertexShader, "VERTEXSHADER redefined in [EFFECT] on line %d: \n",
-                        "VERTEXSHADER missing value in [EFFECT] on line %d\n", iLine, State.Effect.VertexShader,
-                        Error);
+                        "VERTEXSHADER missing value in [EFFECT] on line %d\n", iLine, State.Effect.VertexShader, Error);
     case eFragmentShader:
         return ReadName(Tokens, State.bFragmentShader, "FRAGMENTSHADER redefined in [EFFECT] on line %d: \n",
-                        "FRAGMENTSHADER missing value in [EFFECT] on line %d\n", iLine,
-                        State.Effect.FragmentShader, Error);
+                        "FRAGMENTSHADER missing value in [EFFECT] on line %d\n", iLine, State.Effect.FragmentShader,
+                        Error);
     case eTexture:
         return ReadTexture(Tokens, iLine, State, Error);
     case eUniform:
@@ -206,7 +205,8 @@ int CheckTextureUniforms(const SEffectState& State, CZamTString& Error)
     CZamTArray<uint32_t> BoundUnits;
     for (uint32_t ui = 0; ui < Effect.Uniforms.GetSize(); ++ui)
     {
-        if (CZamTHash(Effect.Uniforms[ui].Semantic) == s_TextureSemantic && BoundUnits.Append(Effect.Uniforms[ui].uiIndex))
+        if (CZamTHash(Effect.Uniforms[ui].Semantic) == s_TextureSemantic
+            && BoundUnits.Append(Effect.Uniforms[ui].uiIndex))
             return OutOfMemory(Error);
     }
     uint32_t* pUnits = BoundUnits.GetData();

@@ -145,8 +145,8 @@ int ReadResolution(const SParameterLine& Line, SZamTZFXTextureParameters& Parame
         uint32_t uiValue = 0;
         if (!ZamTZFXReadUnsigned(*pValue, uiValue))
         {
-            Error.format("Invalid RESOLUTION argument \"%s\" in [TEXTURE] on line %d\n",
-                         pValue->ToString().GetString(), Line.iLine);
+            Error.format("Invalid RESOLUTION argument \"%s\" in [TEXTURE] on line %d\n", pValue->ToString().GetString(),
+                         Line.iLine);
             return 1;
         }
         (pValue == &Width ? Parameters.uiWidth : Parameters.uiHeight) = uiValue;
@@ -188,7 +188,8 @@ int ReadParameterLine(const SParameterLine& Line, uint32_t uiParameter, SZamTZFX
     case eWrapR:
         return ReadList(Line, kMissing, false, &Parameters.auiWraps[uiParameter - eWrapS], 1, Error);
     case eFilter:
-        return ReadList(Line, "Missing FILTER arguments in [%s] on line %d: %s\n", true, Parameters.auiFilters, 3, Error);
+        return ReadList(Line, "Missing FILTER arguments in [%s] on line %d: %s\n", true, Parameters.auiFilters, 3,
+                        Error);
     case eWrap:
         return ReadList(Line, "Missing WRAP arguments in [%s] on line %d: %s\n", false, Parameters.auiWraps, 3, Error);
     case eResolution:
@@ -205,8 +206,8 @@ int ZamTZFXReadFilterList(const SZamTZFXToken& Text, uint32_t* puiFields, uint32
     return ReadNameList(Text, kFilterNames, kFilterNameCount, puiFields, uiFields, iLine, pLine, Error);
 }
 
-int ZamTZFXReadWrapList(const SZamTZFXToken& Text, uint32_t* puiFields, uint32_t uiFields, int iLine,
-                        const char* pLine, CZamTString& Error)
+int ZamTZFXReadWrapList(const SZamTZFXToken& Text, uint32_t* puiFields, uint32_t uiFields, int iLine, const char* pLine,
+                        CZamTString& Error)
 {
     return ReadNameList(Text, kWrapNames, kWrapNameCount, puiFields, uiFields, iLine, pLine, Error);
 }

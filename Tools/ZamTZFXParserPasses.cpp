@@ -73,7 +73,8 @@ int CheckTargetSurfaces(const SZamTZFXDocument& Document, CZamTString& Error)
         for (uint32_t ui = 0; ui < Pairs.GetSize(); ++ui)
         {
             const uint32_t uiDeclared = KindOfWord(Pairs[ui].Kind);
-            const uint32_t uiActual = uiDeclared ? SurfaceKind(Document, Textures, Targets, CZamTHash(Pairs[ui].Target)) : 0;
+            const uint32_t uiActual =
+                uiDeclared ? SurfaceKind(Document, Textures, Targets, CZamTHash(Pairs[ui].Target)) : 0;
             if (uiActual != 0 && uiActual != uiDeclared)
             {
                 Error.format("Surface type mismatch in [EFFECT]. \"%s\" has different type than \"%s\"\n",
@@ -121,7 +122,8 @@ private:
 int CPassDependencies::AddPasses(const CZamTHash& Name, uint32_t uiStamp, CZamTArray<uint32_t>& List)
 {
     for (uint32_t uiPosition = m_PassesByTexture.First(Name);
-         uiPosition < m_PassesByTexture.GetSize() && m_PassesByTexture.GetHash(uiPosition) == Name.GetValue(); ++uiPosition)
+         uiPosition < m_PassesByTexture.GetSize() && m_PassesByTexture.GetHash(uiPosition) == Name.GetValue();
+         ++uiPosition)
     {
         const uint32_t uiPass = m_PassesByTexture.GetItem(uiPosition);
         if (m_Stamps[uiPass] == uiStamp)
@@ -209,7 +211,8 @@ int FindCycles(const CPassDependencies& Dependencies, CZamTArray<uint32_t>& Comp
 
     // Each pass enters both stacks at most once, so their reserved capacity is enough.
     uint32_t uiCounter = 0;
-    auto Visit = [&](uint32_t uiPass) {
+    auto Visit = [&](uint32_t uiPass)
+    {
         Index[uiPass] = Low[uiPass] = uiCounter++;
         Stack.Append(uiPass);
         OnStack[uiPass] = 1;
@@ -254,8 +257,7 @@ int FindCycles(const CPassDependencies& Dependencies, CZamTArray<uint32_t>& Comp
     return 0;
 }
 
-int SortPasses(SZamTZFXDocument& Document, const CPassDependencies& Dependencies,
-               const CZamTArray<uint32_t>& Component)
+int SortPasses(SZamTZFXDocument& Document, const CPassDependencies& Dependencies, const CZamTArray<uint32_t>& Component)
 {
     CZamTArray<SZamTZFXRenderPass>& Passes = Document.RenderPasses;
     CZamTSkipGraphRoot<SZamTZFXRenderPass*> Graph;

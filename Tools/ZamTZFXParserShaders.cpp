@@ -18,7 +18,7 @@ enum EShaderKeyword : uint32_t
 const CZamTHash* ShaderKeywordHashes()
 {
     static const CZamTHash s_aHashes[eShaderKeywordCount] = {CZamTHash("[GLSL_CODE]"), CZamTHash("NAME"),
-                                                            CZamTHash("FILE"), CZamTHash("BINARYFILE")};
+                                                             CZamTHash("FILE"), CZamTHash("BINARYFILE")};
     return s_aHashes;
 }
 
@@ -55,7 +55,8 @@ int CheckNoMoreData(const SShaderLine& Line, CZamTString& Error)
     SZamTZFXToken Extra;
     if (!Line.pTokens->Next(Extra))
         return 0;
-    Error.format("Unexpected data in [%s] on line %d: '%s'\n", Line.pBlockName, Line.iLine, Extra.ToString().GetString());
+    Error.format("Unexpected data in [%s] on line %d: '%s'\n", Line.pBlockName, Line.iLine,
+                 Extra.ToString().GetString());
     return 1;
 }
 
@@ -171,7 +172,8 @@ int ReadShaderLine(const SZamTZFXBlock& Block, uint32_t& uiLine, const char* pBl
         else if (State.bCode)
             Error.format("FILE not allowed with [GLSL_CODE] in [%s] on line %d\n", pBlockName, Line.iLine);
         else if (LoadFileArgument(Line, "FILE missing value in [%s] on line %d\n", Lines.GetText(uiLine),
-                                  State.Shader.Source, Error) == 0)
+                                  State.Shader.Source, Error)
+                 == 0)
         {
             State.bFile = true;
             return 0;
@@ -181,7 +183,8 @@ int ReadShaderLine(const SZamTZFXBlock& Block, uint32_t& uiLine, const char* pBl
         return LoadFileArgument(Line, "BINARYFILE missing value in [%s] on line %d\n", Lines.GetText(uiLine),
                                 State.Shader.Binary, Error);
     default:
-        Error.format("Unknown keyword '%s' in [%s] on line %d\n", Keyword.ToString().GetString(), pBlockName, Line.iLine);
+        Error.format("Unknown keyword '%s' in [%s] on line %d\n", Keyword.ToString().GetString(), pBlockName,
+                     Line.iLine);
         return 1;
     }
 }

@@ -67,7 +67,9 @@ public:
     static constexpr const char* Whitespace = "\r\n \t";
 
     CZamTZFXTokenizer(const SZamTZFXToken& Line, const char* pDelimiters)
-        : m_pCursor(Line.pText), m_pEnd(Line.pText + Line.uiLength), m_pDelimiters(pDelimiters)
+        : m_pCursor(Line.pText)
+        , m_pEnd(Line.pText + Line.uiLength)
+        , m_pDelimiters(pDelimiters)
     {
     }
 

@@ -16,7 +16,7 @@ enum ETextureKeyword : uint32_t
 const CZamTHash* TextureKeywordHashes()
 {
     static const CZamTHash s_aHashes[eTextureKeywordCount] = {CZamTHash("NAME"), CZamTHash("PATH"), CZamTHash("VIEW"),
-                                                             CZamTHash("CAMERA")};
+                                                              CZamTHash("CAMERA")};
     return s_aHashes;
 }
 
@@ -47,7 +47,8 @@ int ReadTextureArgument(CZamTZFXTokenizer& Tokens, const char* pMissing, int iLi
     SZamTZFXToken Extra;
     if (Tokens.Next(Extra))
     {
-        Error.format("Unexpected keyword '%s' in [TEXTURE] on line %d: %s\n", Extra.ToString().GetString(), iLine, pLine);
+        Error.format("Unexpected keyword '%s' in [TEXTURE] on line %d: %s\n", Extra.ToString().GetString(), iLine,
+                     pLine);
         return 1;
     }
     return 0;
@@ -97,7 +98,8 @@ int ReadTextureLine(const CZamTZFXLineTable& Lines, uint32_t uiLine, STextureDec
     default:
         if (ZamTZFXIsTextureParameter(Keyword.Hash()))
             return 0;
-        Error.format("Unknown keyword '%s' in [TEXTURE] on line %d: %s\n", Keyword.ToString().GetString(), iLine, pLine);
+        Error.format("Unknown keyword '%s' in [TEXTURE] on line %d: %s\n", Keyword.ToString().GetString(), iLine,
+                     pLine);
         return 1;
     }
 }

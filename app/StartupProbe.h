@@ -36,7 +36,10 @@ protected:
     }
 
 private:
-    explicit CStartupProbe(QObject* pParent) : QObject(pParent) {}
+    explicit CStartupProbe(QObject* pParent)
+        : QObject(pParent)
+    {
+    }
 
     void Report()
     {

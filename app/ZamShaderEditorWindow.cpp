@@ -229,11 +229,11 @@ void ZamShaderEditorWindow::ConnectActions()
     connect(Ui.actionFind, &QAction::triggered, m_pFindReplace, &CFindReplace::ShowFind);
     connect(Ui.actionReplace, &QAction::triggered, m_pFindReplace, &CFindReplace::ShowReplace);
     // A checkable action flips on every trigger; it shows whether the bar is there.
-    connect(Ui.actionFind, &QAction::triggered, this, [this] { m_Ui.actionFind->setChecked(m_pFindDock->isVisible()); });
+    connect(Ui.actionFind, &QAction::triggered, this,
+            [this] { m_Ui.actionFind->setChecked(m_pFindDock->isVisible()); });
     connect(Ui.actionPreferences, &QAction::triggered, this, &ZamShaderEditorWindow::OnPreferencesDialog);
     connect(Ui.actionCompile, &QAction::triggered, this, &ZamShaderEditorWindow::OnCompileDialog);
-    connect(Ui.actionCheck_For_Updates, &QAction::triggered, m_pUpdateChecker,
-            &CUpdateChecker::OnForceCheckForUpdates);
+    connect(Ui.actionCheck_For_Updates, &QAction::triggered, m_pUpdateChecker, &CUpdateChecker::OnForceCheckForUpdates);
     for (QAction* pAction : Ui.DocumentActions())
         connect(this, &ZamShaderEditorWindow::EnableCommands, pAction, &QAction::setEnabled);
     connect(this, &ZamShaderEditorWindow::EnableCommands, m_pFileTypeSelector, &QWidget::setVisible);

@@ -15,7 +15,8 @@ public:
     ~CRepairLog()
     {
         if (m_iSuppressed > 0)
-            ReportPreferencesProblem(QStringLiteral("WARNING: %1 more problems were repaired without a report.\n").arg(m_iSuppressed));
+            ReportPreferencesProblem(
+                QStringLiteral("WARNING: %1 more problems were repaired without a report.\n").arg(m_iSuppressed));
     }
 
     void Report(const QString& Text)
@@ -139,7 +140,8 @@ bool RepairDeclaration(TiXmlDocument* pDocument, CRepairLog* pLog)
         return true;
     pLog->Report(QStringLiteral("WARNING: No declaration found at the start. The declaration will be recreated.\n"));
     const TiXmlDeclaration Declaration("1.0", "utf-8", "");
-    TiXmlNode* pInserted = pFirst ? pDocument->InsertBeforeChild(pFirst, Declaration) : pDocument->InsertEndChild(Declaration);
+    TiXmlNode* pInserted =
+        pFirst ? pDocument->InsertBeforeChild(pFirst, Declaration) : pDocument->InsertEndChild(Declaration);
     if (!pInserted)
     {
         pLog->Report(QStringLiteral("Error: Failed to recreate the declaration.\n"));

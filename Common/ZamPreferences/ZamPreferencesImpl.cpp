@@ -108,7 +108,8 @@ bool CZamPreferencesImpl::Load(QString* pTriedPath, QString* pError)
 bool CZamPreferencesImpl::ReadDocument(QString* pError)
 {
     if (!OpenFile(m_Name, Direction_Read, m_eScope, false))
-        return Refuse(QStringLiteral("ERROR: Failed to open or create the preference file %1\n").arg(GetFilePath()), pError);
+        return Refuse(QStringLiteral("ERROR: Failed to open or create the preference file %1\n").arg(GetFilePath()),
+                      pError);
     QByteArray Bytes;
     const bool bRead = ReadFile(CZamPreferences::iMaxFileBytes, &Bytes);
     CloseFile(false);
@@ -126,7 +127,8 @@ bool CZamPreferencesImpl::LoadFromBytes(const QByteArray& Bytes, QString* pError
                       pError);
     QByteArray Text = Bytes;
     if (ReplaceInvalidUtf8(&Text))
-        ReportPreferencesProblem(QStringLiteral("WARNING: The file is not valid UTF-8. Invalid bytes were replaced.\n"));
+        ReportPreferencesProblem(
+            QStringLiteral("WARNING: The file is not valid UTF-8. Invalid bytes were replaced.\n"));
     const SXmlShape Shape = MeasureXmlShape(Text, CZamPreferences::iMaxElementDepth);
     if (Shape.iDepth > CZamPreferences::iMaxElementDepth)
         return Refuse(QStringLiteral("ERROR: Elements are nested deeper than %1 levels. The document was not read.\n")
@@ -146,8 +148,9 @@ bool CZamPreferencesImpl::LoadFromBytes(const QByteArray& Bytes, QString* pError
     TiXmlBase::SetCondenseWhiteSpace(false); // string values keep their spaces
     pDocument->Parse(Text.constData(), nullptr, TIXML_ENCODING_UTF8);
     if (pDocument->Error())
-        return Refuse(QString::asprintf("[%d:%d]: %s", pDocument->ErrorRow(), pDocument->ErrorCol(), pDocument->ErrorDesc()),
-                      pError);
+        return Refuse(
+            QString::asprintf("[%d:%d]: %s", pDocument->ErrorRow(), pDocument->ErrorCol(), pDocument->ErrorDesc()),
+            pError);
     m_pDocument = std::move(pDocument);
     if (!RepairPlistDocument(m_pDocument.get()))
     {
@@ -171,8 +174,9 @@ bool CZamPreferencesImpl::Save(QString* pError)
     if (!OpenFile(m_Name, Direction_Write, m_eScope, true) || !WriteFile(Bytes) || !CloseFile(true))
     {
         CloseFile(false);
-        const QString Text =
-            m_SaveProblem.isEmpty() ? QStringLiteral("ERROR: Failed to open filed, or write temporary file!") : m_SaveProblem;
+        const QString Text = m_SaveProblem.isEmpty()
+                                 ? QStringLiteral("ERROR: Failed to open filed, or write temporary file!")
+                                 : m_SaveProblem;
         ReportPreferencesProblem(Text);
         if (pError)
             *pError = Text;

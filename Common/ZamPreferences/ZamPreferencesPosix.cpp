@@ -77,8 +77,8 @@ bool IsReadOnlyFile(const QString& Path)
 // Renames Path to a free "<Path>.unreadable-<time stamp>[-n]" name.
 bool MoveAside(const QString& Path, QString* pAside)
 {
-    const QString Base = Path + QStringLiteral(".unreadable-") +
-                         QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
+    const QString Base = Path + QStringLiteral(".unreadable-")
+                         + QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
     for (int i = 0; i < 100; ++i)
     {
         const QString Aside = i == 0 ? Base : Base + QStringLiteral("-%1").arg(i);

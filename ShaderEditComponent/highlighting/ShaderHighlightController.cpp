@@ -1,7 +1,7 @@
 #include "ShaderHighlightController.h"
 
-#include "HighlightingLog_p.h"
 #include "Common/ZamPreferences/ZamPreferences.h"
+#include "HighlightingLog_p.h"
 
 #include <QColor>
 
@@ -47,9 +47,9 @@ const QTextCharFormat& EmptyFormat()
 } // namespace
 
 CShaderHighlightController::CShaderHighlightController(QObject* pParent)
-    : QObject(pParent),
-      m_pOwnedStore(std::make_unique<CZamPreferences>(QString::fromLatin1(s_ApplicationStore))),
-      m_pStore(m_pOwnedStore.get())
+    : QObject(pParent)
+    , m_pOwnedStore(std::make_unique<CZamPreferences>(QString::fromLatin1(s_ApplicationStore)))
+    , m_pStore(m_pOwnedStore.get())
 {
     QString TriedPath;
     QString Error;
@@ -59,7 +59,8 @@ CShaderHighlightController::CShaderHighlightController(QObject* pParent)
 }
 
 CShaderHighlightController::CShaderHighlightController(CZamPreferences* pStore, QObject* pParent)
-    : QObject(pParent), m_pStore(pStore)
+    : QObject(pParent)
+    , m_pStore(pStore)
 {
     Q_ASSERT(m_pStore);
     Load();

@@ -59,7 +59,8 @@ struct SHighlightElementRow
 // uiElement must be below HighlightElement_Count.
 const SHighlightElementRow& GetHighlightElementRow(unsigned int uiElement);
 
-[[nodiscard]] QTextCharFormat MakeHighlightFormat(quint32 uiForeground, quint32 uiBackground, bool bBold, bool bUnderline);
+[[nodiscard]] QTextCharFormat MakeHighlightFormat(quint32 uiForeground, quint32 uiBackground, bool bBold,
+                                                  bool bUnderline);
 
 // Saved as bold when heavier than the normal weight (Qt 6 weights: Normal is 400).
 [[nodiscard]] bool IsHighlightFormatBold(const QTextCharFormat& Format);

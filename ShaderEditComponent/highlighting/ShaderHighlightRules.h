@@ -16,8 +16,8 @@ enum EHighlightTypeMask : unsigned int
 // Block state bits.
 enum EHighlightBlockState : int
 {
-    HighlightState_CodeSection = 2,  // inside an effect file's [GLSL_CODE] section
-    HighlightState_OpenComment = 4,  // ends inside an unterminated /* comment
+    HighlightState_CodeSection = 2, // inside an effect file's [GLSL_CODE] section
+    HighlightState_OpenComment = 4, // ends inside an unterminated /* comment
 };
 
 // One rule: an element coloured by a list of QRegExp patterns for the types in the mask.

@@ -7,7 +7,9 @@
 
 CShaderHighlighter::CShaderHighlighter(QTextDocument* pDocument, EShaderDocType eType,
                                        const CShaderHighlightController* pController)
-    : QSyntaxHighlighter(pDocument), m_pController(pController), m_eType(eType)
+    : QSyntaxHighlighter(pDocument)
+    , m_pController(pController)
+    , m_eType(eType)
 {
     Q_ASSERT(m_pController);
 }

@@ -16,7 +16,10 @@ class CShaderHighlightController;
 class CTextBlockZFXData : public QTextBlockUserData
 {
 public:
-    explicit CTextBlockZFXData(const QTextCharFormat& Format) : m_Format(Format) {}
+    explicit CTextBlockZFXData(const QTextCharFormat& Format)
+        : m_Format(Format)
+    {
+    }
 
     const QTextCharFormat& GetFormat() const { return m_Format; }
 

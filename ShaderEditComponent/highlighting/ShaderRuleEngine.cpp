@@ -71,7 +71,8 @@ QString RequiredPatternLiteral(const QString& Pattern)
     QString Best;
     QString Run;
     bool bRunEndsInChar = false; // the last token was a literal character of Run
-    auto EndRun = [&]() {
+    auto EndRun = [&]()
+    {
         if (Run.size() > Best.size())
             Best = Run;
         Run.clear();
@@ -92,11 +93,12 @@ QString RequiredPatternLiteral(const QString& Pattern)
             {
                 EndRun(); // classes, anchors, control characters, back references
                 // The digits of a code or a back reference are not literal characters.
-                const QLatin1String Digits = Next == QLatin1Char('x') ? QLatin1String("0123456789abcdefABCDEF")
+                const QLatin1String Digits = Next == QLatin1Char('x')   ? QLatin1String("0123456789abcdefABCDEF")
                                              : Next == QLatin1Char('0') ? QLatin1String("01234567")
                                              : Next.isDigit()           ? QLatin1String("0123456789")
                                                                         : QLatin1String("");
-                for (int iDigits = 0; iDigits < 4 && i + 1 < Pattern.size() && Digits.contains(Pattern.at(i + 1)); ++iDigits)
+                for (int iDigits = 0; iDigits < 4 && i + 1 < Pattern.size() && Digits.contains(Pattern.at(i + 1));
+                     ++iDigits)
                     ++i;
             }
         }
@@ -178,7 +180,8 @@ bool CShaderRuleEngine::IsNonAsciiWordCharacter(char16_t uiChar)
 qsizetype CShaderRuleEngine::FindPair(const QString& Text, qsizetype iFrom, char16_t uiFirst, char16_t uiSecond)
 {
     const qsizetype iLast = Text.size() - 1;
-    for (qsizetype i = Text.indexOf(QChar(uiFirst), iFrom); i >= 0 && i < iLast; i = Text.indexOf(QChar(uiFirst), i + 1))
+    for (qsizetype i = Text.indexOf(QChar(uiFirst), iFrom); i >= 0 && i < iLast;
+         i = Text.indexOf(QChar(uiFirst), i + 1))
     {
         if (Text.at(i + 1).unicode() == uiSecond)
             return i;
@@ -198,9 +201,9 @@ CShaderRuleEngine::CShaderRuleEngine()
     std::vector<const SHighlightRuleTable*> Ordered;
     for (unsigned int i = 0; i < Rules.uiCount; ++i)
         Ordered.push_back(&Rules.pTables[i]);
-    std::stable_sort(Ordered.begin(), Ordered.end(), [](const SHighlightRuleTable* pA, const SHighlightRuleTable* pB) {
-        return pA->uiElement < pB->uiElement;
-    });
+    std::stable_sort(Ordered.begin(), Ordered.end(),
+                     [](const SHighlightRuleTable* pA, const SHighlightRuleTable* pB)
+                     { return pA->uiElement < pB->uiElement; });
     Q_ASSERT(Ordered.size() <= 32);
     m_RuleRegexes.resize(Ordered.size());
     for (unsigned int uiRule = 0; uiRule < Ordered.size(); ++uiRule)
@@ -271,8 +274,8 @@ void CShaderRuleEngine::EndWord(const char16_t* pText, int iStart, int iEnd, qui
 {
     const int iLength = iEnd - iStart;
     const char16_t uiFirst = pText[iStart];
-    if (iLength < m_iMinWordLength || iLength > m_iMaxWordLength || uiFirst >= 128 ||
-        !((m_uiWordFirstChars[uiFirst >> 6] >> (uiFirst & 63)) & 1))
+    if (iLength < m_iMinWordLength || iLength > m_iMaxWordLength || uiFirst >= 128
+        || !((m_uiWordFirstChars[uiFirst >> 6] >> (uiFirst & 63)) & 1))
         return;
     const quint32 uiHits = m_WordRules.value(QStringView(pText + iStart, iLength), 0) & uiActive;
     if (!uiHits)

@@ -37,8 +37,8 @@ public:
     static bool IsWordCharacter(char16_t uiChar)
     {
         if (uiChar < 128)
-            return (uiChar >= u'a' && uiChar <= u'z') || (uiChar >= u'A' && uiChar <= u'Z') ||
-                   (uiChar >= u'0' && uiChar <= u'9') || uiChar == u'_';
+            return (uiChar >= u'a' && uiChar <= u'z') || (uiChar >= u'A' && uiChar <= u'Z')
+                   || (uiChar >= u'0' && uiChar <= u'9') || uiChar == u'_';
         return IsNonAsciiWordCharacter(uiChar);
     }
     // The first "ab" at or after iFrom, or -1.
@@ -67,7 +67,7 @@ private:
     {
         unsigned int uiRule; // index into m_Rules
         QRegExp Expression;
-        QString Literal;          // contained in every match; empty if none is known
+        QString Literal; // contained in every match; empty if none is known
         SCharacterSets LiteralSets;
     };
     struct SScan
@@ -89,8 +89,8 @@ private:
     static void ApplyNumbers(const QString& Text, quint8 uiValue, quint8* pElements);
     static void ApplyLineComments(const QString& Text, quint8 uiValue, quint8* pElements);
 
-    std::vector<SRule> m_Rules; // ascending element
-    QStringList m_Words;        // owns the characters the hash keys point into
+    std::vector<SRule> m_Rules;              // ascending element
+    QStringList m_Words;                     // owns the characters the hash keys point into
     QHash<QStringView, quint32> m_WordRules; // word -> bit set of the rules listing it
     quint64 m_uiWordFirstChars[2] = {0, 0};
     int m_iMinWordLength = 0;

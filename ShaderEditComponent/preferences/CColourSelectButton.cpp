@@ -45,7 +45,8 @@ void CColourSelectButton::UpdateSwatch()
     QPainter Painter(&Swatch);
     Painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::WindowText));
     if (m_Colour.isValid())
-        Painter.setBrush(isEnabled() ? m_Colour : QColor(m_Colour.lightness(), m_Colour.lightness(), m_Colour.lightness()));
+        Painter.setBrush(isEnabled() ? m_Colour
+                                     : QColor(m_Colour.lightness(), m_Colour.lightness(), m_Colour.lightness()));
     Painter.drawRect(QRect(QPoint(0, 0), Size - QSize(1, 1)));
     Painter.end();
     setIcon(Swatch);

@@ -28,10 +28,10 @@ namespace
 // Typing in the path field asks the compiler once the user pauses.
 constexpr int s_iTypingPauseMs = 300;
 
-constexpr unsigned int s_uiPageMask = Settings::CompilerSetting_CustomCompilerPath |
-                                      Settings::CompilerSetting_TempDirectory | Settings::CompilerSetting_WarningFormat |
-                                      Settings::CompilerSetting_ErrorFormat | Settings::CompilerSetting_ShouldFormat |
-                                      Settings::CompilerSetting_CompilerSelection;
+constexpr unsigned int s_uiPageMask =
+    Settings::CompilerSetting_CustomCompilerPath | Settings::CompilerSetting_TempDirectory
+    | Settings::CompilerSetting_WarningFormat | Settings::CompilerSetting_ErrorFormat
+    | Settings::CompilerSetting_ShouldFormat | Settings::CompilerSetting_CompilerSelection;
 
 QLabel* NamedLabel(const char* pName, QWidget* pParent)
 {
@@ -194,8 +194,7 @@ void CCompilerPreferencesWidget::Connect()
             &CCompilerPreferencesWidget::OnCompilerComboChanged);
 
     // The page is filled by emitting its own signals.
-    connect(this, &CCompilerPreferencesWidget::CompilerSelectionChanged, m_pCompilerCombo,
-            &QComboBox::setCurrentIndex);
+    connect(this, &CCompilerPreferencesWidget::CompilerSelectionChanged, m_pCompilerCombo, &QComboBox::setCurrentIndex);
     connect(this, &CCompilerPreferencesWidget::GLSLESPathChanged, m_pPath, &QLineEdit::setText);
     connect(this, &CCompilerPreferencesWidget::GLSLESPathChanged, this,
             [this](const QString& Path)

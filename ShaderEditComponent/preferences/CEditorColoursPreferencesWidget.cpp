@@ -44,8 +44,8 @@ QTextCharFormat FormatOf(const SElementStyle& Style)
 
 bool SameStyle(const SElementStyle& A, const SElementStyle& B)
 {
-    return A.Foreground.rgba() == B.Foreground.rgba() && A.Background.rgba() == B.Background.rgba() &&
-           A.bBold == B.bBold && A.bUnderline == B.bUnderline;
+    return A.Foreground.rgba() == B.Foreground.rgba() && A.Background.rgba() == B.Background.rgba()
+           && A.bBold == B.bBold && A.bUnderline == B.bUnderline;
 }
 
 // "GLSL:ES/Keyword" is "Keyword" in the group "GLSL:ES"; "Error" belongs to no language.
@@ -175,8 +175,7 @@ QGroupBox* CEditorColoursPreferencesWidget::BuildPreviewGroup()
     m_pPreview->setReadOnly(true);
     m_pPreview->setLineWrapMode(QPlainTextEdit::NoWrap);
     m_pPreview->setFont(m_Font);
-    m_pPreviewHighlighter =
-        new CShaderHighlighter(m_pPreview->document(), DocType_GLSLESFragment, m_pPreviewScheme);
+    m_pPreviewHighlighter = new CShaderHighlighter(m_pPreview->document(), DocType_GLSLESFragment, m_pPreviewScheme);
     QVBoxLayout* pLayout = new QVBoxLayout(m_pPreviewGroup);
     pLayout->addWidget(m_pPreview);
     return m_pPreviewGroup;
@@ -259,8 +258,9 @@ void CEditorColoursPreferencesWidget::OnCurrentItemChanged(QTreeWidgetItem* pIte
     const int iElement = pItem ? pItem->data(0, s_iElementRole).toInt() : s_iNoElement;
     if (iElement < 0 || iElement >= static_cast<int>(ElementCount))
         return;
-    const bool bNewLanguage = PreviewTypeForElement(static_cast<unsigned int>(iElement)) !=
-                              PreviewTypeForElement(m_uiSelected) || m_pPreview->document()->isEmpty();
+    const bool bNewLanguage =
+        PreviewTypeForElement(static_cast<unsigned int>(iElement)) != PreviewTypeForElement(m_uiSelected)
+        || m_pPreview->document()->isEmpty();
     m_uiSelected = static_cast<unsigned int>(iElement);
     ShowElement();
     if (bNewLanguage)

@@ -15,11 +15,10 @@
 
 namespace
 {
-constexpr unsigned int s_uiPageMask = Settings::EditorSetting_TreatTabAsSpace | Settings::EditorSetting_TabSpaceSize |
-                                      Settings::EditorSetting_PerformCursorMatch |
-                                      Settings::EditorSetting_CursorMatchColour |
-                                      Settings::EditorSetting_HighlightFindResults |
-                                      Settings::EditorSetting_FindResultColour;
+constexpr unsigned int s_uiPageMask =
+    Settings::EditorSetting_TreatTabAsSpace | Settings::EditorSetting_TabSpaceSize
+    | Settings::EditorSetting_PerformCursorMatch | Settings::EditorSetting_CursorMatchColour
+    | Settings::EditorSetting_HighlightFindResults | Settings::EditorSetting_FindResultColour;
 
 template <typename TWidget> TWidget* Named(const char* pName, QWidget* pParent)
 {
@@ -39,9 +38,9 @@ CEditorPreferencesWidget::CEditorPreferencesWidget(CShaderEditController& Edit, 
     m_Editor.FindResultColour = QColor();
     QVBoxLayout* pLayout = new QVBoxLayout(this);
     pLayout->addWidget(BuildTabGroup());
-    m_pCursorGroup = BuildHighlightGroup("CursorMatchGroupbox", "CursorMatchCheckbox", "CursorMatchBGColourLabel",
-                                         "CursorMatchColButton", &m_pCursorMatch, &m_pCursorColourLabel,
-                                         &m_pCursorColour);
+    m_pCursorGroup =
+        BuildHighlightGroup("CursorMatchGroupbox", "CursorMatchCheckbox", "CursorMatchBGColourLabel",
+                            "CursorMatchColButton", &m_pCursorMatch, &m_pCursorColourLabel, &m_pCursorColour);
     pLayout->addWidget(m_pCursorGroup);
     m_pFindGroup = BuildHighlightGroup("FindResultGroupbox", "FindResultCheckbox", "FindResultBGColourLabel",
                                        "FindResultColButton", &m_pFindResults, &m_pFindColourLabel, &m_pFindColour);

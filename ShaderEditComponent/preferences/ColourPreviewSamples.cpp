@@ -110,15 +110,20 @@ QString PreviewSample(EShaderDocType eType)
     switch (eType)
     {
     case DocType_ZFXGLSLES:
-    case DocType_ZFXGLSL: return QString::fromLatin1(s_pEffect);
+    case DocType_ZFXGLSL:
+        return QString::fromLatin1(s_pEffect);
     case DocType_GLSLVertex:
-    case DocType_GLSLFragment: return QString::fromLatin1(s_pGLSL);
+    case DocType_GLSLFragment:
+        return QString::fromLatin1(s_pGLSL);
     case DocType_HLSLVertex:
     case DocType_HLSLFragment:
     case DocType_HLSLGeometry:
-    case DocType_HLSLFX: return QString::fromLatin1(s_pHLSL);
-    case DocType_OpenCLKernel: return QString::fromLatin1(s_pOpenCL);
-    default: return QString::fromLatin1(s_pGLSLES);
+    case DocType_HLSLFX:
+        return QString::fromLatin1(s_pHLSL);
+    case DocType_OpenCLKernel:
+        return QString::fromLatin1(s_pOpenCL);
+    default:
+        return QString::fromLatin1(s_pGLSLES);
     }
 }
 

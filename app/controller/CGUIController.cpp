@@ -52,7 +52,8 @@ bool CGUIController::SavePreferences()
     QString Error;
     if (m_pStore->Save(&Error))
         return true;
-    qCWarning(lcZamApp, "Failed to save the preference file %s: %s", qPrintable(m_pStore->GetFilePath()), qPrintable(Error));
+    qCWarning(lcZamApp, "Failed to save the preference file %s: %s", qPrintable(m_pStore->GetFilePath()),
+              qPrintable(Error));
     if (!m_bSaveFailureReported)
     {
         m_bSaveFailureReported = true;

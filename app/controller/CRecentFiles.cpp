@@ -13,8 +13,8 @@ const char* const s_pEntryName = "ARecentFile";
 const char* const s_pSeparatorName = "TheRecentFileSeparator";
 } // namespace
 
-CRecentFiles::CRecentFiles(CZamPreferences* pStore, unsigned int uiFlags, const QString& Prefix,
-                           unsigned int uiMaximum, QObject* pParent)
+CRecentFiles::CRecentFiles(CZamPreferences* pStore, unsigned int uiFlags, const QString& Prefix, unsigned int uiMaximum,
+                           QObject* pParent)
     : QObject(pParent)
     , m_uiMaximum(uiMaximum)
     , m_pStore(pStore)

@@ -6,7 +6,8 @@
 
 QString InstalledExamplesFolder()
 {
-    return QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/zamshadereditor/examples"));
+    return QDir::cleanPath(QCoreApplication::applicationDirPath()
+                           + QStringLiteral("/../share/zamshadereditor/examples"));
 }
 
 QString FindInstalledFile(const QString& Folder, const QString& Name)

@@ -42,7 +42,10 @@ QString LibraryVersionLine()
     QStringList Entries;
     Entries << QStringLiteral("Qt version ") + QString::fromLatin1(qVersion());
     // The preference file is read and written with TinyXML.
-    Entries << QStringLiteral("TinyXML %1.%2.%3").arg(TIXML_MAJOR_VERSION).arg(TIXML_MINOR_VERSION).arg(TIXML_PATCH_VERSION);
+    Entries << QStringLiteral("TinyXML %1.%2.%3")
+                   .arg(TIXML_MAJOR_VERSION)
+                   .arg(TIXML_MINOR_VERSION)
+                   .arg(TIXML_PATCH_VERSION);
 #ifdef GLSLANG_VERSION_MAJOR
     // The bundled compilers parse GLSL with glslang; they are built against the same headers.
     Entries << QStringLiteral("glslang %1.%2.%3")
@@ -59,7 +62,8 @@ QString IdentificationText(const QString& AppText)
     Lines << ApplicationTextWithBuild(AppText);
     if (!BuildCommit().isEmpty())
         Lines << QStringLiteral("Commit: ") + BuildCommit();
-    Lines << QStringLiteral("Qt: %1 (built with %2)").arg(QString::fromLatin1(qVersion()), QStringLiteral(QT_VERSION_STR));
+    Lines << QStringLiteral("Qt: %1 (built with %2)")
+                 .arg(QString::fromLatin1(qVersion()), QStringLiteral(QT_VERSION_STR));
     Lines << QStringLiteral("System: %1, %2 %3, %4")
                  .arg(QSysInfo::prettyProductName(), QSysInfo::kernelType(), QSysInfo::kernelVersion(),
                       QSysInfo::currentCpuArchitecture());

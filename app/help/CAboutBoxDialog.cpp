@@ -28,7 +28,8 @@ QLabel* AddWhiteLabel(QWidget* pParent, const char* pObjectName, const QString& 
 
 QLabel* AddWhiteLinkLabel(QWidget* pParent, const char* pObjectName, const QString& Url, const QString& Text)
 {
-    QLabel* pLabel = NewLinkLabel(pParent, QString::fromLatin1(pObjectName), Url, Text, QString::fromLatin1(kLinkColour));
+    QLabel* pLabel =
+        NewLinkLabel(pParent, QString::fromLatin1(pObjectName), Url, Text, QString::fromLatin1(kLinkColour));
     pLabel->setStyleSheet(QString::fromLatin1(kWhite));
     return pLabel;
 }
@@ -71,7 +72,8 @@ void CAboutBoxDialog::BuildWidgets(const QString& AppText)
     pUses->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     QLabel* pVersions = AddWhiteLabel(this, "VersionLabel", LibraryVersionLine());
     pVersions->setWordWrap(true);
-    QLabel* pEmail = AddWhiteLinkLabel(this, "EmailLabel", QStringLiteral("mailto:") + SupportEmailAddress(), SupportEmailAddress());
+    QLabel* pEmail =
+        AddWhiteLinkLabel(this, "EmailLabel", QStringLiteral("mailto:") + SupportEmailAddress(), SupportEmailAddress());
     QLabel* pWebsite = AddWhiteLinkLabel(this, "WebsiteLabel", WebsiteUrl(), WebsiteUrl());
     QLabel* pCopyright = AddWhiteLabel(this, "label", CopyrightLine());
     connect(pEmail, &QLabel::linkActivated, this, &CAboutBoxDialog::launchLink);

@@ -83,17 +83,20 @@ bool CDocumentationOpener::Open(QWidget* pParent, const QString& Directory, cons
 
 bool CDocumentationOpener::LocateAndOpen(QWidget* pParent, const QString& Directory, const QString& FileName)
 {
-    m_Warn(pParent, QStringLiteral("Documentation File Not Found"), QStringLiteral("Please locate the file: ") + FileName);
-    const QString StartFolder = QFileInfo(ResolveDirectory(Directory)).isDir() ? ResolveDirectory(Directory) : QDir::homePath();
-    const QString Chosen =
-        m_Chooser(pParent, QStringLiteral("Open Source File"), StartFolder, QStringLiteral("Portable Document Format (*.pdf)"));
+    m_Warn(pParent, QStringLiteral("Documentation File Not Found"),
+           QStringLiteral("Please locate the file: ") + FileName);
+    const QString StartFolder =
+        QFileInfo(ResolveDirectory(Directory)).isDir() ? ResolveDirectory(Directory) : QDir::homePath();
+    const QString Chosen = m_Chooser(pParent, QStringLiteral("Open Source File"), StartFolder,
+                                     QStringLiteral("Portable Document Format (*.pdf)"));
     if (Chosen.isEmpty())
         return false;
 
     const QString Path = QFileInfo(Chosen).absoluteFilePath();
     if (!TryOpen(Path))
     {
-        m_Warn(pParent, QStringLiteral("File Open Failed"), QStringLiteral("No program could open the file:\n") + QDir::toNativeSeparators(Path));
+        m_Warn(pParent, QStringLiteral("File Open Failed"),
+               QStringLiteral("No program could open the file:\n") + QDir::toNativeSeparators(Path));
         return false;
     }
     m_Store.SetString(StoredLocationKey(FileName), Path);

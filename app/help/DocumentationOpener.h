@@ -16,8 +16,8 @@ class QWidget;
 class CDocumentationOpener
 {
 public:
-    using FileChooser = std::function<QString(QWidget* pParent, const QString& Title, const QString& Directory,
-                                              const QString& Filter)>;
+    using FileChooser =
+        std::function<QString(QWidget* pParent, const QString& Title, const QString& Directory, const QString& Filter)>;
     using Warner = std::function<void(QWidget* pParent, const QString& Title, const QString& Text)>;
 
     explicit CDocumentationOpener(CZamPreferences& Store);

@@ -44,7 +44,8 @@ QString CopyrightLine()
 
 QString RichTextLink(const QString& Url, const QString& Text, const QString& Colour)
 {
-    const QString Style = Colour.isEmpty() ? QString() : QStringLiteral(" style=\"color: %1;\"").arg(Colour.toHtmlEscaped());
+    const QString Style =
+        Colour.isEmpty() ? QString() : QStringLiteral(" style=\"color: %1;\"").arg(Colour.toHtmlEscaped());
     return QStringLiteral("<a href=\"%1\"%2>%3</a>").arg(Url.toHtmlEscaped(), Style, Text.toHtmlEscaped());
 }
 

@@ -151,7 +151,8 @@ bool IsCodeBlock(const QTextBlock& Block)
 }
 
 // Gives the whole block one block format and one character format.
-void ApplyToBlock(QTextCursor& Cursor, const QTextBlock& Block, const QTextBlockFormat& Format, const QTextCharFormat& Char)
+void ApplyToBlock(QTextCursor& Cursor, const QTextBlock& Block, const QTextBlockFormat& Format,
+                  const QTextCharFormat& Char)
 {
     Cursor.setPosition(Block.position());
     Cursor.setPosition(Block.position() + Block.length() - 1, QTextCursor::KeepAnchor);
@@ -200,7 +201,8 @@ void StyleInlineCode(QTextCursor& Cursor, const QTextBlock& Block)
             continue;
         QTextCharFormat Char;
         Char.setFontFamilies({QStringLiteral("DejaVu Sans Mono")});
-        Char.setFontPointSize(Fragment.charFormat().fontPointSize() > 0 ? Fragment.charFormat().fontPointSize() * 0.92 : 9.2);
+        Char.setFontPointSize(Fragment.charFormat().fontPointSize() > 0 ? Fragment.charFormat().fontPointSize() * 0.92
+                                                                        : 9.2);
         Char.setBackground(kCodeBackground);
         Cursor.setPosition(Fragment.position());
         Cursor.setPosition(Fragment.position() + Fragment.length(), QTextCursor::KeepAnchor);
@@ -279,8 +281,8 @@ void StyleTable(QTextTable* pTable, bool bContents)
     Format.setTopMargin(Points(3));
     Format.setBottomMargin(Points(8));
     if (bContents)
-        Format.setColumnWidthConstraints({QTextLength(QTextLength::PercentageLength, 90),
-                                          QTextLength(QTextLength::PercentageLength, 10)});
+        Format.setColumnWidthConstraints(
+            {QTextLength(QTextLength::PercentageLength, 90), QTextLength(QTextLength::PercentageLength, 10)});
     pTable->setFormat(Format);
 
     QTextCursor Cursor(pTable->document());
@@ -313,7 +315,8 @@ void StyleContentsRows(QTextTable* pTable)
     for (int iRow = 0; iRow < pTable->rows(); ++iRow)
     {
         const QTextTableCell Cell = pTable->cellAt(iRow, 0);
-        const bool bChapter = !Cell.firstCursorPosition().block().text().section(QLatin1Char(' '), 0, 0).contains(QLatin1Char('.'));
+        const bool bChapter =
+            !Cell.firstCursorPosition().block().text().section(QLatin1Char(' '), 0, 0).contains(QLatin1Char('.'));
         for (int iColumn = 0; iColumn < pTable->columns(); ++iColumn)
         {
             SelectCell(Cursor, pTable->cellAt(iRow, iColumn));
@@ -444,7 +447,8 @@ SManualPdf RenderMarkdownToPdf(const QString& Markdown, const QString& BaseFolde
     QPdfWriter Writer(PdfPath);
     Writer.setResolution(kDpi);
     Writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait,
-                                     QMarginsF(kMarginSide, kMarginTop, kMarginSide, kMarginBottom), QPageLayout::Millimeter));
+                                     QMarginsF(kMarginSide, kMarginTop, kMarginSide, kMarginBottom),
+                                     QPageLayout::Millimeter));
     Writer.setTitle(Title);
     Writer.setCreator(QStringLiteral("ZamShaderEditor manual typesetter"));
 
@@ -458,11 +462,12 @@ SManualPdf RenderMarkdownToPdf(const QString& Markdown, const QString& BaseFolde
 
     // Typeset once with provisional page numbers to learn where the headings fall, then again
     // with the real ones; the numbers do not change the length of the contents.
-    const QVector<int> Pages = HeadingPages(
-        *TypesetDocument(WithContents(Numbered, iFirstChapterLine, ContentsMarkdown(Headings, {})), BaseFolder, Writer, Page),
-        dBodyHeight);
-    const std::unique_ptr<QTextDocument> pDoc =
-        TypesetDocument(WithContents(Numbered, iFirstChapterLine, ContentsMarkdown(Headings, Pages)), BaseFolder, Writer, Page);
+    const QVector<int> Pages =
+        HeadingPages(*TypesetDocument(WithContents(Numbered, iFirstChapterLine, ContentsMarkdown(Headings, {})),
+                                      BaseFolder, Writer, Page),
+                     dBodyHeight);
+    const std::unique_ptr<QTextDocument> pDoc = TypesetDocument(
+        WithContents(Numbered, iFirstChapterLine, ContentsMarkdown(Headings, Pages)), BaseFolder, Writer, Page);
     if (PaintPages(Writer, *pDoc, Title, dBodyHeight, &Written.Error))
         Written.iPages = pDoc->pageCount();
     return Written;

@@ -15,4 +15,5 @@ struct SManualPdf
     QString Error;  // why nothing was written
 };
 
-[[nodiscard]] SManualPdf RenderMarkdownToPdf(const QString& Markdown, const QString& BaseFolder, const QString& PdfPath);
+[[nodiscard]] SManualPdf RenderMarkdownToPdf(const QString& Markdown, const QString& BaseFolder,
+                                             const QString& PdfPath);

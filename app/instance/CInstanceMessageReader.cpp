@@ -60,7 +60,8 @@ void CInstanceMessageReader::OnTimeout()
     if (m_bFinished)
         return;
     qCWarning(lcZamInstance).noquote()
-        << QStringLiteral("Single instance: no complete message within %1 ms, the connection was dropped").arg(TimeoutMs);
+        << QStringLiteral("Single instance: no complete message within %1 ms, the connection was dropped")
+               .arg(TimeoutMs);
     Finish();
 }
 

@@ -34,8 +34,8 @@ void CSingleApplication::DecideRole()
     const SPrivateFolder Folder = PrivateInstanceFolder();
     if (Folder.Path.isEmpty())
     {
-        qCWarning(lcZamInstance).noquote() << "Single instance: no private folder for the local server, running alone:"
-                                           << Folder.Error;
+        qCWarning(lcZamInstance).noquote()
+            << "Single instance: no private folder for the local server, running alone:" << Folder.Error;
         CreateSegment();
         return;
     }
@@ -73,7 +73,8 @@ CSingleApplication::EProbeResult CSingleApplication::ProbeRunningInstance()
     const QLocalSocket::LocalSocketError eError = pSocket->error();
     if (eError == QLocalSocket::ServerNotFoundError || eError == QLocalSocket::ConnectionRefusedError)
         return eProbe_NoServer;
-    qCWarning(lcZamInstance).noquote() << "Single instance: the running instance did not accept:" << pSocket->errorString();
+    qCWarning(lcZamInstance).noquote() << "Single instance: the running instance did not accept:"
+                                       << pSocket->errorString();
     return eProbe_Busy;
 }
 
@@ -102,7 +103,8 @@ void CSingleApplication::StartServer()
     m_pLocalServer->setListenBacklogSize(PendingConnections);
     connect(m_pLocalServer, &QLocalServer::newConnection, this, &CSingleApplication::ReceiveMessage);
     if (!m_pLocalServer->listen(m_ServerPath))
-        qCWarning(lcZamInstance).noquote() << "Single instance: cannot listen on" << m_ServerPath << m_pLocalServer->errorString();
+        qCWarning(lcZamInstance).noquote()
+            << "Single instance: cannot listen on" << m_ServerPath << m_pLocalServer->errorString();
 }
 
 bool CSingleApplication::ConnectToRunningInstance(QLocalSocket& Socket)
@@ -147,9 +149,8 @@ void CSingleApplication::ReceiveMessage()
         const SPeerUser Peer = GetPeerUser(pSocket->socketDescriptor());
         if (!Peer.bKnown || Peer.uiUserId != CurrentUserId())
         {
-            const QString Error = Peer.bKnown
-                                      ? QStringLiteral("a connection from user %1 was refused").arg(Peer.uiUserId)
-                                      : Peer.Error;
+            const QString Error =
+                Peer.bKnown ? QStringLiteral("a connection from user %1 was refused").arg(Peer.uiUserId) : Peer.Error;
             qCWarning(lcZamInstance).noquote() << "Single instance:" << Error;
             pSocket->abort();
             pSocket->deleteLater();

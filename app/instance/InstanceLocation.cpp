@@ -48,7 +48,10 @@ bool IsPrivateFolder(const QString& Path, QString& Error)
     }
     if (uint(Info.st_uid) != CurrentUserId())
     {
-        Error = QStringLiteral("%1 belongs to user %2, not to user %3").arg(Path).arg(uint(Info.st_uid)).arg(CurrentUserId());
+        Error = QStringLiteral("%1 belongs to user %2, not to user %3")
+                    .arg(Path)
+                    .arg(uint(Info.st_uid))
+                    .arg(CurrentUserId());
         return false;
     }
     if ((Info.st_mode & (S_IRWXG | S_IRWXO)) != 0)
@@ -69,7 +72,8 @@ SPrivateFolder PrivateInstanceFolder()
     {
         if (IsPrivateFolder(Runtime, Found.Error))
             return {Runtime, QString()};
-        qCWarning(lcZamInstance).noquote() << "XDG_RUNTIME_DIR is not private, using the temporary folder:" << Found.Error;
+        qCWarning(lcZamInstance).noquote()
+            << "XDG_RUNTIME_DIR is not private, using the temporary folder:" << Found.Error;
     }
     const QString Folder = QDir::tempPath() + QStringLiteral("/zamshadereditor-") + QString::number(CurrentUserId());
     if (::mkdir(QFile::encodeName(Folder).constData(), 0700) != 0 && errno != EEXIST)

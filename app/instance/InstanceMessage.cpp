@@ -34,7 +34,8 @@ SInstanceMessage DecodeInstanceMessage(const QByteArray& Bytes)
         return Decoded;
     }
     // A leading byte-order mark is kept: the text is passed on unchanged or not at all.
-    QStringDecoder Decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    QStringDecoder Decoder(QStringDecoder::Utf8,
+                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
     const QString Text = Decoder.decode(Bytes);
     if (Decoder.hasError())
     {

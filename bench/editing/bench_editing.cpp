@@ -80,7 +80,8 @@ double Milliseconds(const QElapsedTimer& Timer)
 double Percentile(std::vector<double> Samples, double dFraction)
 {
     std::sort(Samples.begin(), Samples.end());
-    const size_t uiIndex = std::min(Samples.size() - 1, static_cast<size_t>(dFraction * static_cast<double>(Samples.size())));
+    const size_t uiIndex =
+        std::min(Samples.size() - 1, static_cast<size_t>(dFraction * static_cast<double>(Samples.size())));
     return Samples[uiIndex];
 }
 
@@ -159,7 +160,7 @@ std::vector<double> ScenarioTyping(CShaderEditPanel* pPanel, int iKeys)
 void PlaceCursorOnWord(CShaderEditPanel* pPanel)
 {
     QTextCursor OnWord = pPanel->document()->find(QStringLiteral("shade"), 0,
-                                                   QTextDocument::FindCaseSensitively | QTextDocument::FindWholeWords);
+                                                  QTextDocument::FindCaseSensitively | QTextDocument::FindWholeWords);
     OnWord.clearSelection();
     pPanel->setTextCursor(OnWord);
     QApplication::processEvents();

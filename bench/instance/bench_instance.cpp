@@ -115,12 +115,15 @@ int main(int argc, char** argv)
     const double Gui = Median(Times.Gui);
     const double HandOver = Median(Times.HandOver);
     const double Delivered = Median(Times.Delivered);
-    std::printf("platform %s, %d rounds, medians:\n", qPrintable(Environment.value(QStringLiteral("QT_QPA_PLATFORM"))), Rounds);
+    std::printf("platform %s, %d rounds, medians:\n", qPrintable(Environment.value(QStringLiteral("QT_QPA_PLATFORM"))),
+                Rounds);
     std::printf("  bare QCoreApplication start   %7.2f ms\n", Core);
     std::printf("  bare QApplication start       %7.2f ms\n", Gui);
-    std::printf("  second start, hand-over, exit %7.2f ms  (%.2fx core, %.2fx gui; goal under 50 ms)\n", HandOver, HandOver / Core, HandOver / Gui);
+    std::printf("  second start, hand-over, exit %7.2f ms  (%.2fx core, %.2fx gui; goal under 50 ms)\n", HandOver,
+                HandOver / Core, HandOver / Gui);
     std::printf("  ... until the message arrived %7.2f ms\n", Delivered);
-    std::printf("handover_ms=%.2f delivered_ms=%.2f bare_core_ms=%.2f bare_gui_ms=%.2f ratio_core=%.2f ratio_gui=%.2f\n",
-                HandOver, Delivered, Core, Gui, HandOver / Core, HandOver / Gui);
+    std::printf(
+        "handover_ms=%.2f delivered_ms=%.2f bare_core_ms=%.2f bare_gui_ms=%.2f ratio_core=%.2f ratio_gui=%.2f\n",
+        HandOver, Delivered, Core, Gui, HandOver / Core, HandOver / Gui);
     return 0;
 }

@@ -17,10 +17,10 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
+#include <cstdio>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <cstdio>
 #include <vector>
 
 namespace

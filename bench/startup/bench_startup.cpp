@@ -70,7 +70,8 @@ bool PrepareUser(const QTemporaryDir& Home)
     qputenv("XDG_CONFIG_HOME", Home.filePath(QStringLiteral("config")).toUtf8());
     qputenv("XDG_RUNTIME_DIR", Home.filePath(QStringLiteral("runtime")).toUtf8());
     QDir().mkpath(Home.filePath(QStringLiteral("runtime")));
-    QFile::setPermissions(Home.filePath(QStringLiteral("runtime")), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QFile::setPermissions(Home.filePath(QStringLiteral("runtime")),
+                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     CZamPreferences Store(QStringLiteral("ZamShaderEditor"));
     Store.Load();
     Store.SetBool(QStringLiteral("General/OpenLastTabs"), true);

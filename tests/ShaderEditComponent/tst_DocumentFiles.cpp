@@ -70,15 +70,23 @@ void CDocumentFilesTest::BadInputOpens_data()
 {
     QTest::addColumn<QString>("Kind");
     QTest::addColumn<QString>("Error"); // empty: the document opens
-    QTest::newRow("binary") << "binary" << "";
-    QTest::newRow("invalid UTF-8") << "latin1" << "";
+    QTest::newRow("binary") << "binary"
+                            << "";
+    QTest::newRow("invalid UTF-8") << "latin1"
+                                   << "";
     // Large shaders open (generated code, big tables); past 256 MiB the limit is named.
-    QTest::newRow("20 MiB") << "large" << "";
-    QTest::newRow("300 MiB") << "huge" << "Failed to open file: %1\nReason: too large (300 MiB); the limit is 256 MiB";
-    QTest::newRow("directory") << "directory" << "Failed to open file: %1\nReason: not a regular file (a folder)";
-    QTest::newRow("vanished") << "vanished" << "Failed to open file: %1\nReason: No such file or directory";
-    QTest::newRow("pipe") << "fifo" << "Failed to open file: %1\nReason: not a regular file (a FIFO)";
-    QTest::newRow("device") << "/dev/zero" << "Failed to open file: %1\nReason: not a regular file (a device)";
+    QTest::newRow("20 MiB") << "large"
+                            << "";
+    QTest::newRow("300 MiB") << "huge"
+                             << "Failed to open file: %1\nReason: too large (300 MiB); the limit is 256 MiB";
+    QTest::newRow("directory") << "directory"
+                               << "Failed to open file: %1\nReason: not a regular file (a folder)";
+    QTest::newRow("vanished") << "vanished"
+                              << "Failed to open file: %1\nReason: No such file or directory";
+    QTest::newRow("pipe") << "fifo"
+                          << "Failed to open file: %1\nReason: not a regular file (a FIFO)";
+    QTest::newRow("device") << "/dev/zero"
+                            << "Failed to open file: %1\nReason: not a regular file (a device)";
 }
 
 void CDocumentFilesTest::BadInputOpens()
@@ -87,7 +95,10 @@ void CDocumentFilesTest::BadInputOpens()
     QFETCH(QString, Error);
     QString Path = Kind.startsWith(QLatin1Char('/')) ? Kind : m_pDir->filePath(Kind);
     if (Kind == QLatin1String("binary"))
-        TestFiles::WriteTestFile(m_pDir->path(), Kind, QByteArray("\x7F" "ELF\0\0\x01\xFF\xFE\r\n\0zz", 14));
+        TestFiles::WriteTestFile(m_pDir->path(), Kind,
+                                 QByteArray("\x7F"
+                                            "ELF\0\0\x01\xFF\xFE\r\n\0zz",
+                                            14));
     else if (Kind == QLatin1String("latin1"))
         TestFiles::WriteTestFile(m_pDir->path(), Kind, "vec4 caf\xE9 = vec4(1.0);\n");
     else if (Kind == QLatin1String("huge"))
@@ -97,7 +108,9 @@ void CDocumentFilesTest::BadInputOpens()
         QVERIFY(Huge.resize(300ll * 1024 * 1024)); // sparse: costs no disk
     }
     else if (Kind == QLatin1String("large"))
-        TestFiles::WriteTestFile(m_pDir->path(), Kind, QByteArray("float f = 1.0; // a line of a large generated table\n").repeated(400 * 1024));
+        TestFiles::WriteTestFile(
+            m_pDir->path(), Kind,
+            QByteArray("float f = 1.0; // a line of a large generated table\n").repeated(400 * 1024));
     else if (Kind == QLatin1String("directory"))
         QVERIFY(QDir(m_pDir->path()).mkdir(Kind));
     else if (Kind == QLatin1String("fifo"))
@@ -122,7 +135,9 @@ void CDocumentFilesTest::OpenedBytesSaveBackUnchanged_data()
     QTest::addColumn<QString>("Text");
     QTest::newRow("CRLF") << QByteArray("a\r\nb\r\n") << "a\nb\n";
     QTest::newRow("LF") << QByteArray("a\nb") << "a\nb";
-    QTest::newRow("UTF-8 with a BOM") << QByteArray("\xEF\xBB\xBF" "caf\xC3\xA9\n") << QString::fromUtf8("café\n");
+    QTest::newRow("UTF-8 with a BOM") << QByteArray("\xEF\xBB\xBF"
+                                                    "caf\xC3\xA9\n")
+                                      << QString::fromUtf8("café\n");
     QTest::newRow("Latin-1") << QByteArray("caf\xE9\r\n") << QString::fromUtf8("café\n");
     QTest::newRow("NUL bytes") << QByteArray("a\0b\n", 4) << QString::fromLatin1("a\0b\n", 4);
 }
@@ -163,7 +178,8 @@ void CDocumentFilesTest::UnreadableFile()
     const QString Path = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("secret.vsh"), "x");
     QVERIFY(QFile::setPermissions(Path, QFileDevice::WriteOwner));
     QVERIFY(!m_pEditor->OnOpenFile(Path));
-    QCOMPARE(m_Delegate.Errors, QStringList{QStringLiteral("Failed to open file: %1\nReason: Permission denied").arg(Path)});
+    QCOMPARE(m_Delegate.Errors,
+             QStringList{QStringLiteral("Failed to open file: %1\nReason: Permission denied").arg(Path)});
 }
 
 void CDocumentFilesTest::ExpectSaveFailure(const QString& Path, const QString& ErrorStart)

@@ -44,8 +44,10 @@ void CIconsTest::EveryDrawingIsCompiledIn()
 
     // The places the program looks them up.
     QCOMPARE(QFileInfo(Compiled.value(QStringLiteral("binoculars_24"))).path(), QStringLiteral(":/Icons"));
-    QCOMPARE(QFileInfo(Compiled.value(QStringLiteral("dx_gs_16"))).path(), QStringLiteral(":/ShaderEditComponent/Icons"));
-    QCOMPARE(QFileInfo(Compiled.value(QStringLiteral("ZamShaderEditor_48"))).path(), QStringLiteral(":/ZamShaderEditor/Icons"));
+    QCOMPARE(QFileInfo(Compiled.value(QStringLiteral("dx_gs_16"))).path(),
+             QStringLiteral(":/ShaderEditComponent/Icons"));
+    QCOMPARE(QFileInfo(Compiled.value(QStringLiteral("ZamShaderEditor_48"))).path(),
+             QStringLiteral(":/ZamShaderEditor/Icons"));
 }
 
 QTEST_MAIN(CIconsTest)

@@ -84,7 +84,8 @@ void CNewShaderFileDialogTest::SelectionShowsTheType()
     QVERIFY(Label("FileTypeDesc").endsWith(QStringLiteral("\n\nBackground compiling is enabled for this type.")));
     const QImage Shown = m_pDialog->findChild<QLabel*>(QStringLiteral("FileTypeIcon"))->pixmap().toImage();
     QCOMPARE(Shown.convertToFormat(QImage::Format_ARGB32),
-             QImage(QStringLiteral(":/ShaderEditComponent/Icons/newfile_gles_fx_48.png")).convertToFormat(QImage::Format_ARGB32));
+             QImage(QStringLiteral(":/ShaderEditComponent/Icons/newfile_gles_fx_48.png"))
+                 .convertToFormat(QImage::Format_ARGB32));
 
     // A language heading is no type: nothing to describe, nothing to accept.
     m_pTree->setCurrentItem(Item(QStringLiteral("HLSL")));
@@ -126,7 +127,8 @@ void CNewShaderFileDialogTest::DoubleClickChoosesAndCloses()
 
     // As a person's double click arrives: an item view acts on the second press only when
     // the first one landed on the same item.
-    const auto DoubleClick = [this](QTreeWidgetItem* pItem) {
+    const auto DoubleClick = [this](QTreeWidgetItem* pItem)
+    {
         const QPoint Centre = m_pTree->visualItemRect(pItem).center();
         QTest::mouseClick(m_pTree->viewport(), Qt::LeftButton, {}, Centre);
         QTest::mouseDClick(m_pTree->viewport(), Qt::LeftButton, {}, Centre);

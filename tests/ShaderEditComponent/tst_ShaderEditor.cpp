@@ -197,7 +197,8 @@ void CShaderEditorTest::EffectFindsItsFilesBesideIt()
     if (!pController)
         QSKIP("the bundled compiler is not part of this build");
     QVERIFY(QDir(m_pDir->path()).mkdir(QStringLiteral("fx")));
-    TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("fx/lit.frag"), "precision mediump float;\nvoid main() { gl_FragColor = vec4(1.0); }\n");
+    TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("fx/lit.frag"),
+                             "precision mediump float;\nvoid main() { gl_FragColor = vec4(1.0); }\n");
     // The precision line makes it a GLSL ES effect, which is compiled in the background.
     const QByteArray Effect = "[VERTEXSHADER]\nNAME vs\n[GLSL_CODE]\nprecision highp float;\n"
                               "void main() { gl_Position = vec4(0.0); }\n"
@@ -224,11 +225,14 @@ void CShaderEditorTest::CloseQuestion_data()
     QTest::addColumn<bool>("Closed");
     QTest::addColumn<QByteArray>("OnDisk");
 
-    QTest::newRow("unchanged closes without asking") << false << int(QMessageBox::Cancel) << false << true << QByteArray("old");
+    QTest::newRow("unchanged closes without asking")
+        << false << int(QMessageBox::Cancel) << false << true << QByteArray("old");
     QTest::newRow("cancel keeps the tab") << true << int(QMessageBox::Cancel) << false << false << QByteArray("old");
     QTest::newRow("discard closes") << true << int(QMessageBox::Discard) << false << true << QByteArray("old");
-    QTest::newRow("save writes the closed tab") << true << int(QMessageBox::Save) << false << true << QByteArray("newold");
-    QTest::newRow("failed save keeps the tab") << true << int(QMessageBox::Save) << true << false << QByteArray("<missing>");
+    QTest::newRow("save writes the closed tab")
+        << true << int(QMessageBox::Save) << false << true << QByteArray("newold");
+    QTest::newRow("failed save keeps the tab")
+        << true << int(QMessageBox::Save) << true << false << QByteArray("<missing>");
 }
 
 void CShaderEditorTest::CloseQuestion()
@@ -274,7 +278,8 @@ void CShaderEditorTest::CloseAllStopsAtCancel()
 
     // The document asked about is the one in view while the question is asked.
     QStringList Shown;
-    m_Delegate.OnAsk = [&] { Shown << m_pEditor->findChild<QTabWidget*>()->tabText(m_pEditor->findChild<QTabWidget*>()->currentIndex()); };
+    m_Delegate.OnAsk = [&]
+    { Shown << m_pEditor->findChild<QTabWidget*>()->tabText(m_pEditor->findChild<QTabWidget*>()->currentIndex()); };
     m_Delegate.eAnswer = QMessageBox::Cancel;
     QVERIFY(!m_pEditor->OnCloseAllTabs());
     QCOMPARE(TabTitles(), QStringList({"New File (1)*", "New File (2)"}));
@@ -322,7 +327,8 @@ void CShaderEditorTest::MiddleClickAsksToo()
 void CShaderEditorTest::OpenSwitchesToAnOpenFile()
 {
     QSignalSpy Opened(m_pEditor.get(), &CShaderEditor::FileOpened);
-    const QString First = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("a.vsh"), "void main() { gl_Position = vec4(1.0); }");
+    const QString First =
+        TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("a.vsh"), "void main() { gl_Position = vec4(1.0); }");
     const QString Second = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("b.fsh"), "void main() {}");
     QVERIFY(m_pEditor->OnOpenFile(First));
     QVERIFY(m_pEditor->OnOpenFile(Second));
@@ -368,7 +374,8 @@ void CShaderEditorTest::ModifiedMarkerAndSaveAs()
 
 void CShaderEditorTest::TitlesShowTheWholeName()
 {
-    QVERIFY(m_pEditor->OnOpenFile(TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("a*b.fsh"), "void main() {}")));
+    QVERIFY(
+        m_pEditor->OnOpenFile(TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("a*b.fsh"), "void main() {}")));
     QVERIFY(m_pEditor->OnOpenFile(TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("star*"), "x")));
     QCOMPARE(TabTitles(), QStringList({"a*b.fsh", "star*"}));
     Type(QStringLiteral("y"));
@@ -399,7 +406,8 @@ void CShaderEditorTest::LineColumnAndCursorMatches()
     QCOMPARE(Line.last().at(0).toInt(), 2);
     QCOMPARE(Column.last().at(0).toInt(), 38);
 
-    auto Highlighted = [pPanel]() {
+    auto Highlighted = [pPanel]()
+    {
         QStringList Words;
         for (const QTextEdit::ExtraSelection& Selection : pPanel->extraSelections())
             Words << Selection.cursor.selectedText();
@@ -449,7 +457,8 @@ void CShaderEditorTest::FindResultsAndSelection()
 
 void CShaderEditorTest::CompileTrafficReachesTheRightPanel()
 {
-    const QString Path = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("c.vsh"), "void main() { gl_Position = vec4(1.0); }\n\n");
+    const QString Path = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("c.vsh"),
+                                                  "void main() { gl_Position = vec4(1.0); }\n\n");
     QVERIFY(m_pEditor->OnOpenFile(Path));
     m_pEditor->OnNewFile(DocType_GLSLESFragment);
     QSignalSpy Requests(m_pEditor.get(), &CShaderEditor::RecompileContents);
@@ -475,7 +484,8 @@ void CShaderEditorTest::FollowsTheControllersSettings()
     Settings::SEditor Editor = Controller.GetEditorSettings();
     Editor.bTreatTabAsSpace = true;
     Editor.iTabSpaceSize = 2;
-    Controller.SetEditorSettings(Editor, Settings::EditorSetting_TreatTabAsSpace | Settings::EditorSetting_TabSpaceSize);
+    Controller.SetEditorSettings(Editor,
+                                 Settings::EditorSetting_TreatTabAsSpace | Settings::EditorSetting_TabSpaceSize);
     QTest::keyClick(m_pEditor->GetCurrentPanel(), Qt::Key_Tab);
     QCOMPARE(m_pEditor->GetCurrentPanel()->toPlainText(), QStringLiteral("  "));
 

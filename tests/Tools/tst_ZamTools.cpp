@@ -27,7 +27,10 @@ struct SHuge
 struct SCounted
 {
     static int s_iDeleted;
-    explicit SCounted(int iId) : iId(iId) {}
+    explicit SCounted(int iId)
+        : iId(iId)
+    {
+    }
     ~SCounted() { ++s_iDeleted; }
     int iId;
 };
@@ -157,7 +160,8 @@ void CZamToolsTest::StringReplace_data()
     QTest::newRow("grow") << QByteArray("a-a-a") << QByteArray("a") << QByteArray("bcd") << QByteArray("bcd-bcd-bcd");
     QTest::newRow("shrink") << QByteArray("abcabcx") << QByteArray("bc") << QByteArray() << QByteArray("aax");
     QTest::newRow("non-overlapping") << QByteArray("aaaaa") << QByteArray("aa") << QByteArray("b") << QByteArray("bba");
-    QTest::newRow("no rescan of output") << QByteArray("ab") << QByteArray("a") << QByteArray("aa") << QByteArray("aab");
+    QTest::newRow("no rescan of output") << QByteArray("ab") << QByteArray("a") << QByteArray("aa")
+                                         << QByteArray("aab");
     QTest::newRow("absent") << QByteArray("hello") << QByteArray("xyz") << QByteArray("q") << QByteArray("hello");
     QTest::newRow("empty from") << QByteArray("hello") << QByteArray() << QByteArray("q") << QByteArray("hello");
     QTest::newRow("whole") << QByteArray("ab") << QByteArray("ab") << QByteArray() << QByteArray();
@@ -462,7 +466,11 @@ void CZamToolsTest::SkipGraphLargeOrder()
     const int iCount = 500;
     CZamTSkipGraphRoot<int> Graph;
     uint32_t uiSeed = 12345;
-    auto Next = [&uiSeed] { uiSeed = uiSeed * 1103515245u + 12345u; return uiSeed >> 8; };
+    auto Next = [&uiSeed]
+    {
+        uiSeed = uiSeed * 1103515245u + 12345u;
+        return uiSeed >> 8;
+    };
     for (int i = 0; i < iCount; ++i)
         Graph.AddNode((i * 211) % iCount);
     QList<QPair<int, int>> Edges;

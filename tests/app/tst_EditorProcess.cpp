@@ -66,10 +66,13 @@ public:
     bool StartFirst(QProcess& Process) const
     {
         Start(Process, {});
-        return QTest::qWaitFor([&] { return Process.readAllStandardError().contains("zam-first-paint") ||
-                                            Process.state() == QProcess::NotRunning; },
-                               s_iWaitMs) &&
-               Process.state() == QProcess::Running;
+        return QTest::qWaitFor(
+                   [&] {
+                       return Process.readAllStandardError().contains("zam-first-paint")
+                              || Process.state() == QProcess::NotRunning;
+                   },
+                   s_iWaitMs)
+               && Process.state() == QProcess::Running;
     }
 
     // A second start; its exit code, or -1 when it did not end by itself.
@@ -117,7 +120,8 @@ void CEditorProcessTest::InformationNeedsNoDisplay()
         QVERIFY(Process.waitForFinished(s_iWaitMs));
         QCOMPARE(Process.exitCode(), 0);
         const QByteArray Output = Process.readAllStandardOutput();
-        QVERIFY2(Output.contains(qstrcmp(pOption, "--help") == 0 ? "Usage: zamshadereditor" : "ZamShaderEditor 2.0 (SDK build"),
+        QVERIFY2(Output.contains(qstrcmp(pOption, "--help") == 0 ? "Usage: zamshadereditor"
+                                                                 : "ZamShaderEditor 2.0 (SDK build"),
                  Output.constData());
     }
 }

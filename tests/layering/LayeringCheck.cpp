@@ -100,9 +100,9 @@ void CLayeringCheck::CollectSources()
         m_Files.insert(Path);
         if (Path.endsWith(QLatin1String(".h")))
             m_HeaderNames.insert(FileNameOf(Path));
-        const bool bSkipped = std::any_of(m_Skipped.begin(), m_Skipped.end(), [&](const QString& Folder) {
-            return Path.startsWith(Folder + QLatin1Char('/'));
-        });
+        const bool bSkipped =
+            std::any_of(m_Skipped.begin(), m_Skipped.end(),
+                        [&](const QString& Folder) { return Path.startsWith(Folder + QLatin1Char('/')); });
         if (!bSkipped)
             m_Sources << Path;
     }
@@ -113,16 +113,17 @@ void CLayeringCheck::CollectSources()
 void CLayeringCheck::CheckLinks()
 {
     QHash<QString, int> State; // 1: on the current path, 2: done
-    std::function<void(const SLayeringLibrary&, QStringList&)> Visit = [&](const SLayeringLibrary& Library,
-                                                                          QStringList& Trail) {
+    std::function<void(const SLayeringLibrary&, QStringList&)> Visit =
+        [&](const SLayeringLibrary& Library, QStringList& Trail)
+    {
         State[Library.Name] = 1;
         Trail << Library.Name;
         for (const QString& Link : Library.Links)
         {
             const SLayeringLibrary* pLink = LibraryNamed(Link);
             if (!pLink)
-                Report(Library.Folders.value(0), 0, QStringLiteral("%1 links %2, which is no library of the table")
-                                                         .arg(Library.Name, Link));
+                Report(Library.Folders.value(0), 0,
+                       QStringLiteral("%1 links %2, which is no library of the table").arg(Library.Name, Link));
             else if (State.value(Link) == 1)
                 Report(Library.Folders.value(0), 0,
                        QStringLiteral("links form a cycle: %1 -> %2").arg(Trail.join(QLatin1String(" -> ")), Link));
@@ -165,9 +166,10 @@ void CLayeringCheck::CheckInclude(const QString& From, int iLine, const QString&
     {
         // Generated headers (moc output, build numbers) are no files of the tree.
         if (m_HeaderNames.contains(FileNameOf(Include)))
-            Report(From, iLine, QStringLiteral("\"%1\" is found only through an include folder; name the header by "
-                                               "its path from the top of the tree")
-                                    .arg(Include));
+            Report(From, iLine,
+                   QStringLiteral("\"%1\" is found only through an include folder; name the header by "
+                                  "its path from the top of the tree")
+                       .arg(Include));
         return;
     }
     const SLayeringLibrary* pFrom = LibraryOf(From);
@@ -176,8 +178,9 @@ void CLayeringCheck::CheckInclude(const QString& From, int iLine, const QString&
     if (!bOwn)
         CheckForeignInclude(From, iLine, Found);
     else if (Found.eForm == Form_Top && pFrom)
-        Report(From, iLine, QStringLiteral("\"%1\" is the library's own header: include it by its path inside %2")
-                                .arg(Include, pFrom->Folders.value(0)));
+        Report(From, iLine,
+               QStringLiteral("\"%1\" is the library's own header: include it by its path inside %2")
+                   .arg(Include, pFrom->Folders.value(0)));
 }
 
 void CLayeringCheck::CheckForeignInclude(const QString& From, int iLine, const SResolved& Found)
@@ -194,9 +197,10 @@ void CLayeringCheck::CheckForeignInclude(const QString& From, int iLine, const S
         Report(From, iLine, QStringLiteral("%1 is private to %2").arg(Found.Path, pTo->Name));
     const SLayeringLibrary* pFrom = LibraryOf(From);
     if (pFrom && !Links(*pFrom, pTo->Name))
-        Report(From, iLine, QStringLiteral("%1 includes %2 of %3, which it does not link: the include points up a "
-                                           "layer or sideways")
-                                .arg(pFrom->Name, Found.Path, pTo->Name));
+        Report(From, iLine,
+               QStringLiteral("%1 includes %2 of %3, which it does not link: the include points up a "
+                              "layer or sideways")
+                   .arg(pFrom->Name, Found.Path, pTo->Name));
 }
 
 // The library that builds a file: the one with a source in the file's folder. Test code
@@ -226,7 +230,8 @@ const SLayeringLibrary* CLayeringCheck::LibraryNamed(const QString& Name) const
 
 SResolved CLayeringCheck::Resolve(const QString& From, const QString& Include) const
 {
-    const auto Try = [&](const QString& Folder, EForm eForm) {
+    const auto Try = [&](const QString& Folder, EForm eForm)
+    {
         const QString Path = QDir::cleanPath(Folder.isEmpty() ? Include : Folder + QLatin1Char('/') + Include);
         return m_Files.contains(Path) ? SResolved{eForm, Path} : SResolved{};
     };

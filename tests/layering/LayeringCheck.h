@@ -36,4 +36,4 @@ struct SLibraryTable
 // Every violation under Root as "file:line: what is wrong", in file order. Folders named in
 // Skipped (from the top of the tree) are not read.
 [[nodiscard]] QStringList CheckLayering(const QString& Root, const QVector<SLayeringLibrary>& Libraries,
-                          const QStringList& Skipped = QStringList());
+                                        const QStringList& Skipped = QStringList());

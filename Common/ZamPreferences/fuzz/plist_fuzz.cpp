@@ -9,7 +9,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t uiSize)
 {
-    static const bool bQuiet = [] {
+    static const bool bQuiet = []
+    {
         QLoggingCategory::setFilterRules(QStringLiteral("zam.preferences.warning=false"));
         return true;
     }();

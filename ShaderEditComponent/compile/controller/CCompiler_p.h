@@ -69,8 +69,7 @@ public slots:
 
 private:
     SCompileResult NewResult(EShaderDocType eType) const;
-    SCompileTarget TargetFor(EShaderDocType eType, unsigned int uiFlags,
-                             const QString& SourceFolder = QString()) const;
+    SCompileTarget TargetFor(EShaderDocType eType, unsigned int uiFlags, const QString& SourceFolder = QString()) const;
     void CompileEffect(const CZamTZFXParser& Parser, unsigned int uiFlags, SCompileResult& Result);
     void CompileEffectFile(const CZamTZFXParser& Parser, const QString& Path, const QString& Template,
                            SCompileResult& Result);

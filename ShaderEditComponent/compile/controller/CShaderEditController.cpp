@@ -92,8 +92,8 @@ void CShaderEditController::LoadSettings(qint64 iCompilerSelection)
     if (!m_pPrefs)
     {
         const QString Scope = QString::fromLatin1(s_pApplicationScope);
-        m_pOwnedPrefs =
-            m_Options.bReadOnlySettings ? CZamPreferences::MakeReadOnly(Scope) : std::make_unique<CZamPreferences>(Scope);
+        m_pOwnedPrefs = m_Options.bReadOnlySettings ? CZamPreferences::MakeReadOnly(Scope)
+                                                    : std::make_unique<CZamPreferences>(Scope);
         m_pPrefs = m_pOwnedPrefs.get();
         // A read-only run with no preference file simply uses the defaults.
         const bool bTry = !m_Options.bReadOnlySettings || QFile::exists(m_pPrefs->GetFilePath());

@@ -59,8 +59,9 @@ void CCompilerDetector::Start(const QString& ExecutablePath)
         {
             const SCompilerDetection Detection = DetectCompiler(ExecutablePath, iTimeoutMs, *pControl);
             QMetaObject::invokeMethod(
-                this, [this, uiRequest, ExecutablePath, Detection]
-                { OnRunFinished(uiRequest, ExecutablePath, Detection); }, Qt::QueuedConnection);
+                this,
+                [this, uiRequest, ExecutablePath, Detection] { OnRunFinished(uiRequest, ExecutablePath, Detection); },
+                Qt::QueuedConnection);
         });
     connect(pThread, &QThread::finished, this, [this, pThread] { ForgetThread(pThread); });
     m_Threads.append(pThread);

@@ -35,7 +35,8 @@ Q_DECLARE_METATYPE(SCompilerDetection)
 // what it printed (at most the banner limit is read). A path that does not start, or a
 // program that has not ended within the time limit, gives an unusable result. Blocks for up
 // to the time limit: call it from a worker thread (CCompilerDetector does).
-[[nodiscard]] SCompilerDetection DetectCompiler(const QString& ExecutablePath, int iTimeoutMs = DefaultDetectionTimeoutMs);
+[[nodiscard]] SCompilerDetection DetectCompiler(const QString& ExecutablePath,
+                                                int iTimeoutMs = DefaultDetectionTimeoutMs);
 // The same, cancellable from another thread through Control.
 [[nodiscard]] SCompilerDetection DetectCompiler(const QString& ExecutablePath, int iTimeoutMs, CRunControl& Control);
 

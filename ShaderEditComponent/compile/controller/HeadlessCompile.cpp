@@ -24,8 +24,7 @@
 
 namespace
 {
-const char* const s_pUsage =
-    "usage: zamshadereditor --compile [--core zc1|zc2|zc3|zd1] [--timeout SECONDS] FILE...\n";
+const char* const s_pUsage = "usage: zamshadereditor --compile [--core zc1|zc2|zc3|zd1] [--timeout SECONDS] FILE...\n";
 constexpr int DefaultTimeoutSeconds = 60;
 
 struct SHeadlessRequest
@@ -226,7 +225,8 @@ bool CompileFile(CShaderEditController& Controller, const SHeadlessRequest& Requ
     const QString FullPath = QFileInfo(Path).absoluteFilePath();
     const CZamTHash PanelID(FullPath.toUtf8().constData());
     // An effect's FILE shaders are beside it, wherever the run was started from.
-    Controller.CompilePanelIn(QFileInfo(FullPath).absolutePath(), PanelID, Contents, eType, CompileInvocation_Background);
+    Controller.CompilePanelIn(QFileInfo(FullPath).absolutePath(), PanelID, Contents, eType,
+                              CompileInvocation_Background);
     Limit.start(Request.iTimeoutSeconds * 1000);
     if (Interruption.GetSignal() == 0)
         Loop.exec();

@@ -9,9 +9,9 @@
 namespace
 {
 const SCompileOptionName s_Options[] = {
-    {CompileOption_Verbose, "v"},        {CompileOption_F, "f"},
-    {CompileOption_NoWarn, "nowarn"},    {CompileOption_Profile, "profile"},
-    {CompileOption_PerfSim, "perfsim"},  {CompileOption_Disassembly, "disasm"},
+    {CompileOption_Verbose, "v"},       {CompileOption_F, "f"},
+    {CompileOption_NoWarn, "nowarn"},   {CompileOption_Profile, "profile"},
+    {CompileOption_PerfSim, "perfsim"}, {CompileOption_Disassembly, "disasm"},
 };
 
 const char* const s_TargetRows[][2] = {
@@ -27,7 +27,8 @@ constexpr int s_iTargetCount = static_cast<int>(sizeof(s_TargetRows) / sizeof(s_
 // Built on first use and kept for the life of the process.
 const QHash<QString, unsigned int>& OptionLookup()
 {
-    static const QHash<QString, unsigned int> s_Lookup = [] {
+    static const QHash<QString, unsigned int> s_Lookup = []
+    {
         QHash<QString, unsigned int> Lookup;
         for (const SCompileOptionName& Option : s_Options)
             Lookup.insert(QString::fromLatin1(Option.pName), Option.eFlag);
@@ -70,7 +71,8 @@ int GetCompilerTargetCount()
 const SCompilerTarget& GetCompilerTarget(int iIndex)
 {
     // Built on first use, so no library string depends on static initialisation order.
-    static const QVector<SCompilerTarget> s_Targets = [] {
+    static const QVector<SCompilerTarget> s_Targets = []
+    {
         QVector<SCompilerTarget> Targets;
         for (const auto& Row : s_TargetRows)
             Targets.append({CZamTString(Row[0]), QString::fromLatin1(Row[1])});

@@ -12,10 +12,10 @@
 // Outcome of one run of a compiler.
 enum ECompileStatus : int
 {
-    CompileStatus_Completed = 0,  // the compiler ran to its end
-    CompileStatus_Failed = 1,     // it ran, but did not report success
+    CompileStatus_Completed = 0, // the compiler ran to its end
+    CompileStatus_Failed = 1,    // it ran, but did not report success
     CompileStatus_Cancelled = 2,
-    CompileStatus_NotRun = 3,     // no temporary file, or the compiler could not be started
+    CompileStatus_NotRun = 3, // no temporary file, or the compiler could not be started
 };
 
 // One diagnostic of the compiler output, so views never re-parse the log text.
@@ -29,7 +29,7 @@ struct SCompileMessage
 
     int iLine = 0; // 1-based document line (effect shaders already offset); 0 if none given
     ESeverity eSeverity = Severity_Error;
-    QString Text;  // the whole line as the compiler wrote it
+    QString Text; // the whole line as the compiler wrote it
 };
 
 // What one compile of one panel produces. Plain data; copies are deep, which the queued

@@ -57,8 +57,8 @@ QString BuildFileDialogFilter(const CZamTArray<SFileFormatSpecifier>& Rows)
             PerType += QLatin1String(";;");
         PerType += Rows[i].Filter;
     }
-    return UIString(UIS_AllSupportedFormats) + QLatin1String(" (") + AllExtensions + QLatin1String(");;") + PerType +
-           QLatin1String(";;") + UIString(UIS_AllFiles) + QLatin1String(" (*.*)");
+    return UIString(UIS_AllSupportedFormats) + QLatin1String(" (") + AllExtensions + QLatin1String(");;") + PerType
+           + QLatin1String(";;") + UIString(UIS_AllFiles) + QLatin1String(" (*.*)");
 }
 
 int FindFileFormatByExtension(const CZamTArray<SFileFormatSpecifier>& Rows, const QString& Extension)

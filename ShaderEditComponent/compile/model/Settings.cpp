@@ -167,8 +167,7 @@ bool StoreCompilerSettings(CZamPreferences& Prefs, SCompiler& Live, const SCompi
     return Prefs.Save(pError);
 }
 
-bool StoreEditorSettings(CZamPreferences& Prefs, SEditor& Live, const SEditor& In, unsigned int uiMask,
-                         QString* pError)
+bool StoreEditorSettings(CZamPreferences& Prefs, SEditor& Live, const SEditor& In, unsigned int uiMask, QString* pError)
 {
     if (uiMask & EditorSetting_TreatTabAsSpace)
     {

@@ -20,4 +20,5 @@ constexpr qint64 MaxBannerIdentificationBytes = 1024;
 // was found. An OpenCL banner lists its options after "Control options are:" as "-name :";
 // every other banner after "OPTIONS are:" as " -name " (blanks on both sides, so options
 // separated by a single blank are found only every other one).
-[[nodiscard]] bool ParseCompilerBanner(const QString& Output, QString& Compiler, QString& Version, CZamTArray<QString>& Options);
+[[nodiscard]] bool ParseCompilerBanner(const QString& Output, QString& Compiler, QString& Version,
+                                       CZamTArray<QString>& Options);

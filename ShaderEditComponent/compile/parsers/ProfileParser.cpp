@@ -67,8 +67,8 @@ SProfileParse ParseProfile(const QString& Text, int iLineOffset, CZamTArray<int>
         }
         iLine += iLineOffset;
         const bool bInside = iLine >= 1 && iLine < static_cast<qint64>(CycleCounts.GetSize());
-        if (iLine > MaxProfileLine || (bInside && CycleCounts[static_cast<uint32_t>(iLine - 1)] != -1) ||
-            iTotal + iCount > std::numeric_limits<int>::max())
+        if (iLine > MaxProfileLine || (bInside && CycleCounts[static_cast<uint32_t>(iLine - 1)] != -1)
+            || iTotal + iCount > std::numeric_limits<int>::max())
         {
             Parse.bMalformed = true;
             break;

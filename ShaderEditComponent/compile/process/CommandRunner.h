@@ -68,4 +68,5 @@ struct SCommandRun
 // RunnerPollMs at a time and polls the cancel flag between waits. When the command ends, is
 // cancelled, times out or floods, every process it started is ended, also those that left its
 // process group or session, so nothing it started outlives it or the editor.
-[[nodiscard]] SCommandRun RunCommand(const SCompileCommand& Command, CRunControl& Control, const SRunOptions& Options = {});
+[[nodiscard]] SCommandRun RunCommand(const SCompileCommand& Command, CRunControl& Control,
+                                     const SRunOptions& Options = {});

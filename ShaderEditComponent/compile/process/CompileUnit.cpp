@@ -107,7 +107,9 @@ ECompileStatus JudgeRun(const SCompileUnit& Unit, const SCommandRun& Run, const 
     const SCompilerOutput Parsed = ParseCompilerOutput(Run.Output, Unit.iLineOffset);
     const ECompileStatus eStatus = Parsed.bSucceeded ? Run.eStatus : CompileStatus_Failed;
     const QString EndedBySignal = Run.iExitSignal == 0 ? QString()
-        : QString::fromLatin1(s_pEndedBySignal).arg(Run.iExitSignal).arg(QString::fromLocal8Bit(strsignal(Run.iExitSignal)));
+                                                       : QString::fromLatin1(s_pEndedBySignal)
+                                                             .arg(Run.iExitSignal)
+                                                             .arg(QString::fromLocal8Bit(strsignal(Run.iExitSignal)));
     if (eStatus == CompileStatus_Completed)
     {
         SCompileResult::SProfile Profile;
@@ -176,9 +178,8 @@ ECompileStatus CompileSource(const SCompileUnit& Unit, const QByteArray& Source,
     SUnitOutputs Outputs;
     Outputs.OutputBase = Private.filePath(QStringLiteral("shader"));
     const QString Unit8 = ToQString(Unit.Name);
-    const SCompileCommand Command =
-        BuildCompilerCommand(Target.Executable, InputPath, Unit8, Outputs.OutputBase, Target.uiSwitches,
-                             Target.ExtraArguments);
+    const SCompileCommand Command = BuildCompilerCommand(Target.Executable, InputPath, Unit8, Outputs.OutputBase,
+                                                         Target.uiSwitches, Target.ExtraArguments);
     Outputs.bProfile = AsksFor(Command, "-profile");
     Outputs.bDisassembly = AsksFor(Command, "-disasm");
 

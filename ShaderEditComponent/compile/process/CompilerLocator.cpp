@@ -33,8 +33,8 @@ QString FindBundledCompiler(const QString& BaseName, const QStringList& SearchPa
 
 QString ResolveCompilerPath(const Settings::SCompiler& Compiler, const QStringList& SearchPaths)
 {
-    if (Compiler.uiCompilerSelection < CustomCompilerSelection &&
-        static_cast<int>(Compiler.uiCompilerSelection) < GetCompilerTargetCount())
+    if (Compiler.uiCompilerSelection < CustomCompilerSelection
+        && static_cast<int>(Compiler.uiCompilerSelection) < GetCompilerTargetCount())
     {
         const CZamTString& BaseName =
             GetCompilerTarget(static_cast<int>(Compiler.uiCompilerSelection)).ExecutableBaseName;

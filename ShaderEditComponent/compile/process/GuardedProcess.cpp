@@ -33,10 +33,10 @@ struct SLaunch
     QByteArray WorkingDirectory;
     QByteArray CleanupFolder;
     pid_t iEditor = 0;
-    int iLifeline = -1;   // read end of the editor's lifeline: at its end, the editor is gone
-    int iInput = -1;      // /dev/null
-    int iOutput = -1;     // write end of the output pipe
-    int iExecError = -1;  // write end of the pipe that carries exec's errno
+    int iLifeline = -1;  // read end of the editor's lifeline: at its end, the editor is gone
+    int iInput = -1;     // /dev/null
+    int iOutput = -1;    // write end of the output pipe
+    int iExecError = -1; // write end of the pipe that carries exec's errno
 };
 
 // A pipe whose write end only the editor process holds, for as long as it lives: every guard
@@ -79,7 +79,7 @@ void CloseAllDescriptorsBut(int iKept)
 {
     const unsigned int uiKept = iKept < 0 ? ~0U : static_cast<unsigned int>(iKept);
     const bool bClosed = (uiKept == 0 || ::close_range(0, uiKept - 1, 0) == 0)
-        && (uiKept == ~0U || ::close_range(uiKept + 1, ~0U, 0) == 0);
+                         && (uiKept == ~0U || ::close_range(uiKept + 1, ~0U, 0) == 0);
     if (bClosed)
         return;
     rlimit Limit{};
@@ -125,7 +125,8 @@ int ReadChildren(pid_t* piChildren, int iMax)
     char aText[4096];
     ssize_t iLength = 0;
     ssize_t iRead = 0;
-    while (iLength < static_cast<ssize_t>(sizeof aText) && (iRead = ::read(iFd, aText + iLength, sizeof aText - iLength)) > 0)
+    while (iLength < static_cast<ssize_t>(sizeof aText)
+           && (iRead = ::read(iFd, aText + iLength, sizeof aText - iLength)) > 0)
         iLength += iRead;
     ::close(iFd);
     int iCount = 0;
@@ -255,9 +256,9 @@ void RemoveFolder(const char* pFolder)
 struct SGuardWait
 {
     SCommandEnd End;
-    bool bCancelled = false;    // the runner asked (SIGUSR1)
-    bool bEditorGoing = false;  // a parent-death or termination signal
-    bool bEditorGone = false;   // the lifeline ended
+    bool bCancelled = false;   // the runner asked (SIGUSR1)
+    bool bEditorGoing = false; // a parent-death or termination signal
+    bool bEditorGone = false;  // the lifeline ended
 };
 
 // The command ended: looked at, not reaped, since until its group is killed its id must stay

@@ -32,8 +32,8 @@ public:
     // Runs Command in WorkingDirectory (empty: the editor's). CleanupFolder (may be empty) is
     // removed by the guard if the editor dies first. False, with the system's reason, when the
     // command could not be started.
-    [[nodiscard]] bool Start(const SCompileCommand& Command, const QString& WorkingDirectory, const QString& CleanupFolder,
-               QString& Reason);
+    [[nodiscard]] bool Start(const SCompileCommand& Command, const QString& WorkingDirectory,
+                             const QString& CleanupFolder, QString& Reason);
 
     pid_t GetGuardPid() const { return m_iGuard; }
 
@@ -56,7 +56,7 @@ private:
     void CloseFds();
 
     pid_t m_iGuard = -1;
-    int m_iOutput = -1; // read end of the output pipe
+    int m_iOutput = -1;  // read end of the output pipe
     int m_iGuardFd = -1; // pidfd of the guard, -1 where the system has none
     bool m_bEnded = false;
     bool m_bOutputEnded = false;

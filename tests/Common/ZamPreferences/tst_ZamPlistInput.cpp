@@ -47,7 +47,8 @@ private slots:
         if (valid)
         {
             QCOMPARE(Decoded, bytes);
-            QCOMPARE(QByteArray::fromStdString(EncodeBase64(CImmutableByteWrapper(bytes))), text.simplified().replace(" ", ""));
+            QCOMPARE(QByteArray::fromStdString(EncodeBase64(CImmutableByteWrapper(bytes))),
+                     text.simplified().replace(" ", ""));
         }
     }
 

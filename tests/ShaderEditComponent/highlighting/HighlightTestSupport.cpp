@@ -109,7 +109,8 @@ QString DescribeDifference(const QVector<SBlockCapture>& Expected, const QVector
     for (int i = 0; i < Expected.size(); ++i)
     {
         if (!(Expected[i] == Actual[i]))
-            return QStringLiteral("expected: %1\nactual:   %2").arg(DumpBlock(i, Expected[i], Scheme), DumpBlock(i, Actual[i], Scheme));
+            return QStringLiteral("expected: %1\nactual:   %2")
+                .arg(DumpBlock(i, Expected[i], Scheme), DumpBlock(i, Actual[i], Scheme));
     }
     return QString();
 }
@@ -122,7 +123,7 @@ QVector<unsigned int> AllDocumentTypes()
 unsigned int DocumentTypeOfFile(const QString& FileName)
 {
     static const QVector<QPair<QString, unsigned int>> s_Extensions = {
-        {QStringLiteral("vsh"), 1}, {QStringLiteral("fsh"), 2}, {QStringLiteral("vert"), 4},
+        {QStringLiteral("vsh"), 1},  {QStringLiteral("fsh"), 2},  {QStringLiteral("vert"), 4},
         {QStringLiteral("frag"), 8}, {QStringLiteral("zfx"), 16}, {QStringLiteral("vs"), 64},
         {QStringLiteral("ps"), 128}, {QStringLiteral("gs"), 256}, {QStringLiteral("fx"), 512},
         {QStringLiteral("cl"), 1024}};
@@ -153,7 +154,8 @@ QString ReadCorpusFile(const QString& FileName)
     return QString::fromUtf8(File.readAll());
 }
 
-CRandomShaderText::CRandomShaderText(quint32 uiSeed) : m_uiState(uiSeed ? uiSeed : 1u)
+CRandomShaderText::CRandomShaderText(quint32 uiSeed)
+    : m_uiState(uiSeed ? uiSeed : 1u)
 {
     const SHighlightRuleSet Rules = GetShaderHighlightRules();
     for (unsigned int i = 0; i < Rules.uiCount; ++i)
@@ -170,12 +172,14 @@ CRandomShaderText::CRandomShaderText(quint32 uiSeed) : m_uiState(uiSeed ? uiSeed
              << QStringLiteral("[/TEXTURE]") << QStringLiteral("  [/EFFECT] ") << QStringLiteral("TEXTURE0")
              << QStringLiteral("TEXTURE[") << QStringLiteral("COLOR12") << QStringLiteral("packed,resource")
              << QStringLiteral("unsignedhvec2") << QStringLiteral("myquad") << QStringLiteral("xhalf2")
-             << QStringLiteral("5ouble2x2") << QStringLiteral("\x0c" "loat4x4") << QStringLiteral("x#version")
-             << QStringLiteral("/*") << QStringLiteral("*/") << QStringLiteral("//") << QStringLiteral("/*/")
-             << QStringLiteral("#") << QStringLiteral("1.5") << QStringLiteral(".5") << QStringLiteral("12..3")
-             << QStringLiteral("x.y") << QStringLiteral("0x1F") << QString::fromUtf8("é") << QString::fromUtf8("Ж")
-             << QString::fromUtf8("中") << QString(QChar(0x0301)) << QString(QChar(0x0308)) << QString(QChar(0x2160))
-             << QString::fromUtf8("٣") << QStringLiteral("_");
+             << QStringLiteral("5ouble2x2")
+             << QStringLiteral("\x0c"
+                               "loat4x4")
+             << QStringLiteral("x#version") << QStringLiteral("/*") << QStringLiteral("*/") << QStringLiteral("//")
+             << QStringLiteral("/*/") << QStringLiteral("#") << QStringLiteral("1.5") << QStringLiteral(".5")
+             << QStringLiteral("12..3") << QStringLiteral("x.y") << QStringLiteral("0x1F") << QString::fromUtf8("é")
+             << QString::fromUtf8("Ж") << QString::fromUtf8("中") << QString(QChar(0x0301)) << QString(QChar(0x0308))
+             << QString(QChar(0x2160)) << QString::fromUtf8("٣") << QStringLiteral("_");
     for (const char* pPunctuation : {"[", "]", "(", ")", "{", "}", ";", ",", "=", "*", "/", "-", "+", "<"})
         m_Tokens << QString::fromLatin1(pPunctuation);
 }

@@ -40,8 +40,8 @@ struct SBlockCapture
 
     bool operator==(const SBlockCapture& Other) const
     {
-        return Elements == Other.Elements && iState == Other.iState &&
-               iEffectDataElement == Other.iEffectDataElement && bUnknownFormat == Other.bUnknownFormat;
+        return Elements == Other.Elements && iState == Other.iState && iEffectDataElement == Other.iEffectDataElement
+               && bUnknownFormat == Other.bUnknownFormat;
     }
 };
 

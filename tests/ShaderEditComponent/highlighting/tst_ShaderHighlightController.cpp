@@ -62,9 +62,15 @@ void CShaderHighlightControllerTest::MissingFileGivesBuiltInScheme()
     QFile::remove(CZamPreferences(QStringLiteral("ZamShaderEditor")).GetFilePath());
     CShaderHighlightController Controller;
     QCOMPARE(CShaderHighlightController::ElementCount, 36u);
-    const QVector<QPair<unsigned int, const char*>> Anchors = {
-        {0, "None"}, {1, "Error"}, {7, "ZFX/Comment"}, {8, "GLSL/Code"}, {15, "GLSL:ES/Code"},
-        {17, "GLSL:ES/Built-in Function"}, {26, "HLSL/Preprocessor"}, {29, "OpenCL/Code"}, {35, "OpenCL/Number"}};
+    const QVector<QPair<unsigned int, const char*>> Anchors = {{0, "None"},
+                                                               {1, "Error"},
+                                                               {7, "ZFX/Comment"},
+                                                               {8, "GLSL/Code"},
+                                                               {15, "GLSL:ES/Code"},
+                                                               {17, "GLSL:ES/Built-in Function"},
+                                                               {26, "HLSL/Preprocessor"},
+                                                               {29, "OpenCL/Code"},
+                                                               {35, "OpenCL/Number"}};
     for (const auto& Anchor : Anchors)
         QCOMPARE(Controller.GetElementName(Anchor.first).GetString(), Anchor.second);
     QVERIFY(Controller.GetElementName(36).IsEmpty());
@@ -110,11 +116,16 @@ void CShaderHighlightControllerTest::ColourKeysFallBackPerField_data()
     const quint32 uiBuiltIn = 0xFFF4F4F4u; // "ZFX/Tag" background
     QTest::newRow("signed spelling") << "integer" << QString::number(qint32(0xFF123456u)) << 0xFF123456u;
     QTest::newRow("unsigned spelling") << "integer" << QString::number(0xFF123456u) << 0xFF123456u;
-    QTest::newRow("above 32 bits") << "integer" << "4294967296" << uiBuiltIn;
-    QTest::newRow("below 32 bits") << "integer" << "-2147483649" << uiBuiltIn;
-    QTest::newRow("string") << "string" << "red" << uiBuiltIn;
-    QTest::newRow("bool") << "bool" << "true" << uiBuiltIn;
-    QTest::newRow("missing") << "missing" << "" << uiBuiltIn;
+    QTest::newRow("above 32 bits") << "integer"
+                                   << "4294967296" << uiBuiltIn;
+    QTest::newRow("below 32 bits") << "integer"
+                                   << "-2147483649" << uiBuiltIn;
+    QTest::newRow("string") << "string"
+                            << "red" << uiBuiltIn;
+    QTest::newRow("bool") << "bool"
+                          << "true" << uiBuiltIn;
+    QTest::newRow("missing") << "missing"
+                             << "" << uiBuiltIn;
 }
 
 void CShaderHighlightControllerTest::ColourKeysFallBackPerField()
@@ -218,7 +229,8 @@ void CShaderHighlightControllerTest::FontFaceComesBeforeSize()
     QFETCH(QString, ExpectedFace);
     QFETCH(int, iExpectedSize);
     auto pStore = NewStore();
-    for (const auto& Entry : {qMakePair(QStringLiteral("Editor/FontFace"), Face), qMakePair(QStringLiteral("Editor/FontSize"), Size)})
+    for (const auto& Entry :
+         {qMakePair(QStringLiteral("Editor/FontFace"), Face), qMakePair(QStringLiteral("Editor/FontSize"), Size)})
     {
         if (Entry.second.typeId() == QMetaType::QString)
             pStore->SetString(Entry.first, Entry.second.toString());

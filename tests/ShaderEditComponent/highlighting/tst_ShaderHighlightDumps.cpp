@@ -34,8 +34,8 @@ void CShaderHighlightDumpsTest::CorpusMatchesDumps()
     QTextDocument Document(ReadCorpusFile(FileName));
     CShaderHighlighter Highlighter(&Document, EShaderDocType(uiType), m_Scheme.GetController());
     Highlighter.rehighlight();
-    const QString Dump = QStringLiteral("# %1 as type %2\n").arg(FileName).arg(uiType) +
-                         DumpBlocks(CaptureBlocks(Document, m_Scheme), m_Scheme);
+    const QString Dump = QStringLiteral("# %1 as type %2\n").arg(FileName).arg(uiType)
+                         + DumpBlocks(CaptureBlocks(Document, m_Scheme), m_Scheme);
 
     QFile Expected(QStringLiteral(ZAM_HIGHLIGHT_TEST_DIR "/expected/") + FileName + QStringLiteral(".dump"));
     if (qEnvironmentVariableIsSet("ZAM_REGENERATE_HIGHLIGHT_DUMPS"))
@@ -50,7 +50,9 @@ void CShaderHighlightDumpsTest::CorpusMatchesDumps()
     for (int i = 0; i < qMin(ExpectedLines.size(), ActualLines.size()); ++i)
     {
         if (ExpectedLines[i] != ActualLines[i])
-            QFAIL(qPrintable(QStringLiteral("line %1\nexpected: %2\nactual:   %3").arg(i + 1).arg(ExpectedLines[i], ActualLines[i])));
+            QFAIL(qPrintable(QStringLiteral("line %1\nexpected: %2\nactual:   %3")
+                                 .arg(i + 1)
+                                 .arg(ExpectedLines[i], ActualLines[i])));
     }
     QCOMPARE(ActualLines.size(), ExpectedLines.size());
 }

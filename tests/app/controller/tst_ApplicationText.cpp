@@ -15,11 +15,20 @@ private slots:
 void CApplicationTextTest::NumberedTexts()
 {
     const QList<QPair<int, QString>> Texts = {
-        {0, "TXE ASM"},           {6, "Compile"},         {7, "Compiler Settings"}, {8, "Compile"},
-        {21, "Invalid commandline"}, {22, "Input/Output Error"}, {26, "Output"},     {27, "Output directory"},
-        {28, "Output"},           {34, "Select Directory"},
+        {0, "TXE ASM"},
+        {6, "Compile"},
+        {7, "Compiler Settings"},
+        {8, "Compile"},
+        {21, "Invalid commandline"},
+        {22, "Input/Output Error"},
+        {26, "Output"},
+        {27, "Output directory"},
+        {28, "Output"},
+        {34, "Select Directory"},
         {42, "The document has unsaved changes.\nCompilation output will not reflect the current document."},
-        {43, "Do you want to save your changes?"}, {44, ""}, {-1, ""},
+        {43, "Do you want to save your changes?"},
+        {44, ""},
+        {-1, ""},
     };
     for (const auto& Text : Texts)
         QCOMPARE(GetApplicationText(Text.first), Text.second);

@@ -93,9 +93,9 @@ void CPreferencesDialogTest::InterfaceAndTexts()
     QStringList Found;
     for (int i = Meta.methodOffset(); i < Meta.methodCount(); ++i)
         Found << QString::fromLatin1(Meta.method(i).methodSignature());
-    QCOMPARE(Found, (QStringList{"CompileInBackgroundChanged(bool)", "CloseWithMiddleMouseChanged(bool)",
-                                 "OpenPreviousTabsChanged(bool)", "Save()", "Retranslate()", "OnRetranslate()",
-                                 "OnSave()"}));
+    QCOMPARE(Found,
+             (QStringList{"CompileInBackgroundChanged(bool)", "CloseWithMiddleMouseChanged(bool)",
+                          "OpenPreviousTabsChanged(bool)", "Save()", "Retranslate()", "OnRetranslate()", "OnSave()"}));
 
     auto pDialog = Open();
     QCOMPARE(pDialog->windowTitle(), QStringLiteral("Preferences"));
@@ -130,8 +130,8 @@ void CPreferencesDialogTest::OkStoresEachPageWithItsMask()
         Button(*pDialog, QDialogButtonBox::Ok)->click();
         QCOMPARE(pDialog->result(), int(QDialog::Accepted));
         QCOMPARE(Compiler.size(), 2);
-        QCOMPARE(Compiler.at(0).at(1).toUInt(), 1u);           // the General page's flag
-        QCOMPARE(Compiler.at(1).at(1).toUInt(), 250u);         // the compiler page's fields
+        QCOMPARE(Compiler.at(0).at(1).toUInt(), 1u);   // the General page's flag
+        QCOMPARE(Compiler.at(1).at(1).toUInt(), 250u); // the compiler page's fields
         QCOMPARE(General.size(), 1);
     }
     CZamPreferences File(QStringLiteral("ZamShaderEditor"));
@@ -219,8 +219,8 @@ void CPreferencesDialogTest::SavingKeepsTheUsersFile()
     }
     m_Controllers = MakeControllers(m_Temp.filePath(QStringLiteral("no-bundled")));
     QList<SPreferencesNotice> Notices;
-    m_Controllers.pGUI->GetPreferences().SetNoticeHandler(
-        [&Notices](const SPreferencesNotice& Notice) { Notices.append(Notice); });
+    m_Controllers.pGUI->GetPreferences().SetNoticeHandler([&Notices](const SPreferencesNotice& Notice)
+                                                          { Notices.append(Notice); });
     {
         auto pDialog = Open();
         Child<QComboBox>(*pDialog, "CompilerCombobox")->setCurrentIndex(4);

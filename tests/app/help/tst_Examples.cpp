@@ -37,9 +37,9 @@ SCompileRun CompileWithEditor(const QStringList& Arguments)
 QFileInfoList ExampleShaders()
 {
     const QDir Examples(TestFiles::SourceDir() + QStringLiteral("/examples"));
-    return Examples.entryInfoList({QStringLiteral("*.vsh"), QStringLiteral("*.fsh"), QStringLiteral("*.zfx"),
-                                   QStringLiteral("*.cl")},
-                                  QDir::Files, QDir::Name);
+    return Examples.entryInfoList(
+        {QStringLiteral("*.vsh"), QStringLiteral("*.fsh"), QStringLiteral("*.zfx"), QStringLiteral("*.cl")},
+        QDir::Files, QDir::Name);
 }
 
 // Each compiled unit reports one line; a clean compile has no other.
@@ -101,8 +101,8 @@ void CExamplesTest::GlslExamplesCompileOnEveryCore()
         iUnits += Example.suffix() == QStringLiteral("zfx") ? 3 : 1;
     }
     for (const char* pCore : {"zc1", "zc2", "zc3", "zd1"})
-        VerifyClean(CompileWithEditor(QStringList{QStringLiteral("--core"), QString::fromLatin1(pCore)} + Files), iUnits,
-                    QString::fromLatin1(pCore));
+        VerifyClean(CompileWithEditor(QStringList{QStringLiteral("--core"), QString::fromLatin1(pCore)} + Files),
+                    iUnits, QString::fromLatin1(pCore));
 }
 
 void CExamplesTest::ExamplesAreBesideTheBuild()

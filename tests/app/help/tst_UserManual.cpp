@@ -9,8 +9,8 @@
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-#include <QUrl>
 #include <QtTest>
+#include <QUrl>
 
 namespace
 {
@@ -81,11 +81,13 @@ void CUserManualTest::BuiltManualIsComplete()
         QVERIFY(!Page.trimmed().isEmpty());
 
     // Every heading of the source made it into the PDF, in the contents and in the text.
-    const QString Source = QString::fromUtf8(TestFiles::ReadAll(TestFiles::SourceDir() + QStringLiteral("/docs/manual.md")));
+    const QString Source =
+        QString::fromUtf8(TestFiles::ReadAll(TestFiles::SourceDir() + QStringLiteral("/docs/manual.md")));
     const QString Words = Squeezed(Text);
     static const QRegularExpression s_Heading(QStringLiteral("^#{1,3} (.+)$"), QRegularExpression::MultilineOption);
     static const QRegularExpression s_Fence(QStringLiteral("^```.*?^```"),
-                                            QRegularExpression::MultilineOption | QRegularExpression::DotMatchesEverythingOption);
+                                            QRegularExpression::MultilineOption
+                                                | QRegularExpression::DotMatchesEverythingOption);
     QRegularExpressionMatchIterator It = s_Heading.globalMatch(QString(Source).remove(s_Fence));
     int iHeadings = 0;
     for (; It.hasNext(); ++iHeadings)
@@ -107,10 +109,12 @@ void CUserManualTest::HelpMenuFindsBuiltManual()
     CZamPreferences Store(QStringLiteral("ZamShaderEditor"));
     CDocumentationOpener Opener(Store);
     QStringList Opened;
-    Opener.SetUrlOpener([&Opened](const QUrl& Url) {
-        Opened << Url.toLocalFile();
-        return true;
-    });
+    Opener.SetUrlOpener(
+        [&Opened](const QUrl& Url)
+        {
+            Opened << Url.toLocalFile();
+            return true;
+        });
     Opener.SetWarner([](QWidget*, const QString& Title, const QString&) { QFAIL(qPrintable(Title)); });
     QVERIFY(Opener.Open(nullptr, QStringLiteral("../Documentation/"), kManualName));
     QCOMPARE(Opened.size(), 1);

@@ -48,7 +48,10 @@ public:
 
     void SetVariable(const QString& Name, const QString& Value) { m_Environment.insert(Name, Value); }
 
-    QString Path(const QString& Name = QString()) const { return Name.isEmpty() ? m_Folder.path() : m_Folder.filePath(Name); }
+    QString Path(const QString& Name = QString()) const
+    {
+        return Name.isEmpty() ? m_Folder.path() : m_Folder.filePath(Name);
+    }
     QString ServerPath() const { return Path(QStringLiteral("ZamShaderEditor-") + QString::number(geteuid())); }
 
     QString MakeFile(const QString& Name) const
@@ -90,7 +93,6 @@ QString RunSecondStart(const CSession& Session, const QStringList& Arguments, co
 {
     return SecondStartFault(*Session.Start(Arguments, WorkingFolder));
 }
-
 
 ProcessList StartEach(const CSession& Session, const QStringList& Files)
 {
@@ -144,7 +146,13 @@ public:
 
     bool WaitForError(const QString& Text)
     {
-        return QTest::qWaitFor([&]() { Collect(); return m_Errors.contains(Text); }, WaitMs);
+        return QTest::qWaitFor(
+            [&]()
+            {
+                Collect();
+                return m_Errors.contains(Text);
+            },
+            WaitMs);
     }
 
     // Everything after the "first" line, sorted: messages of concurrent senders come in any order.
@@ -287,8 +295,8 @@ void CSingleInstanceTest::HandOverBetweenProcesses()
         QCOMPARE(RunSecondStart(Session, {Session.Path(QStringLiteral("missing.frag")), Shader}), QString());
         First.Command(QStringLiteral("fileopen /work/effects/post chain.zfx"));
         QVERIFY(First.WaitForLines(4));
-        const QStringList Expected = {"fileopen /work/effects/post chain.zfx", "message " + Shader, "message " + Keyword,
-                                      "message raisebanana"};
+        const QStringList Expected = {"fileopen /work/effects/post chain.zfx", "message " + Shader,
+                                      "message " + Keyword, "message raisebanana"};
         QCOMPARE(First.SortedReport(), Expected);
 
         // A normal end takes the server with it.
@@ -313,7 +321,8 @@ void CSingleInstanceTest::ConcurrentStarts()
     ProcessList Starts = StartEach(Session, Racing);
     int iFirst = -1;
     QVERIFY(QTest::qWaitFor(
-        [&]() {
+        [&]()
+        {
             int iFinished = 0;
             for (size_t i = 0; i < Starts.size(); ++i)
             {
@@ -336,7 +345,8 @@ void CSingleInstanceTest::ConcurrentStarts()
     Handed.removeAt(iFirst);
     QStringList Received;
     QVERIFY(QTest::qWaitFor(
-        [&]() {
+        [&]()
+        {
             while (Winner.canReadLine())
                 Received << QString::fromUtf8(Winner.readLine()).trimmed();
             return Received.size() >= 4;
@@ -440,7 +450,8 @@ void CSingleInstanceTest::SlowAndSilentSenders()
     QLocalSocket Silent;
     Silent.connectToServer(Session.ServerPath());
     QVERIFY(Silent.waitForConnected(WaitMs));
-    const QByteArray Long = QFile::encodeName(Session.Path(QString(3000, QLatin1Char('d')) + QStringLiteral("/deep.frag")));
+    const QByteArray Long =
+        QFile::encodeName(Session.Path(QString(3000, QLatin1Char('d')) + QStringLiteral("/deep.frag")));
     QLocalSocket Slow;
     Slow.connectToServer(Session.ServerPath());
     QVERIFY(Slow.waitForConnected(WaitMs));

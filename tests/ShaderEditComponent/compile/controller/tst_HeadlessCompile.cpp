@@ -203,9 +203,9 @@ void CHeadlessCompileTest::EffectShadersBesideTheEffect()
     QVERIFY(QDir().mkpath(m_Temp.filePath("fx")));
     QVERIFY(WriteAll(m_Temp.filePath("fx/lit.frag"), kShader));
     QVERIFY(WriteAll(m_Temp.filePath("fx/scene.zfx"),
-                      "[VERTEXSHADER]\nNAME vs\n[GLSL_CODE]\nvoid main() { gl_Position = vec4(0.0); }\n"
-                      "[/GLSL_CODE]\n[/VERTEXSHADER]\n[FRAGMENTSHADER]\nNAME fs\nFILE lit.frag\n[/FRAGMENTSHADER]\n"
-                      "[EFFECT]\nNAME e\nVERTEXSHADER vs\nFRAGMENTSHADER fs\n[/EFFECT]\n"));
+                     "[VERTEXSHADER]\nNAME vs\n[GLSL_CODE]\nvoid main() { gl_Position = vec4(0.0); }\n"
+                     "[/GLSL_CODE]\n[/VERTEXSHADER]\n[FRAGMENTSHADER]\nNAME fs\nFILE lit.frag\n[/FRAGMENTSHADER]\n"
+                     "[EFFECT]\nNAME e\nVERTEXSHADER vs\nFRAGMENTSHADER fs\n[/EFFECT]\n"));
     Start({"fx/scene.zfx"}); // the host runs in the folder above fx
     QVERIFY(m_Host.waitForFinished(30000));
     QCOMPARE(m_Host.readAllStandardOutput(), QByteArray("vs: Compile succeeded.\nfs: Compile succeeded.\n"));

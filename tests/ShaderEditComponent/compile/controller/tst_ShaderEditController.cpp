@@ -311,8 +311,8 @@ void CShaderEditControllerTest::CompileToFileWithHostileName()
 
     auto pRun = Make(Fake("print"));
     const QString Template = QStringLiteral("\"%1\" %f% \"%b%\" \"out/%b%\" -nowarn").arg(Fake("print"));
-    pRun->Controller.OnCompileFile(CZamTHash("f"), ToZamString(Source.fileName()),
-                                   ToZamString(Template), DocType_GLSLESFragment);
+    pRun->Controller.OnCompileFile(CZamTHash("f"), ToZamString(Source.fileName()), ToZamString(Template),
+                                   DocType_GLSLESFragment);
     QTRY_COMPARE_WITH_TIMEOUT(pRun->iResults, 1, 30000);
     QCOMPARE(pRun->Last.iStatus, 0);
     QCOMPARE(ReadLines(Records + "/0.args"),

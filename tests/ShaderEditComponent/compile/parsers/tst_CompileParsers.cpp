@@ -47,7 +47,7 @@ void CCompileParsersTest::OutputMessages_data()
     QTest::addColumn<IntList>("Severities"); // 0 error, 1 warning
 
     QTest::newRow("error and warning") << QByteArray(
-                                              "ERROR: 0:12: 'x' : undeclared\nWARNING: 0:3: unused\nCompile failed.\n")
+        "ERROR: 0:12: 'x' : undeclared\nWARNING: 0:3: unused\nCompile failed.\n")
                                        << 0 << QByteArray("ERROR: 0:12: 'x' : undeclared\nWARNING: 0:3: unused\n")
                                        << IntList{12, 3} << IntList{0, 1};
     QTest::newRow("effect offset") << QByteArray("ERROR: 0:2: bad\n") << 40 << QByteArray("ERROR: 0:42: bad\n")
@@ -233,12 +233,14 @@ void CCompileParsersTest::Banner_data()
     QString Preamble;
     for (int i = 0; Preamble.size() < 12 * 1024; ++i)
         Preamble += QStringLiteral("Loading target library %1 for the device, please wait...\n").arg(i);
-    QTest::newRow("long preamble") << Preamble + "Zam GLSL ES reference compiler for ZC2 rev 3. zcddk 4.5.6@78\n"
-                                                 "OPTIONS are:\n -v        a\n"
+    QTest::newRow("long preamble") << Preamble
+                                          + "Zam GLSL ES reference compiler for ZC2 rev 3. zcddk 4.5.6@78\n"
+                                            "OPTIONS are:\n -v        a\n"
                                    << "ZC2 rev 3"
                                    << "4.5.6@78" << QStringList{"v"} << true;
-    QTest::newRow("OpenCL after a preamble") << Preamble + "Zam OpenCL 1.2 ZCL compiler. Version a b 3.1@77\n"
-                                                           "Control options are:\n-profile : p\n"
+    QTest::newRow("OpenCL after a preamble") << Preamble
+                                                    + "Zam OpenCL 1.2 ZCL compiler. Version a b 3.1@77\n"
+                                                      "Control options are:\n-profile : p\n"
                                              << "OpenCL 1.2 ZCL"
                                              << "3.1@77" << QStringList{"profile"} << true;
     // The leading ".*" of a pattern takes as much as it can: the last line that fits decides.

@@ -36,8 +36,7 @@ void CCompileCommandLineTest::IncludeFolderArgumentsFollowThePositionals()
     const SCompileCommand Command =
         BuildCompilerCommand(QStringLiteral("/b/cl"), QStringLiteral("/t/in.tmp"), QStringLiteral("unit"),
                              QStringLiteral("/t/o"), 8, IncludeFolderArguments(QStringLiteral("/src/-my kernels")));
-    QCOMPARE(Command.Arguments,
-             (QStringList{"/t/in.tmp", "unit", "/t/o", "-I", "/src/-my kernels", "-profile"}));
+    QCOMPARE(Command.Arguments, (QStringList{"/t/in.tmp", "unit", "/t/o", "-I", "/src/-my kernels", "-profile"}));
     QCOMPARE(IncludeFolderArguments(QString()), QStringList());
     QCOMPARE(IncludeFolderFor(QStringLiteral("/src/k/a.cl")), QStringLiteral("/src/k"));
     QCOMPARE(IncludeFolderFor(QString()), QString());
