@@ -446,7 +446,7 @@ private slots:
         QCOMPARE(QFileInfo(Notices.first().AsidePath).size(), Huge.size());
     }
 
-    void SaveNeverLosesTheUsersFile()
+    void SaveSetsAnUnreadableFileAside()
     {
         // A file that cannot be parsed is renamed with a time stamp before the fresh one is
         // written, and the user hears of it once.
@@ -480,6 +480,18 @@ private slots:
         QCOMPARE(Fresh.GetInteger("Fresh", 0), 2);
         QVERIFY(Fresh.GetLoadProblem().isEmpty());
 
+        // A FIFO in place of the file is refused at once rather than read for ever.
+        const QString Fifo = StorePath("Fifo");
+        QVERIFY(::mkfifo(QFile::encodeName(Fifo).constData(), 0600) == 0);
+        CZamPreferences Store("Fifo");
+        QVERIFY(!Store.Load());
+        QVERIFY(Store.Save());
+        QVERIFY(QFileInfo(Fifo).isFile());
+        QCOMPARE(Store.TakeNotices().size(), 1);
+    }
+
+    void SaveWritesThroughLinks()
+    {
         // A linked file (dot-files kept in a repository) is written through the link, with the
         // temporary beside the target, and keeps its permission bits.
         const QString Repository = m_pHome->path() + "/dotfiles";
@@ -487,6 +499,7 @@ private slots:
         const QString Target = Repository + "/Linked.plist";
         QVERIFY(WriteAll(Target, PlistWith("<key>Old</key><integer>1</integer>")));
         QVERIFY(QFile::setPermissions(Target, QFile::ReadOwner | QFile::WriteOwner));
+        QVERIFY(QDir().mkpath(QFileInfo(StorePath("Linked")).path()));
         QVERIFY(QFile::link("../dotfiles/Linked.plist", StorePath("Linked")));
         {
             CZamPreferences Store("Linked");
@@ -514,8 +527,11 @@ private slots:
         }
         QVERIFY(QFileInfo(StorePath("Dangling")).isSymLink());
         QVERIFY(ReadAll(Later).contains("<string>value</string>"));
+    }
 
-        // A read-only file is left as it is; every save says why, the notice comes once.
+    void SaveLeavesAReadOnlyFileAlone()
+    {
+        // Every save says why, the notice comes once.
         const QString ReadOnly = StorePath("Locked");
         const QByteArray Kept = PlistWith("<key>Mine</key><integer>7</integer>");
         QVERIFY(WriteAll(ReadOnly, Kept));
@@ -537,15 +553,6 @@ private slots:
         QCOMPARE(ReadAll(ReadOnly), Kept);
         QCOMPARE(ModeOf(ReadOnly), 0444);
         QVERIFY(!QFile::exists(ReadOnly + ".tmp"));
-
-        // A FIFO in place of the file is refused at once rather than read for ever.
-        const QString Fifo = StorePath("Fifo");
-        QVERIFY(::mkfifo(QFile::encodeName(Fifo).constData(), 0600) == 0);
-        CZamPreferences Store("Fifo");
-        QVERIFY(!Store.Load());
-        QVERIFY(Store.Save());
-        QVERIFY(QFileInfo(Fifo).isFile());
-        QCOMPARE(Store.TakeNotices().size(), 1);
     }
 
     void MemoryStoreNeverTouchesTheDisk()
