@@ -7,6 +7,7 @@ packages=(
   qt6-base-dev qt6-5compat-dev libgl-dev
   libtinyxml-dev
   glslang-dev glslang-tools clang
+  libegl1 libegl-mesa0 libegl-dev libgles-dev libgl1-mesa-dri
   python3
   xvfb xauth
 )

@@ -26,19 +26,19 @@ int WrapFloor(float f)
 
 // Two axes this close in magnitude put the direction on a face edge: a last-bit
 // difference in computing it picks the other face.
-constexpr float k_fFaceEdge = 1e-4f;
+constexpr double k_dFaceEdge = 1e-4;
 
 bool OnFaceEdge(const SLanes& direction)
 {
-    float afMagnitude[3] = {std::fabs(direction[0]), std::fabs(direction[1]), std::fabs(direction[2])};
-    std::sort(afMagnitude, afMagnitude + 3);
-    return afMagnitude[1] >= afMagnitude[2] * (1.0f - k_fFaceEdge);
+    double adMagnitude[3] = {std::fabs(direction[0]), std::fabs(direction[1]), std::fabs(direction[2])};
+    std::sort(adMagnitude, adMagnitude + 3);
+    return adMagnitude[1] >= adMagnitude[2] * (1.0 - k_dFaceEdge);
 }
 
 // The face a direction selects, GL's order: +x, -x, +y, -y, +z, -z.
 int CubeFace(const SLanes& direction)
 {
-    const float ax = std::fabs(direction[0]), ay = std::fabs(direction[1]), az = std::fabs(direction[2]);
+    const double ax = std::fabs(direction[0]), ay = std::fabs(direction[1]), az = std::fabs(direction[2]);
     if (ax >= ay && ax >= az)
         return direction[0] >= 0.0f ? 0 : 1;
     if (ay >= az)
@@ -71,8 +71,8 @@ std::vector<float> CReferenceTextures::Texels(int iUnit, int iFace) const
     {
         for (int x = 0; x < iSize; ++x)
         {
-            const SLanes texel = Texel(iUnit, iFace, x, y);
-            aTexels.insert(aTexels.end(), texel.begin(), texel.end());
+            for (double dChannel : Texel(iUnit, iFace, x, y))
+                aTexels.push_back(static_cast<float>(dChannel));
         }
     }
     return aTexels;
@@ -116,8 +116,10 @@ SLanes CReferenceTextures::Bilinear(int iUnit, float s, float t) const
     SLanes result;
     for (std::size_t i = 0; i < 4; ++i)
     {
-        const float bottom = a[i] + (b[i] - a[i]) * fx;
-        const float top = c[i] + (d[i] - c[i]) * fx;
+        const float fa = static_cast<float>(a[i]), fb = static_cast<float>(b[i]);
+        const float fc = static_cast<float>(c[i]), fd = static_cast<float>(d[i]);
+        const float bottom = fa + (fb - fa) * fx;
+        const float top = fc + (fd - fc) * fx;
         result[i] = bottom + (top - bottom) * fy;
     }
     return result;
@@ -136,13 +138,13 @@ SLanes CReferenceTextures::Sample(const ZamCompilerTest::STxeSample& sample)
     }
     if (sample.eOp == ZamCompiler::Op_Txf)
     {
-        const float x = sample.coordinate[0], y = sample.coordinate[1];
-        if (x < 0.0f || y < 0.0f || x >= k_iTextureSize || y >= k_iTextureSize || sample.extra[0] != 0.0f)
+        const double x = sample.coordinate[0], y = sample.coordinate[1];
+        if (x < 0.0 || y < 0.0 || x >= k_iTextureSize || y >= k_iTextureSize || sample.extra[0] != 0.0)
             return {0, 0, 0, 0};
         return Texel(iUnit, 0, static_cast<int>(x), static_cast<int>(y));
     }
     // One level with the same filter either way: bias, lod and gradients change nothing.
-    return Bilinear(iUnit, sample.coordinate[0], sample.coordinate[1]);
+    return Bilinear(iUnit, static_cast<float>(sample.coordinate[0]), static_cast<float>(sample.coordinate[1]));
 }
 
 SLanes CReferenceTextures::Size(int iSlot, int iLod)

@@ -207,6 +207,7 @@ public:
             return;
         SLeaf base;
         base.binding = pSymbol->getName().c_str();
+        base.alias = type.getTypeName().c_str();
         int iSlot = 0;
         for (const TTypeLoc& member : *type.getStruct())
             Walk(*member.type, member.type->getFieldName().c_str(), base, iSlot, aMembers, error);

@@ -11,7 +11,8 @@ out vec4 fragColour;
 
 void main()
 {
-    uint word = uint(vUv.x * 255.0) | (uint(vUv.y * 255.0) << 8u) | (uFlags << 16u);
+    vec2 uv = clamp(vUv, 0.0, 1.0); // a negative float converts to no defined uint
+    uint word = uint(uv.x * 255.0) | (uint(uv.y * 255.0) << 8u) | (uFlags << 16u);
     uint low = bitfieldExtract(word, 0, 8);
     uint high = bitfieldExtract(word, 8, 8);
     uint merged = bitfieldInsert(word, uFlags, 4, 3);

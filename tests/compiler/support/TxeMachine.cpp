@@ -1,5 +1,7 @@
 #include "TxeMachine.h"
 
+#include "TxeArithmetic.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -14,20 +16,6 @@ namespace
 
 constexpr long k_lMaxSteps = 4000000;
 constexpr int k_iMaxSlot = 1 << 20;
-
-// Integer instructions work on the exact value of the lane, wide enough that
-// nothing wraps: the instruction set has no 32-bit wrap-around.
-long long Integer(float f)
-{
-    if (!std::isfinite(f) || std::fabs(f) > 9.0e18f)
-        return 0;
-    return std::llround(f);
-}
-
-float ShiftLeft(long long a, long long b)
-{
-    return static_cast<float>(static_cast<long long>(static_cast<unsigned long long>(a) << (b & 63)));
-}
 
 bool IsSample(ETxeOp eOp)
 {
@@ -79,7 +67,7 @@ void CTxeMachine::SetSlot(ETxeFile eFile, int iSlot, const SLanes& value, int iI
 // wrote shows it in its outputs instead of reading a lucky zero.
 SLanes CTxeMachine::Unwritten(ETxeFile eFile)
 {
-    const float f = eFile == File_Temp || eFile == File_Scratch ? std::numeric_limits<float>::quiet_NaN() : 0.0f;
+    const double f = eFile == File_Temp || eFile == File_Scratch ? std::numeric_limits<double>::quiet_NaN() : 0.0;
     return {f, f, f, f};
 }
 
@@ -147,7 +135,7 @@ unsigned CTxeMachine::Holding(const STxeOperand& op, bool bNonZero)
     unsigned uiLanes = 0;
     for (int i = 0; i < k_iInvocations; ++i)
     {
-        if (((m_uiActive >> i) & 1u) && ((Fetch(op, i)[0] != 0.0f) == bNonZero))
+        if (((m_uiActive >> i) & 1u) && ((Fetch(op, i)[0] != 0.0) == bNonZero))
             uiLanes |= 1u << i;
     }
     return uiLanes;
@@ -324,7 +312,7 @@ SLanes CTxeMachine::Fetch(const STxeOperand& op, int iInvocation)
     }
     else if (op.eFile == File_Sampler)
     {
-        base = {static_cast<float>(op.iIndex), 0, 0, 0};
+        base = {static_cast<double>(op.iIndex), 0, 0, 0};
     }
     else if (op.eFile != File_None)
     {
@@ -335,10 +323,10 @@ SLanes CTxeMachine::Fetch(const STxeOperand& op, int iInvocation)
     SLanes lanes;
     for (int i = 0; i < 4; ++i)
     {
-        float fValue = base[op.auiSwizzle[std::min(i, std::max(0, op.uiCount - 1))] & 3];
+        double dValue = base[op.auiSwizzle[std::min(i, std::max(0, op.uiCount - 1))] & 3];
         if (op.bAbs)
-            fValue = std::fabs(fValue);
-        lanes[i] = op.bNegate ? -fValue : fValue;
+            dValue = std::fabs(dValue);
+        lanes[i] = op.bNegate ? -dValue : dValue;
     }
     return lanes;
 }
@@ -346,10 +334,10 @@ SLanes CTxeMachine::Fetch(const STxeOperand& op, int iInvocation)
 void CTxeMachine::Execute(const STxeInstruction& instr)
 {
     // Sources of every invocation first: ddx/ddy read the neighbours' values.
-    std::array<std::array<SLanes, 3>, k_iInvocations> aSources;
+    std::array<SSources, k_iInvocations> aSources;
     for (int i = 0; i < k_iInvocations; ++i)
     {
-        for (int s = 0; s < 3; ++s)
+        for (int s = 0; s < 4; ++s)
             aSources[i][s] = Fetch(instr.aSrc[s], i);
     }
     for (int i = 0; i < k_iInvocations; ++i)
@@ -366,21 +354,19 @@ void CTxeMachine::Execute(const STxeInstruction& instr)
     }
 }
 
-SLanes CTxeMachine::Compute(const STxeInstruction& instr,
-                            const std::array<std::array<SLanes, 3>, k_iInvocations>& aSources, int iInvocation)
+SLanes CTxeMachine::Compute(const STxeInstruction& instr, const std::array<SSources, k_iInvocations>& aSources,
+                            int iInvocation)
 {
-    const SLanes& a = aSources[iInvocation][0];
-    const SLanes& b = aSources[iInvocation][1];
-    const SLanes& c = aSources[iInvocation][2];
+    const SSources& sources = aSources[iInvocation];
+    const SLanes& a = sources[0];
     auto dot = [&](int iLanes) {
         float fSum = 0.0f;
         for (int i = 0; i < iLanes; ++i)
-            fSum += a[i] * b[i];
+            fSum += static_cast<float>(AsFloat(a[i])) * static_cast<float>(AsFloat(sources[1][i]));
         return SLanes{fSum, fSum, fSum, fSum};
     };
     // Fine derivatives over the quad: each row and each column differences its own pair.
-    const int iRow = iInvocation & 2;
-    const int iColumn = iInvocation & 1;
+    const int iRow = iInvocation & 2, iColumn = iInvocation & 1;
     SLanes r = {0, 0, 0, 0};
     for (int i = 0; i < 4; ++i)
     {
@@ -389,54 +375,27 @@ SLanes CTxeMachine::Compute(const STxeInstruction& instr,
         case Op_Mov:
         case Op_Ldm:
         case Op_Stm:
-        case Op_Ldc:
-        case Op_I2f: r[i] = a[i]; break;
-        case Op_Add: r[i] = a[i] + b[i]; break;
-        case Op_Mul: r[i] = a[i] * b[i]; break;
-        case Op_Mad: r[i] = a[i] * b[i] + c[i]; break;
-        case Op_Min: r[i] = std::min(a[i], b[i]); break;
-        case Op_Max: r[i] = std::max(a[i], b[i]); break;
-        case Op_Flr: r[i] = std::floor(a[i]); break;
-        case Op_Frc: r[i] = a[i] - std::floor(a[i]); break;
-        case Op_Rnd: r[i] = std::nearbyint(a[i]); break;
-        case Op_Slt: r[i] = a[i] < b[i]; break;
-        case Op_Sge: r[i] = a[i] >= b[i]; break;
-        case Op_Seq: r[i] = a[i] == b[i]; break;
-        case Op_Sne: r[i] = a[i] != b[i]; break;
-        case Op_Sel: r[i] = a[i] != 0.0f ? b[i] : c[i]; break;
-        case Op_And: r[i] = static_cast<float>(Integer(a[i]) & Integer(b[i])); break;
-        case Op_Or: r[i] = static_cast<float>(Integer(a[i]) | Integer(b[i])); break;
-        case Op_Xor: r[i] = static_cast<float>(Integer(a[i]) ^ Integer(b[i])); break;
-        case Op_Not: r[i] = static_cast<float>(~Integer(a[i])); break;
-        case Op_Shl: r[i] = ShiftLeft(Integer(a[i]), Integer(b[i])); break;
-        case Op_Shr: r[i] = static_cast<float>(Integer(a[i]) >> (Integer(b[i]) & 63)); break;
-        case Op_F2i: r[i] = std::trunc(a[i]); break;
-        case Op_Sgn: r[i] = static_cast<float>((a[i] > 0.0f) - (a[i] < 0.0f)); break;
-        case Op_Ddx: r[i] = aSources[iRow + 1][0][i] - aSources[iRow][0][i]; break;
-        case Op_Ddy: r[i] = aSources[iColumn + 2][0][i] - aSources[iColumn][0][i]; break;
-        case Op_Rcp: r[i] = 1.0f / a[i]; break;
-        case Op_Rsq: r[i] = 1.0f / std::sqrt(a[i]); break;
-        case Op_Sqrt: r[i] = std::sqrt(a[i]); break;
-        case Op_Exp2: r[i] = std::exp2(a[i]); break;
-        case Op_Log2: r[i] = std::log2(a[i]); break;
-        case Op_Sin: r[i] = std::sin(a[i]); break;
-        case Op_Cos: r[i] = std::cos(a[i]); break;
-        case Op_Atan: r[i] = std::atan2(a[i], b[i]); break;
-        case Op_Idiv: r[i] = std::trunc(a[i] / b[i]); break;
+        case Op_Ldc: r[i] = a[i]; break; // moves copy the lane, whatever it holds
+        case Op_Sel: r[i] = a[i] != 0.0 ? sources[1][i] : sources[2][i]; break;
         case Op_Dp2: return dot(2);
         case Op_Dp3: return dot(3);
         case Op_Dp4: return dot(4);
+        case Op_Ddx: r[i] = AsFloat(aSources[iRow + 1][0][i] - aSources[iRow][0][i]); break;
+        case Op_Ddy: r[i] = AsFloat(aSources[iColumn + 2][0][i] - aSources[iColumn][0][i]); break;
         default:
             if (IsSample(instr.eOp))
-                return Texture(instr, aSources[iInvocation], iInvocation);
-            Fail(std::string("cannot execute '") + TxeOpInfo(instr.eOp).pMnemonic + "'");
-            return r;
+                return Texture(instr, sources, iInvocation);
+            if (IsFloatLaneOp(instr.eOp, instr.eType))
+                r[i] = FloatLane(instr.eOp, a[i], sources[1][i], sources[2][i]);
+            else
+                r[i] = IntegerLane(instr.eOp, instr.eType, a[i], sources[1][i], sources[2][i], sources[3][i]);
+            break;
         }
     }
     return r;
 }
 
-SLanes CTxeMachine::Texture(const STxeInstruction& instr, const std::array<SLanes, 3>& sources, int iInvocation)
+SLanes CTxeMachine::Texture(const STxeInstruction& instr, const SSources& sources, int iInvocation)
 {
     if (!m_pSampler)
         return {0, 0, 0, 0};
@@ -449,12 +408,12 @@ SLanes CTxeMachine::Texture(const STxeInstruction& instr, const std::array<SLane
     sample.coordinate = sources[0];
     sample.iCoordinateLanes = instr.aSrc[0].uiCount;
     sample.extra = sources[2];
-    sample.extra2 = Fetch(instr.aSrc[3], iInvocation);
+    sample.extra2 = sources[3];
     if (instr.eOp == Op_Txp && sample.iCoordinateLanes > 1)
     {
-        const float fDivisor = sample.coordinate[static_cast<std::size_t>(sample.iCoordinateLanes - 1)];
+        const double dDivisor = sample.coordinate[static_cast<std::size_t>(sample.iCoordinateLanes - 1)];
         for (int i = 0; i + 1 < sample.iCoordinateLanes; ++i)
-            sample.coordinate[static_cast<std::size_t>(i)] /= fDivisor;
+            sample.coordinate[static_cast<std::size_t>(i)] /= dDivisor;
     }
     return m_pSampler->Sample(sample);
 }

@@ -3,8 +3,8 @@
 // A small TXE interpreter for tests. It runs four invocations in lockstep, as a
 // 2x2 fragment quad (invocation 0 bottom left, 1 bottom right, 2 top left, 3 top
 // right), so ddx/ddy see their neighbours and divergent branches are masked the
-// way a GPU masks them. Lanes hold floats; integers are their exact values, as
-// the instruction set defines them.
+// way a GPU masks them. A lane holds a number, a float or a 32-bit integer, as the
+// instruction set defines it (TxeArithmetic.h).
 
 #include "TxeIsa.h"
 
@@ -16,7 +16,7 @@
 namespace ZamCompilerTest
 {
 
-using SLanes = std::array<float, 4>;
+using SLanes = std::array<double, 4>;
 constexpr int k_iInvocations = 4;
 
 // One sample instruction as the sampler sees it; txp arrives already projected.
@@ -82,9 +82,10 @@ private:
     unsigned Blocked();
     unsigned Holding(const ZamCompiler::STxeOperand& op, bool bNonZero);
     void Execute(const ZamCompiler::STxeInstruction& instr);
-    SLanes Compute(const ZamCompiler::STxeInstruction& instr, const std::array<std::array<SLanes, 3>, k_iInvocations>& aSources,
+    using SSources = std::array<SLanes, 4>;
+    SLanes Compute(const ZamCompiler::STxeInstruction& instr, const std::array<SSources, k_iInvocations>& aSources,
                    int iInvocation);
-    SLanes Texture(const ZamCompiler::STxeInstruction& instr, const std::array<SLanes, 3>& sources, int iInvocation);
+    SLanes Texture(const ZamCompiler::STxeInstruction& instr, const SSources& sources, int iInvocation);
     SLanes Fetch(const ZamCompiler::STxeOperand& op, int iInvocation);
     bool Address(const ZamCompiler::STxeOperand& op, int iInvocation, int& iSlot);
     bool InBinding(const ZamCompiler::STxeOperand& op, long long llSlot) const;
