@@ -100,18 +100,32 @@ std::string GlslBanner(const SCoreModel& core)
     return text;
 }
 
-std::string FormatProfile(const SCompilation& compilation)
+std::string FormatProfile(const std::map<int, long long>& mapLineCounts, long long llInstructions)
 {
     std::string text;
+    CTextSink out(text);
     long long llTotal = 0;
-    for (const auto& [iLine, llCycles] : compilation.mapLineCycles)
+    for (const auto& [iLine, llCount] : mapLineCounts)
     {
-        text += "line: " + std::to_string(iLine) + ", count: " + std::to_string(llCycles) + "\n";
-        llTotal += llCycles;
+        out.Put("line: ");
+        out.Integer(iLine);
+        out.Put(", count: ");
+        out.Integer(llCount);
+        out.Put('\n');
+        llTotal += llCount;
     }
-    text += "Total consumed cycles = " + std::to_string(llTotal) + "\n";
-    text += "TXC generated instructions = " + std::to_string(compilation.program.aInstructions.size()) + "\n";
+    out.Put("Total consumed cycles = ");
+    out.Integer(llTotal);
+    out.Put("\nTXC generated instructions = ");
+    out.Integer(llInstructions);
+    out.Put('\n');
+    out.Flush();
     return text;
+}
+
+std::string FormatProfile(const SCompilation& compilation)
+{
+    return FormatProfile(compilation.mapLineCycles, static_cast<long long>(compilation.program.aInstructions.size()));
 }
 
 std::string FormatEstimate(const SCompilation& compilation)

@@ -5,6 +5,7 @@
 
 #include "ZcCompilation.h"
 
+#include <map>
 #include <string>
 
 namespace ZamCompiler
@@ -15,7 +16,9 @@ constexpr int k_iCompilerBuild = 100;
 
 std::string GlslBanner(const SCoreModel& core);
 
-// "line: L, count: K" per line (ascending, each once), then the two totals.
+// "line: L, count: K" per line (ascending, each once), then the two totals. The OpenCL
+// compiler writes its instruction counts with the same function.
+std::string FormatProfile(const std::map<int, long long>& mapLineCounts, long long llInstructions);
 std::string FormatProfile(const SCompilation& compilation);
 
 // "Performance estimate" and its six figures.

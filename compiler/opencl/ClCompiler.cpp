@@ -66,18 +66,10 @@ std::vector<std::string> ClangArguments(const SCommandLine& commandLine, const s
     return aArgs;
 }
 
-std::string FormatIrProfile(const SIrProfile& profile)
+bool WriteIrProfile(const std::string& path, const std::string& ir, const std::string& source, std::string& error)
 {
-    std::string text;
-    long long llTotal = 0;
-    for (const auto& [iLine, llCount] : profile.mapLineCounts)
-    {
-        text += "line: " + std::to_string(iLine) + ", count: " + std::to_string(llCount) + "\n";
-        llTotal += llCount;
-    }
-    text += "Total consumed cycles = " + std::to_string(llTotal) + "\n";
-    text += "TXC generated instructions = " + std::to_string(profile.llInstructions) + "\n";
-    return text;
+    const SIrProfile profile = ProfileIr(ir, CountLines(source));
+    return WriteFile(path, FormatProfile(profile.mapLineCounts, profile.llInstructions), error);
 }
 
 } // namespace
@@ -250,8 +242,7 @@ int RunClCompiler(const std::string& programPath, const std::vector<std::string>
     std::string ir;
     if (ReadFileBounded(irPath, k_uiMaxIrBytes, ir, error) != Read_Ok)
         return Fail(output, "cannot read the IR clang wrote to '" + irPath + "'");
-    if (commandLine.bProfile &&
-        !WriteFile(commandLine.outputBase + ".prof", FormatIrProfile(ProfileIr(ir, CountLines(source))), error))
+    if (commandLine.bProfile && !WriteIrProfile(commandLine.outputBase + ".prof", ir, source, error))
         return Fail(output, "cannot write '" + commandLine.outputBase + ".prof': " + error);
     if (commandLine.bDisasm && !WriteFile(commandLine.outputBase + ".disasm", ir, error))
         return Fail(output, "cannot write '" + commandLine.outputBase + ".disasm': " + error);
