@@ -52,6 +52,8 @@ struct SCompileResult
         int iTotalConsumedCycles = -1;
         int iGeneratedInstructions = -1;
         bool bEstimateFound = false; // the output held a "Performance estimate" block
+        // The document line the unit starts at; the disassembly's line column counts from it.
+        int iLineOffset = 0;
     };
 
     // Null when no unit of that name was profiled.
@@ -69,6 +71,13 @@ struct SCompileResult
     QString CompilerString;
     QString VersionString;
     QVector<SCompileMessage> Messages;
+    // Set by the controller for the views of a background compile. Above 0: the text at hand
+    // does not compile and this is the last result that did, from that many edits ago (its
+    // log and messages are the current ones).
+    int iEditsBehind = 0;
+    // The figures of the result that compiled before this one, without disassembly; empty
+    // for the first.
+    CZamTArray<SProfile> PreviousProfiles;
 };
 
 Q_DECLARE_METATYPE(SCompileResult)

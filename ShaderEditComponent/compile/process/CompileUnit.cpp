@@ -115,6 +115,7 @@ ECompileStatus JudgeRun(const SCompileUnit& Unit, const SCommandRun& Run, const 
         SCompileResult::SProfile Profile;
         Profile.Name = Unit.Name;
         Profile.bRequestFlag = Unit.uiRequestFlags == 2;
+        Profile.iLineOffset = Unit.iLineOffset;
         if (Outputs.bProfile)
             ReadProfile(Unit, Outputs.OutputBase + QStringLiteral(".prof"), Profile, Result);
         if (Outputs.bDisassembly)
