@@ -4,6 +4,7 @@
 
 #include "ShaderEditComponent/compile/parsers/CompilerBannerParser.h"
 #include "ShaderEditComponent/compile/parsers/CompilerOutputParser.h"
+#include "ShaderEditComponent/compile/parsers/DisassemblyParser.h"
 #include "ShaderEditComponent/compile/parsers/PerformanceEstimateParser.h"
 #include "ShaderEditComponent/compile/parsers/ProfileParser.h"
 
@@ -31,6 +32,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t uiSize)
         __builtin_trap();
 
     ParsePerformanceEstimate(Text);
+    if (ParseDisassemblyLines(Text, iOffset).size() != Text.count(QLatin1Char('\n')) + 1)
+        __builtin_trap(); // one entry per text line, so views can index it by line
+
 
     QString Compiler;
     QString Version;

@@ -3,6 +3,7 @@
 
 #include "ShaderEditComponent/compile/parsers/CompilerBannerParser.h"
 #include "ShaderEditComponent/compile/parsers/CompilerOutputParser.h"
+#include "ShaderEditComponent/compile/parsers/DisassemblyParser.h"
 #include "ShaderEditComponent/compile/parsers/PerformanceEstimateParser.h"
 #include "ShaderEditComponent/compile/parsers/ProfileParser.h"
 
@@ -23,6 +24,8 @@ private slots:
     void ProfileKeepsEarlierUnitsCounts();
 
     void EstimateFigures();
+
+    void DisassemblyLineColumn();
 
     void Banner_data();
     void Banner();
@@ -191,6 +194,39 @@ void CCompileParsersTest::EstimateFigures()
         QStringLiteral("Performance estimate\nCycle count: 40\nTemporary registers used:   99999999999\n"));
     QCOMPARE(Odd.fCycleCount, -1.0f);
     QCOMPARE(Odd.iTemporaryRegisters, -1);
+}
+
+void CCompileParsersTest::DisassemblyLineColumn()
+{
+    // The bundled compiler's layout: comment header, then index, line, cycles, instruction.
+    const QString Listing = QStringLiteral("; TXE ZC1 fragment program: 3 instructions, 1 temporaries\n"
+                                           "; a0        input    vNormal\n"
+                                           "; index  line  cycles  instruction\n"
+                                           "     0    10       3  dp3     r0.x, a0.xyz, a0.xyz\n"
+                                           "     1    10       4  rsq     r0.x, r0.x\n"
+                                           "    13    18       1    slt     r3.x, r2.x, #4\n");
+    QCOMPARE(ParseDisassemblyLines(Listing, 0), (QVector<int>{0, 0, 0, 10, 10, 18, 0}));
+    // An effect's shader starting at document line 40.
+    QCOMPARE(ParseDisassemblyLines(Listing, 40), (QVector<int>{0, 0, 0, 50, 50, 58, 0}));
+
+    // Another compiler's columns in another order; a line it could not place (0 or "-").
+    QCOMPARE(ParseDisassemblyLines(QStringLiteral(";  line index instruction\n"
+                                                  "   7    0    mov r0, c0\n"
+                                                  "   -    1    nop\n"
+                                                  "   0    2    ret\n"),
+                                   0),
+             (QVector<int>{0, 7, 0, 0, 0}));
+
+    // Without the column nothing is placed, whatever the numbers look like.
+    QCOMPARE(ParseDisassemblyLines(QStringLiteral("; index cycles instruction\n 0 10 mov\n"), 0),
+             (QVector<int>{0, 0, 0}));
+    QCOMPARE(ParseDisassemblyLines(QStringLiteral("0 10 3 mov\n; line\n1 10 3 mov"), 0), (QVector<int>{0, 0, 0}));
+    // The header must come near the top; a listing's own "line" comment further down is no header.
+    QString Late;
+    for (int i = 0; i < 70; ++i)
+        Late += QStringLiteral("mov r0, r1\n");
+    Late += QStringLiteral("; index line cycles\n0 5 1\n");
+    QCOMPARE(ParseDisassemblyLines(Late, 0, 64).value(71), 0);
 }
 
 void CCompileParsersTest::Banner_data()
