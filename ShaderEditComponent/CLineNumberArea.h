@@ -12,6 +12,8 @@ public:
     virtual ~IGutterHost() = default;
     virtual int GutterAreaWidth(int iKind) const = 0;
     virtual void PaintGutter(QPaintEvent* pEvent, int iKind) = 0;
+    // What the gutter says about the line at Position; empty for no tool tip.
+    virtual QString GutterToolTip(int iKind, const QPoint& Position) const = 0;
 };
 
 // One gutter at the left of an edit panel.
@@ -32,6 +34,7 @@ public:
     QSize sizeHint() const override;
 
 protected:
+    bool event(QEvent* pEvent) override;
     void paintEvent(QPaintEvent* pEvent) override;
 
 private:

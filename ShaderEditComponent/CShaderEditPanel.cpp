@@ -1,15 +1,20 @@
 #include "CShaderEditPanel.h"
 
 #include "CLineNumberArea.h"
+#include "CompileChange.h"
+#include "CompileMarks_p.h"
 #include "EditDocumentLayout_p.h"
 #include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlighter.h"
 #include "TextCommands_p.h"
 
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <QTextBlock>
+#include <QToolTip>
 
 #include <algorithm>
 #include <cmath>
@@ -51,6 +56,13 @@ bool IsEffectType(EShaderDocType eType)
 {
     return (eType & (DocType_ZFXGLSLES | DocType_ZFXGLSL)) != 0;
 }
+
+// Behind the cycle count of a line whose cost the last change moved.
+const QColor s_ChangedCountBackground(255, 226, 130);
+// Behind a source line whose instructions were picked in the disassembly.
+const QColor s_SourceLineBackground(196, 222, 255);
+// The width of a message marker at the left of the line-number gutter.
+constexpr int s_iMarkerWidth = 3;
 } // namespace
 
 CShaderEditPanel::CShaderEditPanel(QWidget* pParent, const CZamTString& FileName, const QString* pText,
@@ -60,6 +72,8 @@ CShaderEditPanel::CShaderEditPanel(QWidget* pParent, const CZamTString& FileName
     , m_pCycleCountArea(new CLineNumberArea(this, this, CLineNumberArea::Kind_CycleCounts))
     , m_FileName(FileName)
     , m_PanelID(ToQString(FileName).toUtf8().constData())
+    , m_pMarks(std::make_unique<CCompileMarks>())
+    , m_pCounts(std::make_unique<CCycleCountLines>())
 {
     // A document of its own whose layout repaints only the lines a change touches.
     auto* pDocument = new QTextDocument(this);
@@ -69,6 +83,14 @@ CShaderEditPanel::CShaderEditPanel(QWidget* pParent, const CZamTString& FileName
 
     connect(this, &QPlainTextEdit::updateRequest, this, &CShaderEditPanel::UpdateLineNumberArea);
     connect(document(), &QTextDocument::contentsChange, this, &CShaderEditPanel::OnTextChanged);
+    // A picked source line stays lit until the cursor goes to another line.
+    connect(this, &QPlainTextEdit::cursorPositionChanged, this,
+            [this]
+            {
+                if (!m_SourceLineHighlights.isEmpty()
+                    && m_SourceLineHighlights.first().cursor.block() != textCursor().block())
+                    SetHighlightSelections(Highlight_SourceLine, {});
+            });
     OnFontChanged(pHighlight->GetFont());
 
     setLineWrapMode(QPlainTextEdit::NoWrap);
@@ -113,10 +135,14 @@ void CShaderEditPanel::SetDocumentType(EShaderDocType eType)
     if (eType == m_eDocType)
         return;
     m_eDocType = eType;
-    // A type that is not compiled gets no new counts to replace the old ones.
-    if (!IsAutoCompiledType(eType) && m_CycleCounts.GetSize() > 0)
+    // A type that is not compiled gets no new counts or messages to replace the old ones.
+    if (!IsAutoCompiledType(eType))
     {
-        m_CycleCounts.Clear();
+        m_pCounts->Clear();
+        m_pMarks->Clear();
+        m_iEditsBehind = 0;
+        ShowHighlightsNearViewport();
+        m_pLineNumberArea->update();
         m_pCycleCountArea->update();
     }
     m_pHighlighter->rehighlight();
@@ -151,11 +177,15 @@ void CShaderEditPanel::SetHighlightSelections(int iKind, const QList<QTextEdit::
         m_CursorMatchHighlights = Selections;
     else if (iKind == Highlight_FindResults)
         m_FindHighlights = Selections;
+    else if (iKind == Highlight_SourceLine)
+        m_SourceLineHighlights = Selections;
     ShowHighlightsNearViewport();
 }
 
 const QList<QTextEdit::ExtraSelection>& CShaderEditPanel::GetHighlightSelections(int iKind) const
 {
+    if (iKind == Highlight_SourceLine)
+        return m_SourceLineHighlights;
     return iKind == Highlight_CursorMatches ? m_CursorMatchHighlights : m_FindHighlights;
 }
 
@@ -187,7 +217,8 @@ void CShaderEditPanel::ShowHighlightsNearViewport()
 
     const int iFrom = Start.position();
     const int iTo = End.isValid() ? End.position() : document()->characterCount();
-    QList<QTextEdit::ExtraSelection> Shown;
+    QList<QTextEdit::ExtraSelection> Shown = m_SourceLineHighlights;
+    m_pMarks->AppendSelections(iFrom, iTo, Shown);
     for (const QList<QTextEdit::ExtraSelection>* pList : {&m_FindHighlights, &m_CursorMatchHighlights})
     {
         for (const QTextEdit::ExtraSelection& Highlight : *pList)
@@ -203,7 +234,8 @@ void CShaderEditPanel::ShowHighlightsNearViewport()
 // not hold yet; each of them requests an update of the view, after which this runs.
 void CShaderEditPanel::KeepHighlightsNearViewport()
 {
-    const bool bHasHighlights = !m_FindHighlights.isEmpty() || !m_CursorMatchHighlights.isEmpty();
+    const bool bHasHighlights =
+        !m_FindHighlights.isEmpty() || !m_CursorMatchHighlights.isEmpty() || !m_pMarks->IsEmpty();
     if (bHasHighlights && !HighlightWindowCoversViewport())
         ShowHighlightsNearViewport();
 }
@@ -288,16 +320,17 @@ int CShaderEditPanel::VisibleCycleCountDigits() const
     const QRect Area = rect();
     // Entry 0 is never shown, so without a second entry there is nothing to measure; this
     // runs after every keystroke.
-    QTextBlock Block = m_CycleCounts.GetSize() > 1 ? firstVisibleBlock() : QTextBlock();
+    const CZamTArray<int>& Counts = m_pCounts->GetCounts();
+    QTextBlock Block = Counts.GetSize() > 1 ? firstVisibleBlock() : QTextBlock();
     qreal dTop = Block.isValid() ? blockBoundingGeometry(Block).translated(contentOffset()).top() : 0.0;
     for (; Block.isValid() && dTop <= Area.bottom(); Block = Block.next())
     {
         const qreal dBottom = dTop + blockBoundingRect(Block).height();
         const int iBlock = Block.blockNumber();
-        if (Block.isVisible() && dBottom >= Area.top() && iBlock > 0
-            && static_cast<uint32_t>(iBlock) < m_CycleCounts.GetSize() && m_CycleCounts[iBlock] >= 0)
+        if (Block.isVisible() && dBottom >= Area.top() && iBlock > 0 && static_cast<uint32_t>(iBlock) < Counts.GetSize()
+            && Counts[iBlock] >= 0)
         {
-            iDigits = std::max(iDigits, static_cast<int>(QString::number(m_CycleCounts[iBlock]).size()));
+            iDigits = std::max(iDigits, static_cast<int>(QString::number(Counts[iBlock]).size()));
         }
         dTop = dBottom;
     }
@@ -322,7 +355,12 @@ void CShaderEditPanel::PaintGutter(QPaintEvent* pEvent, int iKind)
     const QRect Dirty = pEvent->rect();
     Painter.fillRect(Dirty,
                      iKind == CLineNumberArea::Kind_LineNumbers ? QColor(Qt::lightGray) : QColor(191, 215, 215, 255));
-    Painter.setPen(Qt::black);
+    if (iKind == CLineNumberArea::Kind_LineNumbers)
+        PaintLineMarkers(Painter, Dirty);
+    else
+        PaintChangedCounts(Painter, Dirty);
+    // Stale counts are those of the last text that compiled.
+    Painter.setPen(iKind == CLineNumberArea::Kind_CycleCounts && m_iEditsBehind > 0 ? Qt::gray : Qt::black);
     Painter.setFont(font());
     const int iWidth = pArea->width();
     const int iTextHeight = fontMetrics().height();
@@ -338,9 +376,8 @@ void CShaderEditPanel::PaintGutter(QPaintEvent* pEvent, int iKind)
             QString Text;
             if (iKind == CLineNumberArea::Kind_LineNumbers)
                 Text = QString::number(iBlock + 1);
-            else if (iBlock > 0 && static_cast<uint32_t>(iBlock) < m_CycleCounts.GetSize()
-                     && m_CycleCounts[iBlock] >= 0)
-                Text = QString::number(m_CycleCounts[iBlock]);
+            else if (iBlock > 0 && m_pCounts->CountOf(iBlock) >= 0)
+                Text = QString::number(m_pCounts->CountOf(iBlock));
             if (!Text.isEmpty())
                 Painter.drawText(QRect(-4, iTop, iWidth, iTextHeight), Qt::AlignRight, Text);
         }
@@ -353,9 +390,125 @@ void CShaderEditPanel::OnCompileCycleCountChanged(const CZamTHash& PanelID, cons
 {
     if (PanelID != m_PanelID)
         return;
-    m_CycleCounts = CycleCounts;
+    m_pCounts->Set(CycleCounts);
     UpdateGutterGeometry();
     m_pCycleCountArea->repaint();
+}
+
+void CShaderEditPanel::OnPanelResultChanged(const CZamTHash& PanelID, const SCompileResult& Shown)
+{
+    if (PanelID != m_PanelID)
+        return;
+    m_pMarks->Set(document(), Shown.Messages);
+    m_iEditsBehind = Shown.iEditsBehind;
+    ShowHighlightsNearViewport();
+    m_pLineNumberArea->update();
+    m_pCycleCountArea->update();
+}
+
+const CZamTArray<int>& CShaderEditPanel::GetCycleCounts() const
+{
+    return m_pCounts->GetCounts();
+}
+
+bool CShaderEditPanel::HasCycleCountChanged(int iBlock) const
+{
+    return m_pCounts->HasChanged(iBlock);
+}
+
+QString CShaderEditPanel::GetCompileMessages(int iBlock) const
+{
+    return m_pMarks->ToolTipFor(iBlock);
+}
+
+void CShaderEditPanel::ShowSourceLine(int iLine)
+{
+    const QTextBlock Block = iLine > 0 ? document()->findBlockByNumber(iLine - 1) : QTextBlock();
+    if (!Block.isValid())
+    {
+        SetHighlightSelections(Highlight_SourceLine, {});
+        return;
+    }
+    const auto [First, Last] = VisibleBlocks();
+    if (Block.blockNumber() < First.blockNumber() || Block.blockNumber() >= Last.blockNumber())
+    {
+        // A third of a page above it, like a jump in the log.
+        const int iPage = std::max(1, Last.blockNumber() - First.blockNumber());
+        verticalScrollBar()->setValue(std::max(0, Block.blockNumber() - iPage / 3));
+    }
+    QTextEdit::ExtraSelection Selection;
+    Selection.cursor = QTextCursor(Block);
+    Selection.format.setBackground(s_SourceLineBackground);
+    Selection.format.setProperty(QTextFormat::FullWidthSelection, true);
+    SetHighlightSelections(Highlight_SourceLine, {Selection});
+}
+
+int CShaderEditPanel::BlockAt(const QPoint& Position) const
+{
+    QTextBlock Block = firstVisibleBlock();
+    qreal dTop = blockBoundingGeometry(Block).translated(contentOffset()).top();
+    for (; Block.isValid() && dTop <= Position.y(); Block = Block.next())
+    {
+        const qreal dBottom = dTop + blockBoundingRect(Block).height();
+        if (Position.y() < dBottom)
+            return Block.blockNumber();
+        dTop = dBottom;
+    }
+    return -1;
+}
+
+QString CShaderEditPanel::GutterToolTip(int iKind, const QPoint& Position) const
+{
+    const int iBlock = BlockAt(Position);
+    if (iBlock < 0)
+        return QString();
+    if (iKind == CLineNumberArea::Kind_LineNumbers)
+        return m_pMarks->ToolTipFor(iBlock);
+    QStringList Lines;
+    const int iCount = m_pCounts->CountOf(iBlock);
+    if (m_pCounts->HasChanged(iBlock))
+    {
+        const int iBefore = m_pCounts->PreviousOf(iBlock);
+        Lines << tr("%1 cycles, was %2")
+                     .arg(iCount < 0 ? tr("no") : QString::number(iCount),
+                          iBefore < 0 ? tr("none") : QString::number(iBefore));
+    }
+    if (m_iEditsBehind > 0 && iCount >= 0)
+        Lines << DescribeStaleResult(m_iEditsBehind);
+    return Lines.join(QLatin1Char('\n'));
+}
+
+void CShaderEditPanel::PaintLineMarkers(QPainter& Painter, const QRect& Dirty)
+{
+    if (m_pMarks->IsEmpty())
+        return;
+    const auto [First, Last] = VisibleBlocks();
+    const QMap<int, SCompileMessage::ESeverity> Marked =
+        m_pMarks->MarkedBlocks(First.position(), Last.position() + Last.length());
+    for (auto Mark = Marked.cbegin(); Mark != Marked.cend(); ++Mark)
+    {
+        const QTextBlock Block = document()->findBlockByNumber(Mark.key());
+        const QRectF Geometry = blockBoundingGeometry(Block).translated(contentOffset());
+        if (!Block.isVisible() || Geometry.bottom() < Dirty.top() || Geometry.top() > Dirty.bottom())
+            continue;
+        QColor Colour = m_pMarks->ColourOf(Mark.value());
+        Painter.fillRect(QRectF(0, Geometry.top(), s_iMarkerWidth, Geometry.height()), Colour);
+        Colour.setAlpha(56);
+        Painter.fillRect(QRectF(s_iMarkerWidth, Geometry.top(), m_pLineNumberArea->width(), Geometry.height()), Colour);
+    }
+}
+
+void CShaderEditPanel::PaintChangedCounts(QPainter& Painter, const QRect& Dirty)
+{
+    QTextBlock Block = firstVisibleBlock();
+    qreal dTop = blockBoundingGeometry(Block).translated(contentOffset()).top();
+    for (; Block.isValid() && dTop <= Dirty.bottom(); Block = Block.next())
+    {
+        const qreal dHeight = blockBoundingRect(Block).height();
+        if (Block.isVisible() && dTop + dHeight >= Dirty.top() && m_pCounts->HasChanged(Block.blockNumber()))
+            Painter.fillRect(QRectF(0, dTop, m_pCycleCountArea->width(), dHeight), s_ChangedCountBackground);
+        dTop += dHeight;
+    }
 }
 
 void CShaderEditPanel::OnFontChanged(const QFont& Font)
@@ -369,6 +522,10 @@ void CShaderEditPanel::OnFontChanged(const QFont& Font)
 void CShaderEditPanel::OnCompilerSettingsChanged(const Settings::SCompiler& Settings, unsigned int uiChangedMask)
 {
     m_bAutoCompile = Settings.bAutoCompile;
+    // The marks speak in the log's colours.
+    m_pMarks->SetColours(Settings.ErrorFormat.foreground().color(), Settings.WarningFormat.foreground().color());
+    if (!m_pMarks->IsEmpty())
+        ShowHighlightsNearViewport();
     if (uiChangedMask & Settings::CompilerSetting_CustomCompilerPath)
         RequestRecompile();
 }
@@ -392,6 +549,19 @@ bool CShaderEditPanel::event(QEvent* pEvent)
         }
     }
     return QPlainTextEdit::event(pEvent);
+}
+
+bool CShaderEditPanel::viewportEvent(QEvent* pEvent)
+{
+    if (pEvent->type() != QEvent::ToolTip)
+        return QPlainTextEdit::viewportEvent(pEvent);
+    const auto* pHelp = static_cast<QHelpEvent*>(pEvent);
+    const QString Text = m_pMarks->ToolTipFor(cursorForPosition(pHelp->pos()).blockNumber());
+    if (Text.isEmpty())
+        QToolTip::hideText();
+    else
+        QToolTip::showText(pHelp->globalPos(), Text, viewport());
+    return true;
 }
 
 void CShaderEditPanel::keyPressEvent(QKeyEvent* pEvent)
@@ -536,10 +706,25 @@ void CShaderEditPanel::UpdateGutterGeometry()
 void CShaderEditPanel::OnTextChanged(int iPosition, int iCharsRemoved, int iCharsAdded)
 {
     m_TextMirror.Apply(iPosition, iCharsRemoved, iCharsAdded);
+    FollowLineCount(iPosition);
     RequestRecompile();
     // Replaying history must not add text: that would cut off the redo steps.
     if (!m_bReplayingHistory)
         AutoIndent(iPosition, iCharsAdded);
+}
+
+// Lines added or removed take their counts along, so counts stay on their lines until the
+// next result (for a long time while the text does not compile).
+void CShaderEditPanel::FollowLineCount(int iPosition)
+{
+    const int iBlocks = blockCount();
+    if (iBlocks == m_iBlockCount)
+        return;
+    // An edit at a line's start moves that line; anywhere else the lines after it.
+    const QTextBlock Block = document()->findBlock(iPosition);
+    const int iAt = Block.blockNumber() + (iPosition == Block.position() ? 0 : 1);
+    m_pCounts->Shift(iAt, iBlocks - m_iBlockCount);
+    m_iBlockCount = iBlocks;
 }
 
 void CShaderEditPanel::AutoIndent(int iPosition, int iCharsAdded)

@@ -4,6 +4,7 @@
 #include "DocumentFile.h"
 #include "DocumentTextMirror.h"
 #include "ShaderEditComponent/compile/model/CompileOptions.h"
+#include "ShaderEditComponent/compile/model/CompileResult.h"
 #include "ShaderEditComponent/compile/model/Settings.h"
 #include "ShaderEditComponent/compile/model/ShaderDocType.h"
 #include "Tools/ZamTArray.h"
@@ -16,8 +17,11 @@
 #include <QTextCursor>
 #include <QTextEdit>
 
+#include <memory>
 #include <utility>
 
+class CCompileMarks;
+class CCycleCountLines;
 class CShaderHighlightController;
 class CShaderHighlighter;
 
@@ -34,6 +38,7 @@ public:
     {
         Highlight_CursorMatches = 0,
         Highlight_FindResults = 1,
+        Highlight_SourceLine = 2, // the line of an instruction picked in the disassembly
     };
 
     // pText is used only to detect the type when eType is DocType_Detect; the caller puts
@@ -81,7 +86,16 @@ public:
     int CycleCountAreaWidth() const;
     int GutterAreaWidth(int iKind) const override;
     void PaintGutter(QPaintEvent* pEvent, int iKind) override;
-    const CZamTArray<int>& GetCycleCounts() const { return m_CycleCounts; }
+    QString GutterToolTip(int iKind, const QPoint& Position) const override;
+    const CZamTArray<int>& GetCycleCounts() const;
+    // Whether the last counts moved the cost of the 0-based line, against the counts before.
+    bool HasCycleCountChanged(int iBlock) const;
+    // Above 0: the text does not compile and the cycle counts are the last good ones, greyed.
+    int GetEditsBehind() const { return m_iEditsBehind; }
+    // The last compile's messages on the 0-based line, one per line of text; empty for none.
+    QString GetCompileMessages(int iBlock) const;
+    // Highlights the 1-based line (0: none) and scrolls it into view; the cursor stays.
+    void ShowSourceLine(int iLine);
 
 signals:
     void RequestClose();
@@ -93,12 +107,15 @@ signals:
 
 public slots:
     void OnCompileCycleCountChanged(const CZamTHash& PanelID, const CZamTArray<int>& CycleCounts);
+    // Marks the messages of the panel's last compile in the text and greys stale counts.
+    void OnPanelResultChanged(const CZamTHash& PanelID, const SCompileResult& Shown);
     void OnFontChanged(const QFont& Font);
     void OnCompilerSettingsChanged(const Settings::SCompiler& Settings, unsigned int uiChangedMask);
     void OnEditorSettingsChanged(const Settings::SEditor& Settings);
 
 protected:
     bool event(QEvent* pEvent) override;
+    bool viewportEvent(QEvent* pEvent) override;
     void keyPressEvent(QKeyEvent* pEvent) override;
     void resizeEvent(QResizeEvent* pEvent) override;
     void paintEvent(QPaintEvent* pEvent) override;
@@ -122,6 +139,10 @@ private:
     bool HighlightWindowCoversViewport() const;
     std::pair<QTextBlock, QTextBlock> VisibleBlocks() const;
     void PaintEffectBackgrounds();
+    void PaintLineMarkers(QPainter& Painter, const QRect& Dirty);
+    void PaintChangedCounts(QPainter& Painter, const QRect& Dirty);
+    void FollowLineCount(int iPosition);
+    int BlockAt(const QPoint& Position) const;
     void ReplayHistory(bool bRedo);
 
     CLineNumberArea* m_pLineNumberArea;
@@ -132,7 +153,11 @@ private:
     EShaderDocType m_eDocType = DocType_PlainText;
     QList<QTextEdit::ExtraSelection> m_FindHighlights;
     QList<QTextEdit::ExtraSelection> m_CursorMatchHighlights;
-    CZamTArray<int> m_CycleCounts{16};
+    QList<QTextEdit::ExtraSelection> m_SourceLineHighlights;
+    std::unique_ptr<CCompileMarks> m_pMarks;
+    std::unique_ptr<CCycleCountLines> m_pCounts;
+    int m_iEditsBehind = 0;
+    int m_iBlockCount = 1;       // as of the last edit, to keep the counts on their lines
     int m_iWidestLineDigits = 0; // the widest the gutters have been
     int m_iWidestCycleDigits = 0;
     Settings::SEditor m_EditorSettings;

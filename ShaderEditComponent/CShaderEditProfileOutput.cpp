@@ -1,5 +1,6 @@
 #include "CShaderEditProfileOutput.h"
 
+#include "CompileChange.h"
 #include "OutputViewSupport.h"
 #include "ShaderEditComponent/compile/controller/CShaderEditController.h"
 
@@ -73,7 +74,16 @@ void CShaderEditProfileOutput::SetupUi()
     pOuter->addWidget(pContainer);
 
     auto* pLayout = new QVBoxLayout(pContainer);
+    m_pStale = new QLabel(pContainer);
+    m_pStale->setObjectName(QStringLiteral("StaleLabel"));
+    m_pStale->hide();
+    pLayout->addWidget(m_pStale);
     pLayout->addWidget(CreateGlobalEstimates(pContainer));
+    m_pChange = new QLabel(pContainer);
+    m_pChange->setObjectName(QStringLiteral("ChangeLabel"));
+    m_pChange->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_pChange->setWordWrap(true);
+    pLayout->addWidget(m_pChange);
     m_Selector =
         CreateShaderSelector(pContainer, "ShaderSelectLayout", "ShaderSelectorLabel", "ShaderSelectorComboBox");
     pLayout->addLayout(m_Selector.pLayout);
@@ -138,6 +148,24 @@ void CShaderEditProfileOutput::Reset()
         pValue->setText(QStringLiteral("-"));
     ShowShaderSelector(m_Selector, false);
     ShowWorstCaseRow(false);
+    m_pChange->clear();
+    m_pChange->hide();
+    ShowStale(0);
+}
+
+void CShaderEditProfileOutput::ShowStale(int iEditsBehind)
+{
+    const bool bStale = iEditsBehind > 0;
+    m_pStale->setText(bStale ? DescribeStaleResult(iEditsBehind) : QString());
+    m_pStale->setVisible(bStale);
+    // Greyed, so that the figures are not taken for those of the text at hand.
+    const QColor Text = palette().color(bStale ? QPalette::Disabled : QPalette::Active, QPalette::WindowText);
+    for (QLabel* pValue : m_apValues)
+    {
+        QPalette Palette = pValue->palette();
+        Palette.setColor(QPalette::WindowText, Text);
+        pValue->setPalette(Palette);
+    }
 }
 
 void CShaderEditProfileOutput::ShowWorstCaseRow(bool bShow)
@@ -164,6 +192,8 @@ void CShaderEditProfileOutput::OnCompileResults(const SCompileResult& Results)
 {
     Reset();
     m_Profiles = Results.Profiles;
+    m_PreviousProfiles = Results.PreviousProfiles;
+    ShowStale(Results.iEditsBehind);
     if (m_Profiles.GetSize() >= 2)
     {
         FillShaderSelector(m_Selector, m_Profiles);
@@ -200,11 +230,16 @@ void CShaderEditProfileOutput::OnPopulateResults(int iIndex)
     SetFigure(Figure_PrimaryAttribs, Profile.iPrimaryAttributes);
     SetFigure(Figure_NonDepend, Profile.iNonDependentTextureReads);
     SetFigure(Figure_GlobalTXC, Profile.iGeneratedInstructions);
+
+    const QString Change = DescribeFigureChange(FindProfileNamed(m_PreviousProfiles, Profile.Name), Profile);
+    m_pChange->setText(Change.isEmpty() ? QString() : tr("Last change: %1").arg(Change));
+    m_pChange->setVisible(!Change.isEmpty());
 }
 
 void CShaderEditProfileOutput::OnClearResults()
 {
     m_Profiles = CZamTArray<SCompileResult::SProfile>();
+    m_PreviousProfiles = CZamTArray<SCompileResult::SProfile>();
     ClearShaderSelector(m_Selector);
     Reset();
 }

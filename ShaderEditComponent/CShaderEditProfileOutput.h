@@ -13,7 +13,9 @@ class QFormLayout;
 class QLabel;
 
 // The performance figures of the last compile: totals, compiler and version, and the
-// figures of one shader, picked with a selector when an effect file yields several.
+// figures of one shader, picked with a selector when an effect file yields several, with how
+// the last change moved them. A last good result shown for text that does not compile is
+// greyed and says how many edits ago it was.
 class CShaderEditProfileOutput : public QFrame
 {
     Q_OBJECT
@@ -51,10 +53,14 @@ private:
     void Reset();
     void ShowWorstCaseRow(bool bShow);
     void SetFigure(EFigure eFigure, int iValue);
+    void ShowStale(int iEditsBehind);
 
     std::array<QLabel*, Figure_Count> m_apCaptions{};
     std::array<QLabel*, Figure_Count> m_apValues{};
     SShaderSelector m_Selector;
     QFormLayout* m_pForm = nullptr;
     CZamTArray<SCompileResult::SProfile> m_Profiles;
+    CZamTArray<SCompileResult::SProfile> m_PreviousProfiles;
+    QLabel* m_pStale = nullptr;
+    QLabel* m_pChange = nullptr;
 };

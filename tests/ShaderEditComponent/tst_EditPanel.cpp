@@ -27,6 +27,8 @@ private slots:
     void CycleGutterNeverShowsTheFirstLine();
     void TextNeverMovesSideways();
     void CountsGoWithTheCompiledType();
+    void CountsStayOnTheirLinesAndShowWhatMoved();
+    void MessagesMarkTheirLines();
 
     void Keys_data();
     void Keys();
@@ -50,8 +52,8 @@ std::unique_ptr<CShaderEditPanel> CEditPanelTest::MakePanel(EShaderDocType eType
                                                             const QString* pText)
 {
     const QByteArray Name = FileName.toUtf8();
-    auto pPanel = std::make_unique<CShaderEditPanel>(nullptr, CZamTString(Name.constData()), pText, eType,
-                                                     m_pHighlight.get());
+    auto pPanel =
+        std::make_unique<CShaderEditPanel>(nullptr, CZamTString(Name.constData()), pText, eType, m_pHighlight.get());
     pPanel->resize(600, 400);
     pPanel->show();
     return pPanel;
@@ -109,9 +111,8 @@ void CEditPanelTest::CycleGutterTakesOnlyItsOwnCounts()
     auto pPanel = MakePanel(DocType_GLSLESVertex, QStringLiteral("/tmp/a.vsh"));
     pPanel->setPlainText(QStringLiteral("a\nb\nc"));
     const float fNine = static_cast<float>(pPanel->fontMetrics().horizontalAdvance(QLatin1Char('9')));
-    auto Width = [fNine](int iDigits) {
-        return static_cast<int>(std::ceil(fNine * (static_cast<float>(iDigits) + 1.5f)));
-    };
+    auto Width = [fNine](int iDigits)
+    { return static_cast<int>(std::ceil(fNine * (static_cast<float>(iDigits) + 1.5f))); };
     QCOMPARE(pPanel->CycleCountAreaWidth(), Width(1));
 
     CZamTArray<int> Counts;
@@ -133,7 +134,8 @@ void CEditPanelTest::CycleGutterNeverShowsTheFirstLine()
     auto pPanel = MakePanel(DocType_GLSLESVertex);
     pPanel->setPlainText(QStringLiteral("a\nb"));
     CLineNumberArea* pGutter = pPanel->findChildren<CLineNumberArea*>().at(1);
-    auto HasInk = [pGutter]() {
+    auto HasInk = [pGutter]()
+    {
         const QImage Image = pGutter->grab().toImage();
         for (int y = 0; y < Image.height(); ++y)
             for (int x = 0; x < Image.width(); ++x)
@@ -219,6 +221,155 @@ void CEditPanelTest::CountsGoWithTheCompiledType()
     }
 }
 
+namespace
+{
+CZamTArray<int> CountsOf(std::initializer_list<int> Values)
+{
+    CZamTArray<int> Counts;
+    for (const int iValue : Values)
+        Counts.Append(iValue);
+    return Counts;
+}
+
+QList<int> ListOf(const CZamTArray<int>& Counts)
+{
+    QList<int> List;
+    for (uint32_t ui = 0; ui < Counts.GetSize(); ++ui)
+        List.append(Counts[ui]);
+    return List;
+}
+
+void TypeAt(CShaderEditPanel* pPanel, int iBlock, int iColumn, const QString& Text)
+{
+    QTextCursor Cursor(pPanel->document()->findBlockByNumber(iBlock));
+    Cursor.setPosition(Cursor.position() + iColumn);
+    Cursor.insertText(Text);
+}
+
+// The wavy underlines in the text edit, as (0-based line, colour).
+QList<QPair<int, QColor>> Underlines(const CShaderEditPanel* pPanel)
+{
+    QList<QPair<int, QColor>> Lines;
+    for (const QTextEdit::ExtraSelection& Selection : pPanel->extraSelections())
+    {
+        // A selection whose text was deleted draws nothing.
+        if (Selection.format.underlineStyle() == QTextCharFormat::WaveUnderline && Selection.cursor.hasSelection())
+            Lines.append({Selection.cursor.block().blockNumber(), Selection.format.underlineColor()});
+    }
+    return Lines;
+}
+} // namespace
+
+void CEditPanelTest::CountsStayOnTheirLinesAndShowWhatMoved()
+{
+    auto pPanel = MakePanel(DocType_GLSLESFragment, QStringLiteral("/tmp/moves.fsh"));
+    pPanel->setPlainText(QStringLiteral("l1\nl2\nl3\nl4\nl5"));
+    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), CountsOf({-1, 2, 3, 4, 5}));
+    // The first counts replace nothing, so nothing has moved.
+    for (int i = 0; i < 5; ++i)
+        QVERIFY(!pPanel->HasCycleCountChanged(i));
+
+    // Return at the start of line 2 pushes it down; in the middle of line 4 splits it.
+    TypeAt(pPanel.get(), 1, 0, QStringLiteral("\n"));
+    QCOMPARE(ListOf(pPanel->GetCycleCounts()), (QList<int>{-1, -1, 2, 3, 4, 5}));
+    TypeAt(pPanel.get(), 4, 1, QStringLiteral("\nnew"));
+    QCOMPARE(ListOf(pPanel->GetCycleCounts()), (QList<int>{-1, -1, 2, 3, 4, -1, 5}));
+    // Deleting two whole lines takes their counts; joining a line to the one above keeps the upper one's.
+    QTextCursor Cursor(pPanel->document()->findBlockByNumber(2));
+    Cursor.setPosition(pPanel->document()->findBlockByNumber(4).position(), QTextCursor::KeepAnchor);
+    Cursor.removeSelectedText();
+    QCOMPARE(ListOf(pPanel->GetCycleCounts()), (QList<int>{-1, -1, 4, -1, 5}));
+    Cursor.setPosition(pPanel->document()->findBlockByNumber(4).position());
+    Cursor.deletePreviousChar();
+    QCOMPARE(ListOf(pPanel->GetCycleCounts()), (QList<int>{-1, -1, 4, -1}));
+    QCOMPARE(pPanel->toPlainText(), QStringLiteral("l1\n\nl\nnew4l5"));
+
+    // The next counts are compared line by line with the moved ones.
+    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), CountsOf({-1, -1, 4, 9}));
+    QVERIFY(!pPanel->HasCycleCountChanged(2));
+    QVERIFY(pPanel->HasCycleCountChanged(3));
+    CLineNumberArea* pGutter = pPanel->findChildren<CLineNumberArea*>().at(1);
+    const int iRowHeight = pPanel->fontMetrics().height();
+    const QImage Image = pGutter->grab().toImage();
+    const QPoint Changed(
+        2, static_cast<int>(pPanel->cursorRect(QTextCursor(pPanel->document()->findBlockByNumber(3))).center().y()));
+    const QPoint Kept(2, Changed.y() - iRowHeight);
+    QVERIFY(Image.pixelColor(Changed) != Image.pixelColor(Kept));
+    QCOMPARE(pPanel->GutterToolTip(CLineNumberArea::Kind_CycleCounts, Changed), QStringLiteral("9 cycles, was none"));
+    QVERIFY(pPanel->GutterToolTip(CLineNumberArea::Kind_CycleCounts, Kept).isEmpty());
+
+    // A stale result greys the counts and says so.
+    SCompileResult Stale;
+    Stale.iEditsBehind = 3;
+    pPanel->OnPanelResultChanged(pPanel->GetPanelID(), Stale);
+    QCOMPARE(pPanel->GetEditsBehind(), 3);
+    QVERIFY(pPanel->GutterToolTip(CLineNumberArea::Kind_CycleCounts, Kept).contains(QStringLiteral("3 edits ago")));
+    QCOMPARE(ListOf(pPanel->GetCycleCounts()), (QList<int>{-1, -1, 4, 9}));
+}
+
+void CEditPanelTest::MessagesMarkTheirLines()
+{
+    auto pPanel = MakePanel(DocType_GLSLESFragment, QStringLiteral("/tmp/marks.fsh"));
+    pPanel->setPlainText(QStringLiteral("void main()\n{\n    x = 1;\n\n    y = 2;  \n}"));
+    Settings::SCompiler Compiler;
+    Compiler.ErrorFormat = Settings::MakeForegroundFormat(0xFFCC0000);
+    Compiler.WarningFormat = Settings::MakeForegroundFormat(0xFFDD8800);
+    pPanel->OnCompilerSettingsChanged(Compiler, 0);
+
+    SCompileResult Result;
+    Result.Messages = {{3, SCompileMessage::Severity_Error, QStringLiteral("ERROR: 0:3: 'x' : undeclared identifier")},
+                       {5, SCompileMessage::Severity_Warning, QStringLiteral("WARNING: 0:5: unused")},
+                       {5, SCompileMessage::Severity_Error, QStringLiteral("ERROR: 0:5: 'y' : undeclared identifier")},
+                       {4, SCompileMessage::Severity_Warning, QStringLiteral("WARNING: 0:4: blank line")},
+                       {0, SCompileMessage::Severity_Error, QStringLiteral("ERROR: no line")},
+                       {99, SCompileMessage::Severity_Error, QStringLiteral("ERROR: 0:99: past the end")}};
+    pPanel->OnPanelResultChanged(CZamTHash("/tmp/other.fsh"), Result);
+    QVERIFY(Underlines(pPanel.get()).isEmpty());
+    pPanel->OnPanelResultChanged(pPanel->GetPanelID(), Result);
+
+    // The line's text is underlined, blanks at either end left out; the error's colour is drawn last.
+    const QColor Red(0xCC, 0, 0);
+    const QColor Amber(0xDD, 0x88, 0);
+    QCOMPARE(Underlines(pPanel.get()), (QList<QPair<int, QColor>>{{4, Amber}, {2, Red}, {4, Red}}));
+    for (const QTextEdit::ExtraSelection& Selection : pPanel->extraSelections())
+    {
+        if (Selection.cursor.block().blockNumber() == 4)
+            QCOMPARE(Selection.cursor.selectedText(), QStringLiteral("y = 2;"));
+    }
+    QCOMPARE(pPanel->GetCompileMessages(4),
+             QStringLiteral("ERROR: 0:5: 'y' : undeclared identifier\nWARNING: 0:5: unused"));
+    QCOMPARE(pPanel->GetCompileMessages(3), QStringLiteral("WARNING: 0:4: blank line"));
+    QVERIFY(pPanel->GetCompileMessages(0).isEmpty());
+
+    // The line gutter shows a marker in the message's colour at the marked lines only.
+    CLineNumberArea* pGutter = pPanel->findChildren<CLineNumberArea*>().at(0);
+    auto MarkerAt = [&](int iBlock)
+    {
+        const int iY = pPanel->cursorRect(QTextCursor(pPanel->document()->findBlockByNumber(iBlock))).center().y();
+        return pGutter->grab().toImage().pixelColor(0, iY);
+    };
+    QCOMPARE(MarkerAt(2), Red);
+    QCOMPARE(MarkerAt(3), Amber);
+    QVERIFY(MarkerAt(1) != Red && MarkerAt(1) != Amber);
+    const QPoint OnLine3(5, pPanel->cursorRect(QTextCursor(pPanel->document()->findBlockByNumber(2))).center().y());
+    QVERIFY(pPanel->GutterToolTip(CLineNumberArea::Kind_LineNumbers, OnLine3).contains(QStringLiteral("'x'")));
+
+    // Marks move with edits; a deleted line takes its marks along.
+    TypeAt(pPanel.get(), 0, 0, QStringLiteral("// added\n"));
+    QCOMPARE(pPanel->GetCompileMessages(3), QStringLiteral("ERROR: 0:3: 'x' : undeclared identifier"));
+    QTextCursor Line(pPanel->document()->findBlockByNumber(3));
+    Line.movePosition(QTextCursor::NextBlock, QTextCursor::KeepAnchor);
+    Line.removeSelectedText();
+    QVERIFY(pPanel->GetCompileMessages(2).isEmpty());
+    QCOMPARE(pPanel->GetCompileMessages(3), QStringLiteral("WARNING: 0:4: blank line"));
+    QCOMPARE(Underlines(pPanel.get()).size(), 2);
+
+    // The next result replaces them all.
+    pPanel->OnPanelResultChanged(pPanel->GetPanelID(), SCompileResult());
+    QVERIFY(Underlines(pPanel.get()).isEmpty());
+    QVERIFY(pPanel->GetCompileMessages(4).isEmpty());
+}
+
 void CEditPanelTest::Keys_data()
 {
     QTest::addColumn<QString>("Before");
@@ -232,15 +383,19 @@ void CEditPanelTest::Keys_data()
     const int Shift = Qt::ShiftModifier;
     const int Ctrl = Qt::ControlModifier;
 
-    QTest::newRow("return copies tab and spaces") << "\t  foo|" << int(Qt::Key_Return) << None << false << 4 << "\t  foo\n\t  |";
-    QTest::newRow("return inside a line") << "  foo|bar" << int(Qt::Key_Return) << None << false << 4 << "  foo\n  |bar";
+    QTest::newRow("return copies tab and spaces")
+        << "\t  foo|" << int(Qt::Key_Return) << None << false << 4 << "\t  foo\n\t  |";
+    QTest::newRow("return inside a line")
+        << "  foo|bar" << int(Qt::Key_Return) << None << false << 4 << "  foo\n  |bar";
     QTest::newRow("return without blanks") << "foo|" << int(Qt::Key_Return) << None << false << 4 << "foo\n|";
     QTest::newRow("return on a blank line") << "\t|" << int(Qt::Key_Return) << None << false << 4 << "\t\n\t|";
 
     QTest::newRow("tab inserts a tab") << "ab|" << int(Qt::Key_Tab) << None << false << 4 << "ab\t|";
     QTest::newRow("tab as spaces") << "ab|" << int(Qt::Key_Tab) << None << true << 3 << "ab   |";
-    QTest::newRow("tab as spaces does not pad to a stop") << "abc|" << int(Qt::Key_Tab) << None << true << 4 << "abc    |";
-    QTest::newRow("tab replaces a one-line selection") << "a<bc|d" << int(Qt::Key_Tab) << None << true << 4 << "a    |d";
+    QTest::newRow("tab as spaces does not pad to a stop")
+        << "abc|" << int(Qt::Key_Tab) << None << true << 4 << "abc    |";
+    QTest::newRow("tab replaces a one-line selection")
+        << "a<bc|d" << int(Qt::Key_Tab) << None << true << 4 << "a    |d";
     QTest::newRow("tab size 0 inserts nothing") << "ab|" << int(Qt::Key_Tab) << None << true << 0 << "ab|";
 
     QTest::newRow("home from the text") << "  foo b|ar" << int(Qt::Key_Home) << None << false << 4 << "  |foo bar";
@@ -250,10 +405,10 @@ void CEditPanelTest::Keys_data()
     QTest::newRow("home on a blank line") << "|   " << int(Qt::Key_Home) << None << false << 4 << "   |";
     QTest::newRow("home without blanks") << "foo bar|" << int(Qt::Key_Home) << None << false << 4 << "|foo bar";
     QTest::newRow("shift+home selects") << "  foo b|ar" << int(Qt::Key_Home) << Shift << false << 4 << "  |foo b<ar";
-    QTest::newRow("ctrl+home stays in the line") << "x\n\n\n\n\n\n  int a|;" << int(Qt::Key_Home) << Ctrl << false << 4
-                                                 << "x\n\n\n\n\n\n  |int a;";
-    QTest::newRow("ctrl+home from the blanks") << "x\n\n\n\n\n\n | int a;" << int(Qt::Key_Home) << Ctrl << false << 4
-                                               << "|x\n\n\n\n\n\n  int a;";
+    QTest::newRow("ctrl+home stays in the line")
+        << "x\n\n\n\n\n\n  int a|;" << int(Qt::Key_Home) << Ctrl << false << 4 << "x\n\n\n\n\n\n  |int a;";
+    QTest::newRow("ctrl+home from the blanks")
+        << "x\n\n\n\n\n\n | int a;" << int(Qt::Key_Home) << Ctrl << false << 4 << "|x\n\n\n\n\n\n  int a;";
 }
 
 void CEditPanelTest::Keys()
@@ -378,7 +533,8 @@ void CEditPanelTest::DocumentTypeDetectionAndChange()
 void CEditPanelTest::EffectBlocksGetTheirBackground()
 {
     const QString Effect = QStringLiteral("[HEADER]\n  VERSION 1\n[/HEADER]\n\n\n");
-    auto BackgroundAt = [](CShaderEditPanel* pPanel, int iBlock) {
+    auto BackgroundAt = [](CShaderEditPanel* pPanel, int iBlock)
+    {
         const QTextBlock Block = pPanel->document()->findBlockByNumber(iBlock);
         const QRect Line = pPanel->cursorRect(QTextCursor(Block));
         return pPanel->viewport()->grab().toImage().pixelColor(pPanel->viewport()->width() - 20, Line.center().y());
