@@ -30,7 +30,10 @@
 #include <QMimeData>
 #include <QPrintDialog>
 #include <QStatusBar>
+#include <QTimer>
 #include <QUrl>
+
+#include <utility>
 
 namespace
 {
@@ -50,8 +53,11 @@ SShaderEditControllerOptions EditControllerOptions(CGUIController& GUI, const SE
     SShaderEditControllerOptions EditOptions;
     EditOptions.pPreferences = &GUI.GetPreferences();
     EditOptions.CompilerSearchPaths = Options.CompilerSearchPaths;
+    EditOptions.bDeferDetection = true; // started by the first paint
     return EditOptions;
 }
+
+constexpr int s_iDetectionFallbackMs = 1000;
 } // namespace
 
 ZamShaderEditorWindow::ZamShaderEditorWindow(const SEditorWindowOptions& Options)
@@ -95,6 +101,17 @@ ZamShaderEditorWindow::ZamShaderEditorWindow(const SEditorWindowOptions& Options
         resize(1280, 800);
     }
     OnCompilerFlagsChanged(m_pEditController->GetCompilerFlags());
+    // A window that is never painted (kept hidden, minimised at start) still compiles.
+    QTimer::singleShot(s_iDetectionFallbackMs, m_pEditController.get(), &CShaderEditController::StartCompilerDetection);
+}
+
+bool ZamShaderEditorWindow::event(QEvent* pEvent)
+{
+    // Compiler processes and the session's compiles start once the window is on screen, so
+    // they never stand between the user and the first picture.
+    if (pEvent->type() == QEvent::Paint && !std::exchange(m_bPainted, true))
+        QTimer::singleShot(0, m_pEditController.get(), &CShaderEditController::StartCompilerDetection);
+    return QMainWindow::event(pEvent);
 }
 
 ZamShaderEditorWindow::~ZamShaderEditorWindow()

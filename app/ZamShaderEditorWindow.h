@@ -78,6 +78,7 @@ public slots:
     void OnCompilerFlagsChanged(uint uiFlags);
 
 protected:
+    bool event(QEvent* pEvent) override;
     void closeEvent(QCloseEvent* pEvent) override;
     void dragEnterEvent(QDragEnterEvent* pEvent) override;
     void dropEvent(QDropEvent* pEvent) override;
@@ -122,4 +123,5 @@ private:
     // compiler's answer can come after the stored layout has been applied.
     bool m_bASMWanted = true;
     bool m_bApplyingFlags = false;
+    bool m_bPainted = false;
 };

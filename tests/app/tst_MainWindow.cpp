@@ -68,6 +68,7 @@ private slots:
     void RecentFilesAndAppMessages();
     void OutputDocksShowRealCompiles();
     void LogDoubleClickMovesTheCursor();
+    void CompilersStartAfterTheFirstPicture();
 
 private:
     QString NewFile(const QString& Name, const QByteArray& Text = s_pFragment);
@@ -443,6 +444,26 @@ void CMainWindowTest::LogDoubleClickMovesTheCursor()
     CShaderEditPanel* pPanel = pWindow->GetEditor()->GetCurrentPanel();
     QCOMPARE(pPanel->textCursor().blockNumber() + 1, 6);
     QVERIFY(pPanel->hasFocus());
+}
+
+
+void CMainWindowTest::CompilersStartAfterTheFirstPicture()
+{
+    const QString Path = NewFile(QStringLiteral("held.frag"), "void main() { gl_FragColor = vec4(1.0); }\n");
+    {
+        // No compiler process is started while the window is being built and painted.
+        auto pWindow = NewWindow(*m_pGUI, {Path});
+        QVERIFY(pWindow->GetEditController()->IsDetectingCompilers());
+        QVERIFY(pWindow->GetEditController()->GetCompilerPath().isEmpty());
+        pWindow->show();
+        QVERIFY(QTest::qWaitForWindowExposed(pWindow.get()));
+        QTRY_VERIFY_WITH_TIMEOUT(!pWindow->GetEditController()->GetCompilerPath().isEmpty(), 5000);
+    }
+    // A window that is never painted still compiles its files.
+    auto pHidden = NewWindow(*m_pGUI, {Path});
+    auto* pLog = pHidden->findChild<QPlainTextEdit*>(QStringLiteral("ShaderEditLogOutput"));
+    QVERIFY(pLog);
+    QTRY_VERIFY_WITH_TIMEOUT(pLog->toPlainText().contains(QStringLiteral("Compile succeeded")), 20000);
 }
 
 QTEST_MAIN(CMainWindowTest)

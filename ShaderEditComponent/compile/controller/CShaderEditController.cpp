@@ -45,7 +45,9 @@ CShaderEditController::CShaderEditController(const SShaderEditControllerOptions&
             [this](const QString&, const SCompilerDetection& Detection) { OnCompilerDetected(Detection); });
     connect(m_pOpenCLDetector, &CCompilerDetector::Detected, this,
             [this](const QString&, const SCompilerDetection& Detection) { OnOpenCLCompilerDetected(Detection); });
-    DetectCompilers();
+    m_bDetectionHeld = Options.bDeferDetection;
+    if (!m_bDetectionHeld)
+        DetectCompilers();
 }
 
 CShaderEditController::~CShaderEditController()
@@ -115,8 +117,16 @@ void CShaderEditController::DetectCompilers()
     RunCompilerDetection();
 }
 
+void CShaderEditController::StartCompilerDetection()
+{
+    if (std::exchange(m_bDetectionHeld, false))
+        DetectCompilers();
+}
+
 void CShaderEditController::RunCompilerDetection()
 {
+    if (m_bDetectionHeld)
+        return; // the held detection reads the settings when it starts
     m_CompilerPath = ResolveCompilerPath(m_Compiler, m_SearchPaths);
     if (m_CompilerPath.isEmpty())
     {
@@ -147,11 +157,12 @@ void CShaderEditController::OnOpenCLCompilerDetected(const SCompilerDetection& D
 
 bool CShaderEditController::IsDetectingCompilers() const
 {
-    return m_pDetector->IsBusy() || m_pOpenCLDetector->IsBusy();
+    return m_bDetectionHeld || m_pDetector->IsBusy() || m_pOpenCLDetector->IsBusy();
 }
 
 void CShaderEditController::WaitForCompilerDetection()
 {
+    StartCompilerDetection();
     m_pOpenCLDetector->WaitForResult();
     m_pDetector->WaitForResult();
 }

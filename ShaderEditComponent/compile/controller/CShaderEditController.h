@@ -36,6 +36,10 @@ struct SShaderEditControllerOptions
     // Replaces the stored compiler selection for this controller only; -1 keeps it.
     qint64 iCompilerSelection = -1;
     int iDetectionTimeoutMs = DefaultDetectionTimeoutMs;
+    // The window asks the compilers about themselves only once it has painted, so starting
+    // processes and compiling the restored session never delay its first picture. Until
+    // StartCompilerDetection(), detection counts as under way and compiles wait.
+    bool bDeferDetection = false;
     qint64 iOutputCap = -1; // -1: the runner's default cap
 };
 
@@ -72,8 +76,10 @@ public:
     // selection or the custom path changes; until they have answered (or run out of time),
     // the detection above is the previous one and compiles wait, without blocking anything.
     bool IsDetectingCompilers() const;
-    // Blocks until the detections under way have been reported. For the command-line compile
-    // and for tests; the window never calls it.
+    // Starts a detection held back by bDeferDetection; does nothing otherwise.
+    void StartCompilerDetection();
+    // Blocks until the detections under way (a held one included) have been reported. For the
+    // command-line compile and for tests; the window never calls it.
     void WaitForCompilerDetection();
     const CZamTArray<SFileFormatSpecifier>& GetFileFormats() const { return m_FileFormats; }
     const QString& GetFileDialogFilter() const { return m_FileDialogFilter; }
@@ -159,6 +165,7 @@ private:
     unsigned int m_uiCompilerFlags = 0;
     CCompilerDetector* m_pDetector = nullptr;
     CCompilerDetector* m_pOpenCLDetector = nullptr;
+    bool m_bDetectionHeld = false;
     QVector<SDeferredCompile> m_Deferred;
 
     QThread* m_pThread = nullptr;
