@@ -1,28 +1,40 @@
 #include "COutputHighlighter_p.h"
 
+#include "ShaderEditComponent/highlighting/PaletteColours.h"
+
+#include <QGuiApplication>
+
 namespace
 {
 const QLatin1String s_Error("ERROR");
 const QLatin1String s_Warning("WARNING");
+
+// The built-in colours are made for a light log; under a dark palette they turn lighter.
+QTextCharFormat ForPalette(QTextCharFormat Format)
+{
+    Format.setForeground(ColourForPalette(Format.foreground().color(), QGuiApplication::palette()));
+    return Format;
+}
 } // namespace
 
 COutputHighlighter::COutputHighlighter(QTextDocument* pDocument, const Settings::SCompiler& Compiler)
     : QSyntaxHighlighter(pDocument)
     , m_bShouldFormat(Compiler.bShouldFormat)
-    , m_ErrorFormat(Compiler.ErrorFormat)
-    , m_WarningFormat(Compiler.WarningFormat)
+    , m_ErrorFormat(ForPalette(Compiler.ErrorFormat))
+    , m_WarningFormat(ForPalette(Compiler.WarningFormat))
     , m_Message(QStringLiteral("\\b(ERROR|WARNING).*"), Qt::CaseSensitive, QRegExp::RegExp)
 {
 }
 
 void COutputHighlighter::SetSettings(const Settings::SCompiler& Compiler)
 {
-    if (Compiler.bShouldFormat == m_bShouldFormat && Compiler.ErrorFormat == m_ErrorFormat
-        && Compiler.WarningFormat == m_WarningFormat)
+    const QTextCharFormat Error = ForPalette(Compiler.ErrorFormat);
+    const QTextCharFormat Warning = ForPalette(Compiler.WarningFormat);
+    if (Compiler.bShouldFormat == m_bShouldFormat && Error == m_ErrorFormat && Warning == m_WarningFormat)
         return;
     m_bShouldFormat = Compiler.bShouldFormat;
-    m_ErrorFormat = Compiler.ErrorFormat;
-    m_WarningFormat = Compiler.WarningFormat;
+    m_ErrorFormat = Error;
+    m_WarningFormat = Warning;
     rehighlight();
 }
 

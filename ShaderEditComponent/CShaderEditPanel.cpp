@@ -5,6 +5,7 @@
 #include "CompileMarks_p.h"
 #include "EditDocumentLayout_p.h"
 #include "ShaderEditComponent/compile/model/ZamStringConversion.h"
+#include "ShaderEditComponent/highlighting/PaletteColours.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlighter.h"
 #include "TextCommands_p.h"
@@ -353,14 +354,14 @@ void CShaderEditPanel::PaintGutter(QPaintEvent* pEvent, int iKind)
     CLineNumberArea* pArea = iKind == CLineNumberArea::Kind_LineNumbers ? m_pLineNumberArea : m_pCycleCountArea;
     QPainter Painter(pArea);
     const QRect Dirty = pEvent->rect();
-    Painter.fillRect(Dirty,
-                     iKind == CLineNumberArea::Kind_LineNumbers ? QColor(Qt::lightGray) : QColor(191, 215, 215, 255));
+    const SGutterColours Colours = GutterColours(palette());
+    Painter.fillRect(Dirty, iKind == CLineNumberArea::Kind_LineNumbers ? Colours.LineNumbers : Colours.CycleCounts);
     if (iKind == CLineNumberArea::Kind_LineNumbers)
         PaintLineMarkers(Painter, Dirty);
     else
         PaintChangedCounts(Painter, Dirty);
     // Stale counts are those of the last text that compiled.
-    Painter.setPen(iKind == CLineNumberArea::Kind_CycleCounts && m_iEditsBehind > 0 ? Qt::gray : Qt::black);
+    Painter.setPen(iKind == CLineNumberArea::Kind_CycleCounts && m_iEditsBehind > 0 ? QColor(Qt::gray) : Colours.Text);
     Painter.setFont(font());
     const int iWidth = pArea->width();
     const int iTextHeight = fontMetrics().height();

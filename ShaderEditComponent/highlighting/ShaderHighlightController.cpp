@@ -2,8 +2,11 @@
 
 #include "Common/ZamPreferences/ZamPreferences.h"
 #include "HighlightingLog_p.h"
+#include "PaletteColours.h"
 
 #include <QColor>
+#include <QEvent>
+#include <QGuiApplication>
 
 namespace
 {
@@ -56,6 +59,7 @@ CShaderHighlightController::CShaderHighlightController(QObject* pParent)
     if (!m_pStore->Load(&TriedPath, &Error))
         qCDebug(lcZamHighlighting, "Failed to load Preference file: %s", qPrintable(Error));
     Load();
+    FollowApplicationPalette();
 }
 
 CShaderHighlightController::CShaderHighlightController(CZamPreferences* pStore, QObject* pParent)
@@ -64,6 +68,7 @@ CShaderHighlightController::CShaderHighlightController(CZamPreferences* pStore, 
 {
     Q_ASSERT(m_pStore);
     Load();
+    FollowApplicationPalette();
 }
 
 CShaderHighlightController::~CShaderHighlightController() = default;
@@ -93,6 +98,10 @@ void CShaderHighlightController::Load()
         m_Defaults[i].Name = Row.pName;
         m_Defaults[i].Format = MakeHighlightFormat(Row.uiForeground, Row.uiBackground, Row.bBold, Row.bUnderline);
         m_Defaults[i].bSet = true;
+        const SHighlightElementRow& Dark = GetDarkHighlightElementRow(i);
+        m_DarkDefaults[i].Name = Row.pName;
+        m_DarkDefaults[i].Format = MakeHighlightFormat(Dark.uiForeground, Dark.uiBackground, Dark.bBold, Dark.bUnderline);
+        m_DarkDefaults[i].bSet = true;
     }
     LoadFont();
 }
@@ -137,7 +146,7 @@ const QTextCharFormat& CShaderHighlightController::GetFormat(unsigned int uiElem
 {
     if (uiElement >= ElementCount)
         return EmptyFormat();
-    return m_Current[uiElement].bSet ? m_Current[uiElement].Format : m_Defaults[uiElement].Format;
+    return m_Current[uiElement].bSet ? m_Current[uiElement].Format : GetDefaultFormat(uiElement);
 }
 
 const QTextCharFormat& CShaderHighlightController::GetCurrentFormat(unsigned int uiElement) const
@@ -147,7 +156,35 @@ const QTextCharFormat& CShaderHighlightController::GetCurrentFormat(unsigned int
 
 const QTextCharFormat& CShaderHighlightController::GetDefaultFormat(unsigned int uiElement) const
 {
-    return uiElement < ElementCount ? m_Defaults[uiElement].Format : EmptyFormat();
+    if (uiElement >= ElementCount)
+        return EmptyFormat();
+    return m_bDark ? m_DarkDefaults[uiElement].Format : m_Defaults[uiElement].Format;
+}
+
+void CShaderHighlightController::SetDarkDefaults(bool bDark)
+{
+    if (bDark == m_bDark)
+        return;
+    m_bDark = bDark;
+    emit SyntaxColoursChanged();
+}
+
+// Without a GUI application (the headless compile) there is no palette and the light scheme
+// stands.
+void CShaderHighlightController::FollowApplicationPalette()
+{
+    if (!qGuiApp)
+        return;
+    m_bDark = IsDarkPalette(QGuiApplication::palette());
+    qGuiApp->installEventFilter(this);
+}
+
+bool CShaderHighlightController::eventFilter(QObject* pWatched, QEvent* pEvent)
+{
+    // A filter on the application sees every object's events; only its own palette news counts.
+    if (pWatched == qGuiApp && pEvent->type() == QEvent::ApplicationPaletteChange)
+        SetDarkDefaults(IsDarkPalette(QGuiApplication::palette()));
+    return QObject::eventFilter(pWatched, pEvent);
 }
 
 bool CShaderHighlightController::IsCustomised(unsigned int uiElement) const

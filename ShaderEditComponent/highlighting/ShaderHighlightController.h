@@ -31,7 +31,12 @@ public:
     // The format the highlighter uses: the customised one if set, else the default.
     const QTextCharFormat& GetFormat(unsigned int uiElement) const;
     const QTextCharFormat& GetCurrentFormat(unsigned int uiElement) const;
+    // The built-in format for the palette in use: the light scheme, or its dark variant while
+    // the application's palette is dark.
     const QTextCharFormat& GetDefaultFormat(unsigned int uiElement) const;
+    bool IsUsingDarkDefaults() const { return m_bDark; }
+    // Follows the application's palette unless told otherwise here; a switch re-colours.
+    void SetDarkDefaults(bool bDark);
     bool IsCustomised(unsigned int uiElement) const;
     CZamTString GetElementName(unsigned int uiElement) const;
     const QFont& GetFont() const { return m_Font; }
@@ -42,6 +47,9 @@ public:
 signals:
     void SyntaxColoursChanged();
     void FontChanged(const QFont& Font);
+
+protected:
+    bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
 
 public slots:
     // Both save at once, like every other setting.
@@ -58,10 +66,13 @@ private:
 
     void Load();
     void LoadFont();
+    void FollowApplicationPalette();
 
     std::unique_ptr<CZamPreferences> m_pOwnedStore;
     CZamPreferences* m_pStore;
     std::array<SSchemeEntry, ElementCount> m_Current;
     std::array<SSchemeEntry, ElementCount> m_Defaults;
+    std::array<SSchemeEntry, ElementCount> m_DarkDefaults;
+    bool m_bDark = false;
     QFont m_Font;
 };
