@@ -30,14 +30,16 @@ void* ThreadEntry(void* pArgument)
 } // namespace
 
 bool CompileSource(const std::string& source, ETxeStage eStage, const SCoreModel& core, const SSourceLimits& limits,
-                   SCompilation& compilation)
+                   SCompilation& compilation, const SPreprocessorOptions& options)
 {
     compilation = SCompilation();
     if (!CheckSourceText(source, limits, compilation.aDiagnostics))
         return false;
 
     SParsedShader parsed;
-    if (!ParseShader(source, eStage, limits, parsed, compilation.aDiagnostics))
+    const bool bParsed = ParseShader(source, eStage, limits, parsed, compilation.aDiagnostics, options);
+    compilation.aIncludedFiles = parsed.aIncludedFiles;
+    if (!bParsed)
         return false;
     if (!LowerShader(*parsed.pIntermediate, eStage, limits, compilation.program, compilation.aDiagnostics))
         return false;

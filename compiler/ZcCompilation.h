@@ -7,6 +7,7 @@
 #include "ZcAnalysis.h"
 #include "ZcCores.h"
 #include "ZcDiagnostics.h"
+#include "ZcIncludes.h"
 #include "ZcSourceLimits.h"
 
 #include <map>
@@ -24,13 +25,14 @@ struct SCompilation
     std::map<int, long long> mapLineCycles;
     SPathCycles paths;
     int iTemporaries = 0;
+    std::vector<std::string> aIncludedFiles; // every header read, also when the compile failed
     bool bSucceeded = false;
 };
 
 // Needs a live CFrontEndProcess. Runs on the calling thread; deep input needs a large stack
 // (see RunWithLargeStack).
 bool CompileSource(const std::string& source, ETxeStage eStage, const SCoreModel& core, const SSourceLimits& limits,
-                   SCompilation& compilation);
+                   SCompilation& compilation, const SPreprocessorOptions& options = SPreprocessorOptions());
 
 // Runs the function on a thread with a generous stack; false if no thread could be made.
 bool RunWithLargeStack(void (*pFunction)(void*), void* pContext);

@@ -26,7 +26,10 @@ std::string FormatDiagnostic(const SDiagnostic& diagnostic)
 {
     std::string text = diagnostic.eSeverity == Severity_Error ? "ERROR: " : "WARNING: ";
     if (diagnostic.iLine >= 0)
-        text += "0:" + std::to_string(diagnostic.iLine) + ": ";
+    {
+        text += diagnostic.file.empty() ? std::string("0") : diagnostic.file;
+        text += ":" + std::to_string(diagnostic.iLine) + ": ";
+    }
     // A message must stay on one line: the editor reads the log line by line.
     for (char c : diagnostic.text)
         text += (c == '\n' || c == '\r') ? ' ' : c;

@@ -6,6 +6,8 @@
 #include "ZcSourceLimits.h"
 #include "ZcWriters.h"
 
+#include <sys/stat.h>
+
 #include <cctype>
 #include <optional>
 #include <system_error>
@@ -22,13 +24,37 @@ struct SCompileJob
     const std::string* pSource;
     ETxeStage eStage;
     const SCoreModel* pCore;
+    const SPreprocessorOptions* pOptions;
     SCompilation* pCompilation;
 };
 
 void CompileJob(void* pContext)
 {
     SCompileJob* pJob = static_cast<SCompileJob*>(pContext);
-    CompileSource(*pJob->pSource, pJob->eStage, *pJob->pCore, DefaultSourceLimits(), *pJob->pCompilation);
+    CompileSource(*pJob->pSource, pJob->eStage, *pJob->pCore, DefaultSourceLimits(), *pJob->pCompilation,
+                  *pJob->pOptions);
+}
+
+// The headers a compile read, one path a line, so a caller can tell which files it depends on.
+// Written whatever the outcome: a header with an error is what the user is about to fix.
+bool WriteIncludedFiles(const SCommandLine& commandLine, const SCompilation& compilation, std::string& output)
+{
+    if (compilation.aIncludedFiles.empty())
+        return true;
+    std::string text;
+    for (const std::string& file : compilation.aIncludedFiles)
+        text += file + "\n";
+    std::string error;
+    if (WriteFile(commandLine.outputBase + ".deps", text, error))
+        return true;
+    output += "ERROR: cannot write '" + commandLine.outputBase + ".deps': " + error + "\n";
+    return false;
+}
+
+std::string FolderOf(const std::string& path)
+{
+    const std::size_t uiSlash = path.rfind('/');
+    return uiSlash == std::string::npos ? std::string() : path.substr(0, uiSlash == 0 ? 1 : uiSlash);
 }
 
 bool EndsWith(const std::string& text, const std::string& suffix)
@@ -199,6 +225,12 @@ int ReadCompileRequest(const std::vector<std::string>& aArgs, const std::string&
     case CommandLine_Compile:
         break;
     }
+    for (const std::string& folder : commandLine.aIncludeFolders)
+    {
+        struct stat info;
+        if (stat(folder.c_str(), &info) != 0 || !S_ISDIR(info.st_mode))
+            return Fail(output, "the include folder '" + folder + "' is not a folder");
+    }
 
     const SSourceLimits& limits = DefaultSourceLimits();
     switch (ReadFileBounded(commandLine.input, limits.uiMaxBytes, source, error))
@@ -279,17 +311,21 @@ int RunGlslCompiler(const std::string& programPath, const std::vector<std::strin
 
     SCommandLine commandLine;
     std::string source;
-    const int iStatus = ReadCompileRequest(aArgs, GlslBanner(core), commandLine, source, output);
+    const int iStatus = ReadCompileRequest(aArgs, GlslBanner(core), commandLine, source, output, true);
     if (iStatus != Request_Compile)
         return iStatus;
 
     const ETxeStage eStage = commandLine.bVertex     ? Stage_Vertex
                              : commandLine.bFragment ? Stage_Fragment
                                                      : GuessStage(commandLine.input, source);
+    SPreprocessorOptions options;
+    options.ownFolder = FolderOf(commandLine.input);
+    options.aIncludeFolders = commandLine.aIncludeFolders;
+    options.aDefines = commandLine.aDefines;
     SCompilation compilation;
     {
         CFrontEndProcess process;
-        SCompileJob job{&source, eStage, &core, &compilation};
+        SCompileJob job{&source, eStage, &core, &options, &compilation};
         if (!RunWithLargeStack(&CompileJob, &job))
             return Fail(output, "cannot start the compiler thread");
     }
@@ -300,7 +336,7 @@ int RunGlslCompiler(const std::string& programPath, const std::vector<std::strin
             continue;
         output += FormatDiagnostic(diagnostic) + "\n";
     }
-    if (!compilation.bSucceeded)
+    if (!WriteIncludedFiles(commandLine, compilation, output) || !compilation.bSucceeded)
     {
         output += "Compile failed.\n";
         return 1;

@@ -22,26 +22,35 @@ std::string Trim(const std::string& text)
     return text.substr(uiBegin, uiEnd - uiBegin + 1);
 }
 
-bool ParseLocation(const std::string& rest, int& iLine, std::string& message)
+bool IsDigits(const std::string& text, std::size_t uiBegin, std::size_t uiEnd)
 {
-    // "<string>:<line>: message"
-    std::size_t uiColon = rest.find(':');
-    if (uiColon == std::string::npos || uiColon == 0)
+    if (uiEnd <= uiBegin)
         return false;
-    std::size_t uiLineEnd = rest.find(':', uiColon + 1);
-    if (uiLineEnd == std::string::npos || uiLineEnd == uiColon + 1)
-        return false;
-    for (std::size_t i = 0; i < uiLineEnd; ++i)
+    for (std::size_t i = uiBegin; i < uiEnd; ++i)
     {
-        if (i != uiColon && (rest[i] < '0' || rest[i] > '9'))
+        if (text[i] < '0' || text[i] > '9')
             return false;
     }
-    const std::string lineText = rest.substr(uiColon + 1, uiLineEnd - uiColon - 1);
-    if (lineText.size() > 9)
-        return false;
-    iLine = std::stoi(lineText);
-    message = Trim(rest.substr(uiLineEnd + 1));
     return true;
+}
+
+// "<string>:<line>: message", where <string> is the source number or the path of an
+// included header (which may hold colons itself: the first ":<digits>:" ends it).
+bool ParseLocation(const std::string& rest, int& iLine, std::string& file, std::string& message)
+{
+    for (std::size_t uiColon = rest.find(':', 1); uiColon != std::string::npos; uiColon = rest.find(':', uiColon + 1))
+    {
+        const std::size_t uiLineEnd = rest.find(':', uiColon + 1);
+        if (uiLineEnd == std::string::npos)
+            return false;
+        if (!IsDigits(rest, uiColon + 1, uiLineEnd) || uiLineEnd - uiColon - 1 > 9)
+            continue;
+        file = IsDigits(rest, 0, uiColon) ? std::string() : rest.substr(0, uiColon);
+        iLine = std::stoi(rest.substr(uiColon + 1, uiLineEnd - uiColon - 1));
+        message = Trim(rest.substr(uiLineEnd + 1));
+        return true;
+    }
+    return false;
 }
 
 int FindVersionLine(const std::string& source)
@@ -129,7 +138,7 @@ CDiagnosticList ParseInfoLog(const std::string& log)
             rest.find("compilation terminated") != std::string::npos)
             continue;
 
-        if (!ParseLocation(rest, diagnostic.iLine, diagnostic.text))
+        if (!ParseLocation(rest, diagnostic.iLine, diagnostic.file, diagnostic.text))
         {
             diagnostic.iLine = -1;
             diagnostic.text = rest;
@@ -203,16 +212,21 @@ int MeasureTreeDepth(TIntermNode* pRoot, int& iLine)
 }
 
 bool ParseShader(const std::string& source, ETxeStage eStage, const SSourceLimits& limits, SParsedShader& parsed,
-                 CDiagnosticList& aDiagnostics)
+                 CDiagnosticList& aDiagnostics, const SPreprocessorOptions& options)
 {
     const EShLanguage eLanguage = eStage == Stage_Vertex ? EShLangVertex : EShLangFragment;
     parsed.pShader = std::make_unique<glslang::TShader>(eLanguage);
     const char* pText = source.data();
     const int iLength = static_cast<int>(source.size());
     parsed.pShader->setStringsWithLengths(&pText, &iLength, 1);
+    const std::string preamble = Preamble(options);
+    parsed.pShader->setPreamble(preamble.c_str());
 
     // A source without #version is GLSL ES 1.00.
-    const bool bParsed = parsed.pShader->parse(GetDefaultResources(), 100, EEsProfile, false, false, EShMsgDefault);
+    CIncluder includer(options, limits);
+    const bool bParsed =
+        parsed.pShader->parse(GetDefaultResources(), 100, EEsProfile, false, false, EShMsgDefault, includer);
+    parsed.aIncludedFiles = includer.Files();
     CDiagnosticList aLog = ParseInfoLog(parsed.pShader->getInfoLog());
     aDiagnostics.insert(aDiagnostics.end(), aLog.begin(), aLog.end());
     parsed.pIntermediate = parsed.pShader->getIntermediate();
@@ -242,6 +256,7 @@ bool ParseShader(const std::string& source, ETxeStage eStage, const SSourceLimit
                  "expressions nest too deeply: the limit is " + std::to_string(limits.iMaxTreeDepth) + " levels");
         return false;
     }
+    includer.MoveToDocumentLines(source, parsed.pIntermediate->getTreeRoot());
     return true;
 }
 

@@ -4,10 +4,12 @@
 
 #include "TxeIsa.h"
 #include "ZcDiagnostics.h"
+#include "ZcIncludes.h"
 #include "ZcSourceLimits.h"
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace glslang
 {
@@ -38,10 +40,12 @@ struct SParsedShader
     std::unique_ptr<glslang::TShader> pShader;
     glslang::TIntermediate* pIntermediate = nullptr;
     int iVersion = 0;
+    std::vector<std::string> aIncludedFiles; // the headers read, each once
 };
 
+// Code from included headers is counted against the document line of its #include.
 bool ParseShader(const std::string& source, ETxeStage eStage, const SSourceLimits& limits, SParsedShader& parsed,
-                 CDiagnosticList& aDiagnostics);
+                 CDiagnosticList& aDiagnostics, const SPreprocessorOptions& options = SPreprocessorOptions());
 
 CDiagnosticList ParseInfoLog(const std::string& log);
 

@@ -110,6 +110,8 @@ std::string FormatProfile(const std::map<int, long long>& mapLineCounts, long lo
         out.Put("line: ");
         out.Integer(iLine);
         out.Put(", count: ");
+    text += " -D NAME[=VALUE]  define a macro for the shader\n";
+    text += " -I DIR    search DIR for #include \"...\" and <...> headers\n";
         out.Integer(llCount);
         out.Put('\n');
         llTotal += llCount;

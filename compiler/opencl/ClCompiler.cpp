@@ -9,7 +9,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace ZamCompiler
@@ -74,7 +73,7 @@ bool WriteIrProfile(const std::string& path, const std::string& ir, const std::s
 
 } // namespace
 
-CDiagnosticList ParseClangDiagnostics(const std::string& text)
+CDiagnosticList ParseClangDiagnostics(const std::string& text, const std::string& input)
 {
     CDiagnosticList aDiagnostics;
     for (const std::string& line : SplitLines(text))
@@ -107,6 +106,9 @@ CDiagnosticList ParseClangDiagnostics(const std::string& text)
             {
                 diagnostic.iLine = static_cast<int>(llLine);
                 diagnostic.iColumn = static_cast<int>(llColumn);
+                const std::string file = line.substr(0, uiLineColon);
+                if (!input.empty() && file != input)
+                    diagnostic.file = file;
             }
             else
             {
@@ -205,12 +207,6 @@ int RunClCompiler(const std::string& programPath, const std::vector<std::string>
     if (!CheckSourceText(source, DefaultSourceLimits(), aLimits))
         return Fail(output, FormatDiagnostic(aLimits.front()).substr(7));
 
-    for (const std::string& folder : commandLine.aIncludeFolders)
-    {
-        struct stat info;
-        if (stat(folder.c_str(), &info) != 0 || !S_ISDIR(info.st_mode))
-            return Fail(output, "the include folder '" + folder + "' is not a folder");
-    }
     const std::string clang = FindClang();
     if (clang.empty())
         return Fail(output, "clang was not found: install the clang package to compile OpenCL kernels");
@@ -223,7 +219,7 @@ int RunClCompiler(const std::string& programPath, const std::vector<std::string>
     if (!RunProcess(clang, ClangArguments(commandLine, irPath), k_uiMaxDiagnosticBytes, k_iClangTimeoutSeconds, diagnosticsText, iExitCode))
         return Fail(output, "clang could not be run or did not finish: " + clang);
 
-    const CDiagnosticList aDiagnostics = ParseClangDiagnostics(diagnosticsText);
+    const CDiagnosticList aDiagnostics = ParseClangDiagnostics(diagnosticsText, commandLine.input);
     bool bErrors = iExitCode != 0;
     for (const SDiagnostic& diagnostic : aDiagnostics)
     {

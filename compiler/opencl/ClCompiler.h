@@ -13,8 +13,9 @@
 namespace ZamCompiler
 {
 
-// "file.cl:12:5: error: text" lines; notes and summaries are dropped.
-CDiagnosticList ParseClangDiagnostics(const std::string& text);
+// "file.cl:12:5: error: text" lines; notes and summaries are dropped. A line in a file other
+// than input (an included header) keeps that file's name.
+CDiagnosticList ParseClangDiagnostics(const std::string& text, const std::string& input = std::string());
 
 struct SIrProfile
 {

@@ -77,6 +77,7 @@ private slots:
     void badInputGivesOneError();
     void commandLineErrors_data();
     void commandLineErrors();
+    void includedHeaders();
     void openClBannerAndOptions();
     void openClKernels();
     void openClDefinesAndIncludeFolders();
@@ -132,7 +133,7 @@ void CCompilerCliTest::bannerIsDetectedByTheEditorPatterns()
         for (int iPos = option.indexIn(run.output, iHeader + 12); iPos >= 0;
              iPos = option.indexIn(run.output, iPos + option.matchedLength()))
             options << option.cap(1);
-        QCOMPARE(options, (QStringList{"v", "f", "nowarn", "profile", "perfsim", "disasm"}));
+        QCOMPARE(options, (QStringList{"v", "f", "nowarn", "profile", "perfsim", "disasm", "D", "I"}));
     }
 }
 
@@ -275,6 +276,82 @@ void CCompilerCliTest::commandLineErrors()
     QVERIFY(!run.output.contains("Success."));
 }
 
+void CCompilerCliTest::includedHeaders()
+{
+    QDir work(m_work.path());
+    QVERIFY(work.mkpath("inc/doc") && work.mkpath("inc/lib/deeper") && work.mkpath("inc/sys"));
+    const QString lib = work.filePath("inc/lib");
+    QVERIFY(WriteBytes(lib + "/light.glsl", "// lighting\n"
+                                            "float lambert(vec3 n, vec3 l)\n"
+                                            "{\n"
+                                            "    return max(dot(n, l), 0.0);\n"
+                                            "}\n"
+                                            "#include \"deeper/tone.glsl\"\n"));
+    // Found beside the header that includes it, not beside the document.
+    QVERIFY(WriteBytes(lib + "/deeper/tone.glsl", "vec3 tonemap(vec3 c)\n{\n    return c / (c + vec3(1.0));\n}\n"));
+    QVERIFY(WriteBytes(work.filePath("inc/sys/scale.glsl"), "#define SCALE 2.0\n"));
+    const QByteArray document = "#version 300 es\n"
+                                "precision mediump float;\n"
+                                "#include \"light.glsl\"\n"
+                                "#include <scale.glsl>\n"
+                                "in vec3 vNormal;\n"
+                                "out vec4 color;\n"
+                                "void main()\n"
+                                "{\n"
+                                "    float d = lambert(normalize(vNormal), vec3(0.0, 0.0, 1.0)) * SCALE * GAIN;\n"
+                                "    color = vec4(tonemap(vec3(d)), 1.0);\n"
+                                "}\n";
+    const QString input = work.filePath("inc/doc/main.frag");
+    QVERIFY(WriteBytes(input, document));
+    const QString base = work.filePath("inc/out");
+    const QStringList folders{"-I", lib, "-I", work.filePath("inc/sys")};
+
+    SRun run = Run("glslcompiler_zc1", QStringList{input, "main", base, "-profile", "-disasm", "-DGAIN=0.5"} + folders);
+    QCOMPARE(run.output, QString("Success.\n"));
+    QFile deps(base + ".deps");
+    QVERIFY(deps.open(QIODevice::ReadOnly));
+    QCOMPARE(QString::fromUtf8(deps.readAll()),
+             lib + "/light.glsl\n" + lib + "/deeper/tone.glsl\n" + work.filePath("inc/sys/scale.glsl") + "\n");
+    // The headers' code counts on the line that includes them; no line beyond the document's.
+    QFile profile(base + ".prof");
+    QVERIFY(profile.open(QIODevice::ReadOnly));
+    const QString profileText = QString::fromUtf8(profile.readAll());
+    QRegularExpression lineCount("line: (\\d+), count: (\\d+)");
+    QSet<int> lines;
+    for (auto it = lineCount.globalMatch(profileText); it.hasNext();)
+        lines.insert(it.next().captured(1).toInt());
+    QCOMPARE(lines, (QSet<int>{3, 9, 10}));
+    QFile listing(base + ".disasm");
+    QVERIFY(listing.open(QIODevice::ReadOnly));
+    QVERIFY(QString::fromUtf8(listing.readAll()).contains(QRegularExpression("\\n +\\d+ +3 +\\d+  rcp ")));
+
+    // An error in a header names the header and its own line; the dependencies are written.
+    QVERIFY(WriteBytes(lib + "/deeper/tone.glsl", "vec3 tonemap(vec3 c)\n{\n    return c + undefinedThing;\n}\n"));
+    QFile::remove(base + ".deps");
+    run = Run("glslcompiler_zc1", QStringList{input, "main", base, "-DGAIN=1.0"} + folders);
+    QCOMPARE(run.iExitCode, 1);
+    QVERIFY2(run.output.startsWith("ERROR: " + lib + "/deeper/tone.glsl:3: 'undefinedThing' : undeclared identifier\n"),
+             qPrintable(run.output));
+    QVERIFY(QFile::exists(base + ".deps"));
+    QVERIFY(WriteBytes(lib + "/deeper/tone.glsl", "vec3 tonemap(vec3 c)\n{\n    return c;\n}\n"));
+
+    // A missing header is reported at its directive with the folders searched; <> never looks
+    // beside the document; a header including itself ends with one error.
+    run = Run("glslcompiler_zc1", QStringList{input, "main", base, "-I", lib});
+    QVERIFY2(run.output.startsWith("ERROR: 0:4: '#include' : not found in " + lib), qPrintable(run.output));
+    QVERIFY(WriteBytes(work.filePath("inc/doc/scale.glsl"), "#define SCALE 1.0\n"));
+    run = Run("glslcompiler_zc1", QStringList{input, "main", base, "-I", lib});
+    QVERIFY2(run.output.startsWith("ERROR: 0:4: '#include' : not found in " + lib), qPrintable(run.output));
+    QVERIFY(WriteBytes(work.filePath("inc/doc/loop.glsl"), "#include \"loop.glsl\"\n"));
+    QVERIFY(WriteBytes(input, "#include \"loop.glsl\"\nvoid main() {}\n"));
+    run = Run("glslcompiler_zc1", {input, "main", base});
+    QCOMPARE(run.iExitCode, 1);
+    QCOMPARE(CountErrorLines(run.output), 1);
+    QVERIFY2(run.output.contains("headers nest more than 16 deep"), qPrintable(run.output));
+    run = Run("glslcompiler_zc1", {input, "main", base, "-I", work.filePath("inc/missing")});
+    QCOMPARE(run.output, "ERROR: the include folder '" + work.filePath("inc/missing") + "' is not a folder\nCompile failed.\n");
+}
+
 void CCompilerCliTest::openClBannerAndOptions()
 {
     const SRun run = Run("clcompiler_zc1", {});
@@ -359,9 +436,11 @@ void CCompilerCliTest::openClDefinesAndIncludeFolders()
     QVERIFY2(run.output.startsWith("ERROR: -D needs a macro name"), qPrintable(run.output));
     run = Run("clcompiler_zc1", {kernel, "scaled", base, "-I"});
     QCOMPARE(run.output, QString("ERROR: -I needs a folder\n"));
-    // The GLSL compilers have no preprocessor options.
-    run = Run("glslcompiler_zc1", {kernel, "scaled", base, "-DFACTOR=3"});
-    QCOMPARE(run.iExitCode, 2);
+
+    // A message about a header's line names the header, so it is not taken for the kernel's.
+    QVERIFY(WriteBytes(m_work.filePath("my headers/scale.h"), "\nint broken = ;\n"));
+    run = Run("clcompiler_zc1", {kernel, "scaled", base, "-I", headers, "-DFACTOR=3"});
+    QVERIFY2(run.output.startsWith("ERROR: " + headers + "/scale.h:2: "), qPrintable(run.output));
 }
 
 void CCompilerCliTest::openClWithoutClang()
