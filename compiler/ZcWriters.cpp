@@ -97,6 +97,8 @@ std::string GlslBanner(const SCoreModel& core)
     text += " -profile  write per-line cycle counts to <output base>.prof\n";
     text += " -perfsim  print the performance estimate\n";
     text += " -disasm   write the TXE assembly to <output base>.disasm\n";
+    text += " -D NAME[=VALUE]  define a macro for the shader\n";
+    text += " -I DIR    search DIR for #include \"...\" and <...> headers\n";
     return text;
 }
 
@@ -110,8 +112,6 @@ std::string FormatProfile(const std::map<int, long long>& mapLineCounts, long lo
         out.Put("line: ");
         out.Integer(iLine);
         out.Put(", count: ");
-    text += " -D NAME[=VALUE]  define a macro for the shader\n";
-    text += " -I DIR    search DIR for #include \"...\" and <...> headers\n";
         out.Integer(llCount);
         out.Put('\n');
         llTotal += llCount;
