@@ -80,3 +80,27 @@ bench-startup: configure
 bench-instance: configure
 	cmake --build $(BUILD_DIR) -j $(JOBS) --target bench_instance
 	./$(BUILD_DIR)/bench/bench_instance
+
+# The Debian package: the editor, its bundled compilers, manual, examples and desktop files,
+# as build/packages/zamshadereditor_<version>_<arch>.deb. dpkg-shlibdeps (dpkg-dev) finds
+# the shared libraries it needs.
+DEB_TARGETS := zamshadereditor glslcompiler_zc1 glslcompiler_zc2 glslcompiler_zc3 glslcompiler_zd1 \
+	clcompiler_zc1 ZamUserManual ZamExamples
+.PHONY: deb
+deb: configure
+	@dpkg-query -W -f='$${Status}' dpkg-dev 2>/dev/null | grep -q 'install ok installed' || { \
+	  sudo=""; [ "$$(id -u)" -eq 0 ] || sudo=sudo; \
+	  $$sudo apt-get update -qq && DEBIAN_FRONTEND=noninteractive $$sudo apt-get install -y -qq --no-install-recommends dpkg-dev; }
+	cmake --build $(BUILD_DIR) -j $(JOBS) --target $(DEB_TARGETS)
+	rm -f $(BUILD_DIR)/packages/zamshadereditor_*.deb
+	cd $(BUILD_DIR) && cpack -G DEB
+	dpkg-deb --info $(BUILD_DIR)/packages/zamshadereditor_*.deb | grep -E '^ (Package|Version|Depends|Recommends):'
+
+# Installs that package into a fresh Debian 12 root (debootstrap, kept between runs) and
+# checks that it starts and compiles a shader there. Needs root and the Debian mirror.
+.PHONY: deb-check
+deb-check: deb
+	@command -v debootstrap >/dev/null || { \
+	  sudo=""; [ "$$(id -u)" -eq 0 ] || sudo=sudo; \
+	  $$sudo apt-get update -qq && DEBIAN_FRONTEND=noninteractive $$sudo apt-get install -y -qq --no-install-recommends debootstrap; }
+	./scripts/deb-check.sh $(BUILD_DIR)/packages/zamshadereditor_*.deb

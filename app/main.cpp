@@ -6,6 +6,7 @@
 #include "app/instance/InstanceMessage.h"
 #include "CommandLine_p.h"
 #include "Common/ZamPreferences/ZamPreferences.h"
+#include "DesktopIntegration.h"
 #include "ShaderEditComponent/compile/controller/HeadlessCompile.h"
 #include "ShaderEditComponent/compile/model/MetaTypes.h"
 #include "ShaderEditComponent/IconResources.h"
@@ -55,6 +56,7 @@ int main(int argc, char** argv)
 
     QApplication::setApplicationName(QStringLiteral("ZamShaderEditor"));
     QApplication::setOrganizationName(QStringLiteral("Brenmoor Systems"));
+    SetUpDesktopIntegration();
     RegisterCompileMetaTypes();
     ZamShaderEditorWindow Window;
     QObject::connect(&App, &CSingleApplication::FileOpenEvent, &Window, &ZamShaderEditorWindow::OnOpenFile);

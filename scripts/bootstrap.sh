@@ -10,6 +10,7 @@ packages=(
   libegl1 libegl-mesa0 libegl-dev libgles-dev libgl1-mesa-dri
   python3
   xvfb xauth
+  desktop-file-utils appstream shared-mime-info
 )
 
 missing=()

@@ -15,7 +15,7 @@ QString OpenCLCompilerBaseName()
 QStringList DefaultCompilerSearchPaths()
 {
     const QString Own = QCoreApplication::applicationDirPath();
-    return {Own, QDir::cleanPath(Own + QStringLiteral("/../libexec/zamshadereditor"))};
+    return {Own, QDir::cleanPath(Own + QStringLiteral("/" ZAM_LIBEXEC_FROM_BIN))};
 }
 
 QString FindBundledCompiler(const QString& BaseName, const QStringList& SearchPaths)

@@ -14,7 +14,7 @@ constexpr quint32 CustomCompilerSelection = 4;
 [[nodiscard]] QString OpenCLCompilerBaseName();
 
 // Where bundled compilers are looked for, in order: the running executable's folder, then
-// the install's libexec folder ("<prefix>/libexec/zamshadereditor").
+// the install's libexec folder ("<prefix>/libexec/zamshadereditor", from GNUInstallDirs).
 [[nodiscard]] QStringList DefaultCompilerSearchPaths();
 
 // The first executable file named BaseName in the search paths; empty when there is none.
