@@ -3,17 +3,21 @@
 
 #include <QDir>
 #include <QDirIterator>
+#include <QGuiApplication>
+#include <QIcon>
 #include <QImage>
+#include <QPixmap>
 #include <QtTest>
 
-// Every compiled-in icon: a drawing of its own, rendered at the size its name gives, under
-// the names the program asks for.
+// Every compiled-in icon: a drawing of its own, rendered at the size its name gives and at
+// twice that size for screens scaled to 200 %, under the names the program asks for.
 class CIconsTest : public QObject
 {
     Q_OBJECT
 
 private slots:
     void EveryDrawingIsCompiledIn();
+    void ScaledScreensGetTheLargeRendering();
 };
 
 void CIconsTest::EveryDrawingIsCompiledIn()
@@ -31,15 +35,19 @@ void CIconsTest::EveryDrawingIsCompiledIn()
 
     const QDir Drawings(TestFiles::SourceDir() + QStringLiteral("/resources/icons"));
     const QStringList Names = Drawings.entryList({QStringLiteral("*.svg")}, QDir::Files);
-    QCOMPARE(Names.size(), Compiled.size());
+    QCOMPARE(2 * Names.size(), Compiled.size());
     for (const QString& File : Names)
     {
         const QString Name = QFileInfo(File).completeBaseName();
-        const QImage Icon(Compiled.value(Name));
-        QVERIFY2(!Icon.isNull(), qPrintable(Name));
         const int iSize = Name.section(QLatin1Char('_'), -1).toInt();
-        QCOMPARE(Icon.size(), QSize(iSize, iSize));
-        QCOMPARE(qAlpha(Icon.pixel(0, 0)), 0); // drawn shapes on transparency, not a filled square
+        for (int iScale : {1, 2})
+        {
+            const QString Key = iScale == 1 ? Name : Name + QStringLiteral("@2x");
+            const QImage Icon(Compiled.value(Key));
+            QVERIFY2(!Icon.isNull(), qPrintable(Key));
+            QCOMPARE(Icon.size(), QSize(iScale * iSize, iScale * iSize));
+            QCOMPARE(qAlpha(Icon.pixel(0, 0)), 0); // drawn shapes on transparency, not a filled square
+        }
     }
 
     // The places the program looks them up.
@@ -50,5 +58,28 @@ void CIconsTest::EveryDrawingIsCompiledIn()
              QStringLiteral(":/ZamShaderEditor/Icons"));
 }
 
-QTEST_MAIN(CIconsTest)
+void CIconsTest::ScaledScreensGetTheLargeRendering()
+{
+    InitIconResources();
+    QCOMPARE(qApp->devicePixelRatio(), 2.0);
+    // What a tool button asks for at 200 %: 24 logical pixels at a device pixel ratio of 2.
+    // The icon must hand out the 48-pixel drawing, not the 24-pixel one blown up.
+    const QIcon Icon(QStringLiteral(":/Icons/compile_24.png"));
+    const QPixmap Scaled = Icon.pixmap(QSize(24, 24), 2.0);
+    QCOMPARE(Scaled.size(), QSize(48, 48));
+    // Compared as a pixmap holds them (premultiplied), so rounding cannot tell them apart.
+    QImage Large(QStringLiteral(":/Icons/compile_24@2x.png"));
+    Large.setDevicePixelRatio(2.0);
+    QCOMPARE(Scaled.toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied),
+             Large.convertToFormat(QImage::Format_ARGB32_Premultiplied));
+}
+
+int main(int iArgc, char** ppArgv)
+{
+    // The program as it runs on a screen scaled to 200 %.
+    qputenv("QT_SCALE_FACTOR", "2");
+    QGuiApplication App(iArgc, ppArgv);
+    CIconsTest Test;
+    return QTest::qExec(&Test, iArgc, ppArgv);
+}
 #include "tst_Icons.moc"
