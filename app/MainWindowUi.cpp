@@ -95,7 +95,45 @@ QString Translate(const char* pText)
 {
     return pText ? QApplication::translate("MainWindow", pText) : QString();
 }
+
+// Keys for actions the window gives none: the desktop's own where it has them, else a common
+// choice. A key another action already holds stays with that action (on most desktops Save As
+// would take Save All's Ctrl+Shift+S).
+struct SStandardShortcut
+{
+    QAction* SMainWindowUi::*pMember;
+    QKeySequence::StandardKey eKey;
+    const char* pFallback;
+};
+
+const SStandardShortcut s_StandardShortcuts[] = {
+    {&SMainWindowUi::actionOpen, QKeySequence::Open, "Ctrl+O"},
+    {&SMainWindowUi::actionSave_As, QKeySequence::SaveAs, nullptr},
+    {&SMainWindowUi::actionClose, QKeySequence::Close, "Ctrl+W"},
+    {&SMainWindowUi::actionClose_All, QKeySequence::UnknownKey, "Ctrl+Shift+W"},
+    {&SMainWindowUi::actionQuit, QKeySequence::Quit, "Ctrl+Q"},
+    {&SMainWindowUi::actionUndo, QKeySequence::Undo, "Ctrl+Z"},
+    {&SMainWindowUi::actionRedo, QKeySequence::Redo, "Ctrl+Shift+Z"},
+    {&SMainWindowUi::actionCut, QKeySequence::Cut, "Ctrl+X"},
+    {&SMainWindowUi::actionCopy, QKeySequence::Copy, "Ctrl+C"},
+    {&SMainWindowUi::actionPaste, QKeySequence::Paste, "Ctrl+V"},
+    {&SMainWindowUi::actionPreferences, QKeySequence::Preferences, "Ctrl+,"},
+};
 } // namespace
+
+QList<QKeySequence> StandardShortcuts(QKeySequence::StandardKey eKey, const QKeySequence& Fallback,
+                                      const QList<QKeySequence>& Taken)
+{
+    QList<QKeySequence> Keys;
+    for (const QKeySequence& Key : QKeySequence::keyBindings(eKey))
+    {
+        if (!Taken.contains(Key))
+            Keys << Key;
+    }
+    if (Keys.isEmpty() && !Fallback.isEmpty() && !Taken.contains(Fallback))
+        Keys << Fallback;
+    return Keys;
+}
 
 void SMainWindowUi::Setup(QMainWindow* pWindow)
 {
@@ -126,10 +164,6 @@ void SMainWindowUi::CreateActions(QMainWindow* pWindow)
     // The find bar's dock reports its visibility into this action.
     actionFind->setCheckable(true);
 
-    // Where the platform has its own keys for these, they are what a user presses.
-    actionOpen->setShortcuts(QKeySequence::Open);
-    actionClose->setShortcuts(QKeySequence::Close);
-    actionQuit->setShortcuts(QKeySequence::Quit);
     actionQuit->setMenuRole(QAction::QuitRole);
     actionPreferences->setMenuRole(QAction::PreferencesRole);
     actionAbout->setMenuRole(QAction::AboutRole);
@@ -217,6 +251,7 @@ void SMainWindowUi::Retranslate()
     // actions do, and the keys follow the texts.
     actionOutdent_Selection->setShortcut(QKeySequence(Qt::Key_Tab));
     actionIndent_Selection->setShortcut(QKeySequence(Qt::SHIFT | Qt::Key_Tab));
+    SetStandardShortcuts();
     menuFile->setTitle(Translate("File"));
     menuOpen_Recent->setTitle(Translate("Open Recent"));
     menuEdit->setTitle(Translate("Edit"));
@@ -224,6 +259,24 @@ void SMainWindowUi::Retranslate()
     menuView->setTitle(Translate("View"));
     menuHelp->setTitle(Translate("Help"));
     mainToolBar->setWindowTitle(Translate("mainToolBar"));
+}
+
+void SMainWindowUi::SetStandardShortcuts()
+{
+    QList<QKeySequence> Taken;
+    for (const SActionText& Text : s_Texts)
+    {
+        if (Text.pShortcut)
+            Taken << QKeySequence(Translate(Text.pShortcut));
+    }
+    Taken << QKeySequence(Qt::Key_Tab) << QKeySequence(Qt::SHIFT | Qt::Key_Tab);
+    for (const SStandardShortcut& Standard : s_StandardShortcuts)
+    {
+        const QList<QKeySequence> Keys = StandardShortcuts(
+            Standard.eKey, QKeySequence(Translate(Standard.pFallback)), Taken);
+        (this->*(Standard.pMember))->setShortcuts(Keys);
+        Taken << Keys;
+    }
 }
 
 QList<QAction*> SMainWindowUi::DocumentActions() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QKeySequence>
 #include <QList>
 
 class QAction;
@@ -64,4 +65,9 @@ private:
     void CreateActions(QMainWindow* pWindow);
     void FillMenus(QMainWindow* pWindow);
     void FillToolBar(QMainWindow* pWindow);
+    void SetStandardShortcuts();
 };
+
+// The desktop's keys for eKey, less those in Taken; Fallback (unless taken) when that leaves none.
+[[nodiscard]] QList<QKeySequence> StandardShortcuts(QKeySequence::StandardKey eKey, const QKeySequence& Fallback,
+                                                    const QList<QKeySequence>& Taken);

@@ -60,6 +60,7 @@ private slots:
     void initTestCase();
     void init();
     void MenusToolBarAndActions();
+    void EveryKeyBelongsToOneAction();
     void ActionsReachTheEditor();
     void CommandsFollowTheEditor();
     void SessionAndCloseSequence();
@@ -143,6 +144,35 @@ void CMainWindowTest::MenusToolBarAndActions()
         DockNames << pDock->objectName();
     QCOMPARE(DockNames.size(), QSet<QString>(DockNames.begin(), DockNames.end()).size());
     QVERIFY(pWindow->findChild<QDockWidget*>(QStringLiteral("FindDock"))->isHidden());
+}
+
+void CMainWindowTest::EveryKeyBelongsToOneAction()
+{
+    auto pWindow = NewWindow(*m_pGUI);
+    const SMainWindowUi& Ui = pWindow->GetUi();
+    QHash<QKeySequence, QString> Owners;
+    for (const QAction* pAction : pWindow->findChildren<QAction*>())
+    {
+        for (const QKeySequence& Key : pAction->shortcuts())
+        {
+            QVERIFY2(!Owners.contains(Key), qPrintable(Key.toString() + " of " + pAction->objectName() + " and "
+                                                         + Owners.value(Key)));
+            Owners.insert(Key, pAction->objectName());
+        }
+    }
+    // The everyday commands have keys even where the desktop names none (as here, offscreen).
+    for (const QAction* pAction : {Ui.actionOpen, Ui.actionClose, Ui.actionClose_All, Ui.actionQuit, Ui.actionUndo,
+                                   Ui.actionRedo, Ui.actionCut, Ui.actionCopy, Ui.actionPaste, Ui.actionPreferences})
+        QVERIFY2(!pAction->shortcut().isEmpty(), qPrintable(pAction->objectName()));
+    QCOMPARE(Ui.actionSave_All->shortcut(), QKeySequence(QStringLiteral("Ctrl+Shift+S")));
+    QCOMPARE(Ui.actionClose_All->shortcut(), QKeySequence(QStringLiteral("Ctrl+Shift+W")));
+
+    // The desktop's keys come first; a taken one is left to its owner, and so is the fallback.
+    const QKeySequence SaveAll(QStringLiteral("Ctrl+Shift+S"));
+    QVERIFY(!StandardShortcuts(QKeySequence::SaveAs, SaveAll, {SaveAll}).contains(SaveAll));
+    QCOMPARE(StandardShortcuts(QKeySequence::UnknownKey, QKeySequence(QStringLiteral("Ctrl+Q")), {}),
+             QList<QKeySequence>({QKeySequence(QStringLiteral("Ctrl+Q"))}));
+    QCOMPARE(StandardShortcuts(QKeySequence::Copy, QKeySequence(), {}), QKeySequence::keyBindings(QKeySequence::Copy));
 }
 
 void CMainWindowTest::ActionsReachTheEditor()
