@@ -64,6 +64,17 @@ const SHighlightElementRow& GetDarkHighlightElementRow(unsigned int uiElement)
     return s_DarkRows[uiElement];
 }
 
+QColor DarkBackgroundOn(quint32 uiBackground, const QColor& Base)
+{
+    const QColor Veil = QColor::fromRgba(uiBackground);
+    if (Veil.alpha() == 0)
+        return Veil;
+    const float fAlpha = Veil.alphaF();
+    auto Mix = [fAlpha](float fTop, float fBottom) { return fTop * fAlpha + fBottom * (1.0f - fAlpha); };
+    return QColor::fromRgbF(Mix(Veil.redF(), Base.redF()), Mix(Veil.greenF(), Base.greenF()),
+                            Mix(Veil.blueF(), Base.blueF()));
+}
+
 QColor ColourForPalette(const QColor& Colour, const QPalette& Palette)
 {
     if (!IsDarkPalette(Palette))

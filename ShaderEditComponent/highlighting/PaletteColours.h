@@ -17,6 +17,11 @@
 // faint light veil over it. uiElement must be below HighlightElement_Count.
 const SHighlightElementRow& GetDarkHighlightElementRow(unsigned int uiElement);
 
+// A dark row's background as drawn on Base. A veil becomes the solid colour it makes there, so
+// a text run and the effect block behind it show one colour instead of adding up; no
+// background stays none.
+[[nodiscard]] QColor DarkBackgroundOn(quint32 uiBackground, const QColor& Base);
+
 // A colour setting as shown under Palette: one of the built-in light defaults (the cursor-match
 // and find-result backgrounds, the log's error and warning colours) becomes its dark
 // counterpart under a dark palette; every other colour stays as it is.

@@ -98,10 +98,6 @@ void CShaderHighlightController::Load()
         m_Defaults[i].Name = Row.pName;
         m_Defaults[i].Format = MakeHighlightFormat(Row.uiForeground, Row.uiBackground, Row.bBold, Row.bUnderline);
         m_Defaults[i].bSet = true;
-        const SHighlightElementRow& Dark = GetDarkHighlightElementRow(i);
-        m_DarkDefaults[i].Name = Row.pName;
-        m_DarkDefaults[i].Format = MakeHighlightFormat(Dark.uiForeground, Dark.uiBackground, Dark.bBold, Dark.bUnderline);
-        m_DarkDefaults[i].bSet = true;
     }
     LoadFont();
 }
@@ -161,12 +157,27 @@ const QTextCharFormat& CShaderHighlightController::GetDefaultFormat(unsigned int
     return m_bDark ? m_DarkDefaults[uiElement].Format : m_Defaults[uiElement].Format;
 }
 
-void CShaderHighlightController::SetDarkDefaults(bool bDark)
+void CShaderHighlightController::SetDarkDefaults(bool bDark, const QColor& Base)
 {
-    if (bDark == m_bDark)
+    if (bDark == m_bDark && (!bDark || Base == m_DarkBase))
         return;
     m_bDark = bDark;
+    m_DarkBase = Base;
+    if (m_bDark)
+        BuildDarkDefaults();
     emit SyntaxColoursChanged();
+}
+
+void CShaderHighlightController::BuildDarkDefaults()
+{
+    for (unsigned int i = 0; i < ElementCount; ++i)
+    {
+        const SHighlightElementRow& Dark = GetDarkHighlightElementRow(i);
+        m_DarkDefaults[i].Name = Dark.pName;
+        m_DarkDefaults[i].Format = MakeHighlightFormat(
+            Dark.uiForeground, DarkBackgroundOn(Dark.uiBackground, m_DarkBase).rgba(), Dark.bBold, Dark.bUnderline);
+        m_DarkDefaults[i].bSet = true;
+    }
 }
 
 // Without a GUI application (the headless compile) there is no palette and the light scheme
@@ -175,7 +186,10 @@ void CShaderHighlightController::FollowApplicationPalette()
 {
     if (!qGuiApp)
         return;
-    m_bDark = IsDarkPalette(QGuiApplication::palette());
+    const QPalette Palette = QGuiApplication::palette();
+    m_bDark = IsDarkPalette(Palette);
+    m_DarkBase = Palette.color(QPalette::Base);
+    BuildDarkDefaults();
     qGuiApp->installEventFilter(this);
 }
 
@@ -183,7 +197,10 @@ bool CShaderHighlightController::eventFilter(QObject* pWatched, QEvent* pEvent)
 {
     // A filter on the application sees every object's events; only its own palette news counts.
     if (pWatched == qGuiApp && pEvent->type() == QEvent::ApplicationPaletteChange)
-        SetDarkDefaults(IsDarkPalette(QGuiApplication::palette()));
+    {
+        const QPalette Palette = QGuiApplication::palette();
+        SetDarkDefaults(IsDarkPalette(Palette), Palette.color(QPalette::Base));
+    }
     return QObject::eventFilter(pWatched, pEvent);
 }
 

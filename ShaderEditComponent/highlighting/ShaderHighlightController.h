@@ -35,8 +35,9 @@ public:
     // the application's palette is dark.
     const QTextCharFormat& GetDefaultFormat(unsigned int uiElement) const;
     bool IsUsingDarkDefaults() const { return m_bDark; }
-    // Follows the application's palette unless told otherwise here; a switch re-colours.
-    void SetDarkDefaults(bool bDark);
+    // Follows the application's palette unless told otherwise here; a switch re-colours. Base is
+    // the dark palette's base colour, on which the dark effect backgrounds are laid.
+    void SetDarkDefaults(bool bDark, const QColor& Base);
     bool IsCustomised(unsigned int uiElement) const;
     CZamTString GetElementName(unsigned int uiElement) const;
     const QFont& GetFont() const { return m_Font; }
@@ -67,6 +68,7 @@ private:
     void Load();
     void LoadFont();
     void FollowApplicationPalette();
+    void BuildDarkDefaults();
 
     std::unique_ptr<CZamPreferences> m_pOwnedStore;
     CZamPreferences* m_pStore;
@@ -74,5 +76,6 @@ private:
     std::array<SSchemeEntry, ElementCount> m_Defaults;
     std::array<SSchemeEntry, ElementCount> m_DarkDefaults;
     bool m_bDark = false;
+    QColor m_DarkBase = Qt::black;
     QFont m_Font;
 };
