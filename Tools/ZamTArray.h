@@ -1,6 +1,7 @@
 #ifndef ZAMTARRAY_H
 #define ZAMTARRAY_H
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <new>
@@ -94,18 +95,30 @@ public:
         if (m_uiCount >= m_uiCapacity)
         {
             // Item may live in the block that growing frees; remember where.
-            const bool bInside =
-                m_pData && !std::less<const T*>()(&Item, m_pData) && std::less<const T*>()(&Item, m_pData + m_uiCount);
-            const uint32_t uiInside = bInside ? static_cast<uint32_t>(&Item - m_pData) : 0;
+            const int64_t iInside = IndexInBlock(Item);
             if (m_uiCount == UINT32_MAX || SetCapacity(m_uiCount + 1))
                 return 1;
-            m_pData[m_uiCount] = bInside ? m_pData[uiInside] : Item;
+            m_pData[m_uiCount] = iInside >= 0 ? m_pData[iInside] : Item;
         }
         else
         {
             m_pData[m_uiCount] = Item;
         }
         ++m_uiCount;
+        return 0;
+    }
+
+    // Appends uiCopies copies of Item, growing at most once; on failure nothing is appended.
+    int AppendCopies(const T& Item, uint32_t uiCopies)
+    {
+        if (uiCopies > UINT32_MAX - m_uiCount)
+            return 1;
+        const int64_t iInside = IndexInBlock(Item);
+        if (SetCapacity(m_uiCount + uiCopies))
+            return 1;
+        const T& Source = iInside >= 0 ? m_pData[iInside] : Item;
+        std::fill_n(m_pData + m_uiCount, uiCopies, Source);
+        m_uiCount += uiCopies;
         return 0;
     }
 
@@ -138,6 +151,14 @@ public:
     const T* GetData() const { return m_pData; }
 
 protected:
+    // Where Item stands among the elements, or -1 when it is not one of them.
+    int64_t IndexInBlock(const T& Item) const
+    {
+        const bool bInside =
+            m_pData && !std::less<const T*>()(&Item, m_pData) && std::less<const T*>()(&Item, m_pData + m_uiCount);
+        return bInside ? static_cast<int64_t>(&Item - m_pData) : -1;
+    }
+
     static T* NewBlock(uint32_t uiCapacity)
     {
         // A zero capacity still gets a (distinct, empty) block so "no block" only means a

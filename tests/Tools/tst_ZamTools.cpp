@@ -292,6 +292,20 @@ void CZamToolsTest::ArrayGrowth()
         QCOMPARE(AssignOnly.Append(Item), 0);
     }
     QCOMPARE(AssignOnly[39].iValue, 39);
+
+    // Many copies at once, of an outside value and of one of its own elements.
+    CZamTArray<int> Padded;
+    QCOMPARE(Padded.Append(7), 0);
+    QCOMPARE(Padded.AppendCopies(-1, 1000), 0);
+    QCOMPARE(Padded.GetSize(), 1001u);
+    QCOMPARE(Padded.GetCapacity(), 1001u);
+    QCOMPARE(Padded[1], -1);
+    QCOMPARE(Padded[1000], -1);
+    QCOMPARE(Padded.AppendCopies(Padded[0], 2000), 0);
+    QCOMPARE(Padded.GetSize(), 3001u);
+    QCOMPARE(Padded[3000], 7);
+    QCOMPARE(Padded.AppendCopies(1, UINT32_MAX), 1);
+    QCOMPARE(Padded.GetSize(), 3001u);
 }
 
 void CZamToolsTest::ArrayRemoval()

@@ -1,29 +1,29 @@
 #include "PerformanceEstimateParser.h"
 
-#include <QRegExp>
+#include "NumberScan_p.h"
 
 #include <limits>
 
 namespace
 {
-QString Capture(const QString& Output, const char* pPattern)
+// The number after the first place where pLabel stands before one.
+QStringView Capture(const QString& Output, const char* pLabel)
 {
-    QRegExp Pattern(QString::fromLatin1(pPattern));
-    return Pattern.indexIn(Output) >= 0 ? Pattern.cap(1) : QString();
+    return DigitsOf(Output, FindNumberAfter(Output, QLatin1String(pLabel)));
 }
 
-void ReadFloat(const QString& Output, const char* pPattern, float& fValue)
+void ReadFloat(const QString& Output, const char* pLabel, float& fValue)
 {
     bool bOk = false;
-    const double dValue = Capture(Output, pPattern).toDouble(&bOk);
+    const double dValue = Capture(Output, pLabel).toDouble(&bOk);
     if (bOk && dValue <= std::numeric_limits<float>::max())
         fValue = static_cast<float>(dValue);
 }
 
-void ReadInt(const QString& Output, const char* pPattern, int& iValue)
+void ReadInt(const QString& Output, const char* pLabel, int& iValue)
 {
     bool bOk = false;
-    const int iRead = Capture(Output, pPattern).toInt(&bOk);
+    const int iRead = Capture(Output, pLabel).toInt(&bOk);
     if (bOk)
         iValue = iRead;
 }
@@ -35,12 +35,12 @@ SPerformanceEstimate ParsePerformanceEstimate(const QString& Output)
     Estimate.bFound = Output.contains(QLatin1String("Performance estimate"));
     if (!Estimate.bFound)
         return Estimate;
-    ReadFloat(Output, "Cycle count:                (\\d+)", Estimate.fCycleCount);
-    ReadFloat(Output, "Average cycle count:        (\\d+)", Estimate.fCycleCount);
-    ReadFloat(Output, "Worst   cycle count:        (\\d+)", Estimate.fWorstCycleCount);
-    ReadInt(Output, "Temporary registers used:   (\\d+)", Estimate.iTemporaryRegisters);
-    ReadInt(Output, "Primary attributes used:    (\\d+)", Estimate.iPrimaryAttributes);
-    ReadInt(Output, "Non-dependent texture reads:(\\d+)", Estimate.iNonDependentTextureReads);
+    ReadFloat(Output, "Cycle count:                ", Estimate.fCycleCount);
+    ReadFloat(Output, "Average cycle count:        ", Estimate.fCycleCount);
+    ReadFloat(Output, "Worst   cycle count:        ", Estimate.fWorstCycleCount);
+    ReadInt(Output, "Temporary registers used:   ", Estimate.iTemporaryRegisters);
+    ReadInt(Output, "Primary attributes used:    ", Estimate.iPrimaryAttributes);
+    ReadInt(Output, "Non-dependent texture reads:", Estimate.iNonDependentTextureReads);
     return Estimate;
 }
 

@@ -1,66 +1,85 @@
 #include "ProfileParser.h"
 
-#include <QRegExp>
+#include "NumberScan_p.h"
 
 #include <limits>
+#include <tuple>
+#include <utility>
 
 namespace
 {
 // A decimal capture as an int; false when it does not fit.
-bool ToInt(const QString& Digits, qint64& iValue)
+bool ToInt(QStringView Digits, qint64& iValue)
 {
     bool bOk = false;
     iValue = Digits.toLongLong(&bOk);
     return bOk && iValue <= std::numeric_limits<int>::max();
 }
 
-// False when the array cannot grow to hold line L.
+// False when the array cannot grow to hold line L. The lines a profile skips are padded in
+// one step, not one growth per line.
 bool StoreCount(CZamTArray<int>& CycleCounts, qint64 iLine, int iCount)
 {
-    if (iLine < 1 || iLine >= static_cast<qint64>(CycleCounts.GetSize()))
+    const qint64 iSize = CycleCounts.GetSize();
+    if (iLine < 1 || iLine >= iSize)
     {
-        while (static_cast<qint64>(CycleCounts.GetSize()) < iLine - 1)
-        {
-            if (CycleCounts.Append(-1) != 0)
-                return false;
-        }
+        if (iLine - 1 > iSize
+            && (CycleCounts.SetCapacity(static_cast<uint32_t>(iLine)) != 0
+                || CycleCounts.AppendCopies(-1, static_cast<uint32_t>(iLine - 1 - iSize)) != 0))
+            return false;
         return CycleCounts.Append(iCount) == 0;
     }
     CycleCounts[static_cast<uint32_t>(iLine - 1)] = iCount;
     return true;
+}
+
+// The next "line: L, count: C" from iFrom: the digits of L and of C, or none.
+std::pair<SNumberAt, SNumberAt> FindLineCount(QStringView Text, qsizetype iFrom)
+{
+    static const QLatin1String s_Line("line: ");
+    static const QLatin1String s_Count(", count: ");
+    for (SNumberAt Line = FindNumberAfter(Text, s_Line, iFrom); Line.iStart >= 0;
+         Line = FindNumberAfter(Text, s_Line, Line.iStart))
+    {
+        if (Text.sliced(Line.iEnd).startsWith(s_Count))
+        {
+            const SNumberAt Count = DigitsAt(Text, Line.iEnd + s_Count.size());
+            if (Count.iStart >= 0)
+                return {Line, Count};
+        }
+    }
+    return {};
 }
 } // namespace
 
 SProfileParse ParseProfile(const QString& Text, int iLineOffset, CZamTArray<int>& CycleCounts)
 {
     SProfileParse Parse;
-    QRegExp TotalPattern(QStringLiteral("Total consumed cycles = (\\d+)"));
-    QRegExp InstructionsPattern(QStringLiteral("TXC generated instructions = (\\d+)"));
-    QRegExp LinePattern(QStringLiteral("line: (\\d+), count: (\\d+)"));
-
     qint64 iValue = 0;
-    if (InstructionsPattern.indexIn(Text) >= 0)
+    const SNumberAt Instructions = FindNumberAfter(Text, QLatin1String("TXC generated instructions = "));
+    if (Instructions.iStart >= 0)
     {
-        if (ToInt(InstructionsPattern.cap(1), iValue))
+        if (ToInt(DigitsOf(Text, Instructions), iValue))
             Parse.iGeneratedInstructions = static_cast<int>(iValue);
         else
             Parse.bMalformed = true;
     }
-    if (TotalPattern.indexIn(Text) >= 0)
+    const SNumberAt Total = FindNumberAfter(Text, QLatin1String("Total consumed cycles = "));
+    if (Total.iStart >= 0)
     {
         bool bOk = false;
-        Parse.iReportedTotal = TotalPattern.cap(1).toLongLong(&bOk);
+        Parse.iReportedTotal = DigitsOf(Text, Total).toLongLong(&bOk);
         if (!bOk)
             Parse.bMalformed = true;
     }
 
     qint64 iTotal = 0;
-    int iPos = 0;
-    while ((iPos = LinePattern.indexIn(Text, iPos)) >= 0)
+    for (auto [Line, Count] = FindLineCount(Text, 0); Line.iStart >= 0;
+         std::tie(Line, Count) = FindLineCount(Text, Count.iEnd))
     {
         qint64 iLine = 0;
         qint64 iCount = 0;
-        if (!ToInt(LinePattern.cap(1), iLine) || !ToInt(LinePattern.cap(2), iCount))
+        if (!ToInt(DigitsOf(Text, Line), iLine) || !ToInt(DigitsOf(Text, Count), iCount))
         {
             Parse.bMalformed = true;
             break;
@@ -79,7 +98,6 @@ SProfileParse ParseProfile(const QString& Text, int iLineOffset, CZamTArray<int>
             break;
         }
         iTotal += iCount;
-        iPos += LinePattern.matchedLength();
     }
     Parse.iTotalConsumedCycles = static_cast<int>(iTotal);
     if (!Parse.bMalformed && Parse.iReportedTotal >= 0 && Parse.iReportedTotal != iTotal)
