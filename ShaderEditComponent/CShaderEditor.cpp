@@ -67,6 +67,12 @@ void CShaderEditor::SetController(CShaderEditController* pController)
             &CShaderEditor::OnCompilerSettingsChanged);
     connect(pController, &CShaderEditController::CompileCycleCountChanged, this,
             &CShaderEditor::OnCompileCycleCountChanged);
+    connect(pController, &CShaderEditController::PanelResultChanged, this,
+            [this](const CZamTHash& PanelID, const SCompileResult& Shown)
+            {
+                for (int i = 0; i < GetTabCount(); ++i)
+                    GetPanel(i)->OnPanelResultChanged(PanelID, Shown);
+            });
     OnEditorSettingsChanged(pController->GetEditorSettings());
     OnCompilerSettingsChanged(pController->GetCompilerSettings(), 0);
 }

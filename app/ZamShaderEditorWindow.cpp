@@ -11,6 +11,7 @@
 #include "ShaderEditComponent/compile/controller/CShaderEditController.h"
 #include "ShaderEditComponent/compile/model/FileFormats.h"
 #include "ShaderEditComponent/compile/model/ZamStringConversion.h"
+#include "ShaderEditComponent/CompileChange.h"
 #include "ShaderEditComponent/CShaderEditASMOutput.h"
 #include "ShaderEditComponent/CShaderEditLogOutput.h"
 #include "ShaderEditComponent/CShaderEditor.h"
@@ -128,6 +129,13 @@ void ZamShaderEditorWindow::BuildStatusBar()
     m_pCompilingLabel->setObjectName(QStringLiteral("CompilingIndicator"));
     m_pCompilingLabel->hide();
     statusBar()->addWidget(m_pCompilingLabel);
+    // How the last change moved the figures.
+    auto* pChange = new QLabel(this);
+    pChange->setObjectName(QStringLiteral("CompileChangeLabel"));
+    statusBar()->addWidget(pChange);
+    connect(m_pEditController.get(), &CShaderEditController::CompileProfileChanged, pChange,
+            [pChange](const SCompileResult& Result) { pChange->setText(DescribeResultChange(Result)); });
+    connect(m_pEditController.get(), &CShaderEditController::ClearCompileOutput, pChange, &QLabel::clear);
 
     m_pLineLabel = new QLabel(this);
     m_pColumnLabel = new QLabel(this);
@@ -178,8 +186,16 @@ void ZamShaderEditorWindow::BuildDocks()
     m_pLogDock = AddDock(pLog, "DockWidget", Qt::BottomDockWidgetArea, AppText_Output, AppText_ShowCompileOutput);
     m_pProfileDock = AddDock(new CShaderEditProfileOutput(m_pEditController.get(), this), "DockWidget_Profile",
                              Qt::RightDockWidgetArea, AppText_Profile, AppText_ShowProfile);
-    m_pASMDock = AddDock(new CShaderEditASMOutput(m_pEditController.get(), m_pHighlight.get(), this),
-                         "DockWidget_TXEASM", Qt::RightDockWidgetArea, AppText_TXEASM, AppText_ShowTXEASM);
+    auto* pASM = new CShaderEditASMOutput(m_pEditController.get(), m_pHighlight.get(), this);
+    m_pASMDock = AddDock(pASM, "DockWidget_TXEASM", Qt::RightDockWidgetArea, AppText_TXEASM, AppText_ShowTXEASM);
+    // The editor's line and its instructions find each other.
+    connect(m_pEditor, &CShaderEditor::LineChanged, pASM, &CShaderEditASMOutput::OnSourceLineSelected);
+    connect(pASM, &CShaderEditASMOutput::SourceLineSelected, this,
+            [this](int iLine)
+            {
+                if (CShaderEditPanel* pPanel = m_pEditor->GetCurrentPanel())
+                    pPanel->ShowSourceLine(iLine);
+            });
     connect(m_pASMDock->toggleViewAction(), &QAction::toggled, this,
             [this](bool bVisible)
             {

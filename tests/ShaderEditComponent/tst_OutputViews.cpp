@@ -182,7 +182,7 @@ private slots:
     void OverlongLines();
 
 private:
-    void Compile(const QString& Text, EShaderDocType eType);
+    void Compile(const QString& Text, EShaderDocType eType, const char* pPanel = "panel");
     // The selector's label and combo box are both shown (bShown) or both hidden.
     bool Selector(const QWidget& View, const char* pLabel, const char* pCombo, bool bShown) const;
     QStringList SelectorItems(const QWidget& View, const char* pCombo) const;
@@ -237,10 +237,10 @@ void COutputViewsTest::cleanup()
     m_pController.reset();
 }
 
-void COutputViewsTest::Compile(const QString& Text, EShaderDocType eType)
+void COutputViewsTest::Compile(const QString& Text, EShaderDocType eType, const char* pPanel)
 {
     const int iBefore = m_iResults;
-    m_pController->OnCompilePanel(CZamTHash("panel"), Text, eType, CompileInvocation_Background);
+    m_pController->OnCompilePanel(CZamTHash(pPanel), Text, eType, CompileInvocation_Background);
     QTRY_COMPARE_WITH_TIMEOUT(m_iResults, iBefore + 1, 60000);
 }
 
@@ -393,8 +393,15 @@ void COutputViewsTest::EmptyingTheViews()
     Compile(PostEffect(), DocType_ZFXGLSLES);
     QVERIFY(Selector(*m_pProfile, "ShaderSelectorLabel", "ShaderSelectorComboBox", true));
 
-    // A failed compile has no figures: every one of them is reset, not left from before.
+    // A document that compiled before keeps its last good figures through a failure, marked.
     Compile(QString::fromLatin1(kBrokenFragment), DocType_GLSLESFragment);
+    QCOMPARE(m_Last.iEditsBehind, 1);
+    QCOMPARE(SelectorItems(*m_pAsm, "ShaderSelectCombo").size(), 3);
+    QCOMPARE(Text(*m_pProfile, "StaleLabel"), QStringLiteral("Last good result, 1 edit ago"));
+    QCOMPARE(Text(*m_pAsm, "StaleLabel"), QStringLiteral("Last good result, 1 edit ago"));
+
+    // A failed compile of one that never compiled has no figures: every one of them is reset.
+    Compile(QString::fromLatin1(kBrokenFragment), DocType_GLSLESFragment, "broken");
     QCOMPARE(m_Last.iStatus, 1);
     QCOMPARE(m_Last.Profiles.GetSize(), 0u);
     for (const char* pFigure : Figures)

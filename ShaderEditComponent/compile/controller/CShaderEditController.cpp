@@ -3,6 +3,7 @@
 #include "CCompiler_p.h"
 #include "Common/ZamPreferences/ZamPreferences.h"
 #include "CompileLog_p.h"
+#include "ResultHistory_p.h"
 #include "ShaderEditComponent/compile/model/MetaTypes.h"
 #include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/compile/process/CompileCommandLine.h"
@@ -29,6 +30,7 @@ CShaderEditController::CShaderEditController(const SShaderEditControllerOptions&
     : QObject(pParent)
     , m_Options(Options)
     , m_SearchPaths(Options.CompilerSearchPaths.isEmpty() ? DefaultCompilerSearchPaths() : Options.CompilerSearchPaths)
+    , m_pHistory(std::make_unique<CResultHistory>())
 {
     RegisterCompileMetaTypes();
     m_pThread = new QThread();
@@ -214,6 +216,10 @@ CCompiler* CShaderEditController::StartCompiler(const CZamTHash& PanelID, unsign
     Setup.Executable = m_CompilerPath;
     Setup.OpenCLExecutable = m_OpenCLPath;
     Setup.uiOpenCLSwitches = m_OpenCLDetection.uiOptionFlags;
+    Setup.IncludeFolders = m_Compiler.IncludeFolders;
+    // Only a compiler that lists -I is given the folders; a custom one may not know it.
+    for (uint32_t i = 0; i < m_Detection.Options.GetSize(); ++i)
+        Setup.bGLSLIncludeFolders = Setup.bGLSLIncludeFolders || m_Detection.Options[i] == QLatin1String("I");
     Setup.TempDirectory = ToQString(m_Compiler.TempDirectory);
     Setup.CompilerString = m_Detection.Compiler;
     Setup.VersionString = m_Detection.Version;
@@ -263,6 +269,7 @@ void CShaderEditController::CompilePanelIn(const QString& SourceFolder, const CZ
     Request.eInvocation = eInvocation;
     Request.uiFlags = uiFlags;
     Request.SourceFolder = SourceFolder;
+    Request.iEdit = m_pHistory->Requested(PanelID);
     Enqueue(Request);
 }
 
@@ -283,6 +290,7 @@ void CShaderEditController::StartCompile(const SDeferredCompile& Request)
     const EShaderDocType eType = Request.eType;
     if (Request.bToFile)
     {
+        m_pHistory->StartedToFile(uiKey);
         const CZamTString Filename = Request.Filename;
         const CZamTString CommandLine = Request.CommandLine;
         QMetaObject::invokeMethod(
@@ -290,6 +298,7 @@ void CShaderEditController::StartCompile(const SDeferredCompile& Request)
             Qt::QueuedConnection);
         return;
     }
+    m_pHistory->Started(PanelID, uiKey, Request.iEdit);
     // The background switches are the ones the compiler listed, known only now.
     unsigned int uiFlags = Request.uiFlags;
     if (Request.eInvocation == CompileInvocation_Background)
@@ -304,11 +313,18 @@ void CShaderEditController::StartCompile(const SDeferredCompile& Request)
 void CShaderEditController::OnPanelCompiled(const CZamTHash& PanelID, unsigned int CompileKey,
                                             const SCompileResult& Results)
 {
-    Q_UNUSED(CompileKey);
-    const SCompileResult& Stored = m_Results[PanelID] = Results;
+    const CResultHistory::EKind eKind = m_pHistory->Classify(PanelID, CompileKey);
+    if (eKind == CResultHistory::Kind_Superseded)
+        return;
+    const bool bLatest = eKind == CResultHistory::Kind_Latest;
+    const SCompileResult& Stored = m_Results[PanelID] = bLatest ? m_pHistory->Take(PanelID, Results) : Results;
     emit CompileOutputChanged(ToQString(Stored.Log));
     emit CompileProfileChanged(Stored);
-    emit CompileCycleCountChanged(PanelID, Stored.CycleCounts);
+    // A text that does not compile leaves the gutter its last counts, greyed by the panel.
+    if (!bLatest || Results.iStatus == CompileStatus_Completed)
+        emit CompileCycleCountChanged(PanelID, Stored.CycleCounts);
+    if (bLatest)
+        emit PanelResultChanged(PanelID, Stored);
     emit EndCompiling();
 }
 

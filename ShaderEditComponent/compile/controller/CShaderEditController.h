@@ -19,6 +19,7 @@
 #include <memory>
 
 class CCompiler;
+class CResultHistory;
 class CZamPreferences;
 class QThread;
 
@@ -107,6 +108,10 @@ signals:
     void CompilerFlagsChanged(unsigned int uiFlags);
     void BeginCompiling();
     void EndCompiling();
+    // A background compile of the panel's current text ended; Shown is what the views show
+    // (see SCompileResult::iEditsBehind), its messages are the new ones. Results of text that
+    // has been edited since never arrive here: the newer compile's will.
+    void PanelResultChanged(const CZamTHash& PanelID, const SCompileResult& Shown);
 
 public slots:
     void SetCompilerSettings(const Settings::SCompiler& settings, unsigned int uiSettingMask);
@@ -134,6 +139,7 @@ private:
         ECompileInvocationType eInvocation = CompileInvocation_Manual;
         unsigned int uiFlags = 0;
         QString SourceFolder;
+        int iEdit = 0; // of the panel's text, for the history
     };
 
     void LoadSettings(qint64 iCompilerSelection);
@@ -175,5 +181,6 @@ private:
     // tear-down if they never got that far.
     QVector<QPointer<CCompiler>> m_Abandoned;
     std::map<CZamTHash, SCompileResult> m_Results;
+    std::unique_ptr<CResultHistory> m_pHistory;
     CZamTHash m_CurrentPanel;
 };

@@ -156,6 +156,7 @@ void CShaderEditControllerTest::InterfaceOrder()
                                   "CompilerFlagsChanged(uint)",
                                   "BeginCompiling()",
                                   "EndCompiling()",
+                                  "PanelResultChanged(CZamTHash,SCompileResult)",
                                   "SetCompilerSettings(Settings::SCompiler,uint)",
                                   "SetEditorSettings(Settings::SEditor,uint)",
                                   "OnCompileFile(CZamTHash,CZamTString,CZamTString,EShaderDocType)",
@@ -170,9 +171,9 @@ void CShaderEditControllerTest::InterfaceOrder()
     for (int i = Meta.methodOffset(); i < Meta.methodCount(); ++i)
         Found << QString::fromLatin1(Meta.method(i).methodSignature());
     QCOMPARE(Found, Expected);
-    QCOMPARE(Meta.method(Meta.methodOffset() + 8).methodType(), QMetaMethod::Signal);
-    QCOMPARE(Meta.method(Meta.methodOffset() + 9).methodType(), QMetaMethod::Slot);
-    QCOMPARE(Meta.method(Meta.methodOffset() + 12).parameterNames(),
+    QCOMPARE(Meta.method(Meta.methodOffset() + 9).methodType(), QMetaMethod::Signal);
+    QCOMPARE(Meta.method(Meta.methodOffset() + 10).methodType(), QMetaMethod::Slot);
+    QCOMPARE(Meta.method(Meta.methodOffset() + 13).parameterNames(),
              (QList<QByteArray>{"PanelID", "Contents", "eType", "eInvocation", "uiFlags"}));
 }
 
