@@ -3,6 +3,7 @@
 #include "COutputHighlighter_p.h"
 #include "OutputViewSupport.h"
 #include "ShaderEditComponent/compile/controller/CShaderEditController.h"
+#include "ShaderEditComponent/compile/parsers/CompilerOutputParser.h"
 
 #include <QMouseEvent>
 #include <QTextBlock>
@@ -17,7 +18,6 @@ constexpr unsigned int s_uiFormatSettings = Settings::CompilerSetting_ShouldForm
 CShaderEditLogOutput::CShaderEditLogOutput(CShaderEditController* pController, QWidget* pParent)
     : QPlainTextEdit(pParent)
     , m_pHighlighter(new COutputHighlighter(document(), pController->GetCompilerSettings()))
-    , m_Message(QStringLiteral("(ERROR|WARNING): (\\d+):(\\d+)[^\\n]*"), Qt::CaseSensitive, QRegExp::RegExp)
 {
     setObjectName(QStringLiteral("ShaderEditLogOutput"));
     setReadOnly(true);
@@ -49,10 +49,13 @@ void CShaderEditLogOutput::mouseDoubleClickEvent(QMouseEvent* pEvent)
     // Below the last line the nearest block is the last one; that is not a click on it.
     if (!Block.isValid() || !blockBoundingGeometry(Block).translated(contentOffset()).contains(Position))
         return;
-    if (m_Message.indexIn(Block.text()) < 0)
+    // The log holds the lines already moved to the document's, so they are read as they stand.
+    const SCompilerOutput Parsed = ParseCompilerOutput(Block.text().toUtf8(), 0);
+    if (Parsed.Messages.isEmpty())
         return;
-    bool bNumber = false;
-    const int iLine = m_Message.cap(3).toInt(&bNumber);
-    if (bNumber)
-        emit JumpToLine(iLine);
+    const SCompileMessage& Message = Parsed.Messages.first();
+    if (!Message.File.isEmpty())
+        emit JumpToFileLine(Message.File, Message.iFileLine);
+    else if (Message.iLine > 0)
+        emit JumpToLine(Message.iLine);
 }

@@ -3,13 +3,12 @@
 #include "ShaderEditComponent/compile/model/Settings.h"
 
 #include <QPlainTextEdit>
-#include <QRegExp>
 
 class CShaderEditController;
 class COutputHighlighter;
 
 // The compiler log of the last compile. Errors and warnings are coloured; double-clicking
-// one asks for a jump to the line it reports.
+// one asks for a jump to the line it reports, in the document or in an included header.
 class CShaderEditLogOutput : public QPlainTextEdit
 {
     Q_OBJECT
@@ -22,6 +21,8 @@ public:
 signals:
     // Line as the message states it: 1-based, in the document that was compiled.
     void JumpToLine(int iLine);
+    // A message about a line of an included header: the header as the compiler named it.
+    void JumpToFileLine(const QString& Path, int iLine);
 
 private slots:
     void OnCompileOutputChanged(const QString& Log);
@@ -32,5 +33,4 @@ protected:
 
 private:
     COutputHighlighter* m_pHighlighter;
-    QRegExp m_Message;
 };

@@ -1,5 +1,6 @@
 #include "ZamShaderEditorWindow.h"
 
+#include "AllCoresDock.h"
 #include "app/controller/ApplicationText.h"
 #include "app/controller/CGUIController.h"
 #include "app/controller/CRecentFiles.h"
@@ -206,6 +207,14 @@ void ZamShaderEditorWindow::BuildDocks()
     resizeDocks({m_pProfileDock, m_pASMDock}, {360, 360}, Qt::Horizontal);
     resizeDocks({m_pProfileDock, m_pASMDock}, {250, 400}, Qt::Vertical);
     connect(pLog, &CShaderEditLogOutput::JumpToLine, m_pEditor, &CShaderEditor::OnGotoLine);
+    // A message about an included header opens the header, or switches to its tab.
+    connect(pLog, &CShaderEditLogOutput::JumpToFileLine, this,
+            [this](const QString& Path, int iLine)
+            {
+                if (m_pEditor->OnOpenFile(Path))
+                    m_pEditor->OnGotoLine(iLine);
+            });
+    new CAllCoresDock(*this, *m_pEditor, *m_pEditController, *m_Ui.menuView);
 }
 
 void ZamShaderEditorWindow::ConnectEditor()

@@ -18,6 +18,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QTimer>
@@ -31,7 +32,8 @@ constexpr int s_iTypingPauseMs = 300;
 constexpr unsigned int s_uiPageMask =
     Settings::CompilerSetting_CustomCompilerPath | Settings::CompilerSetting_TempDirectory
     | Settings::CompilerSetting_WarningFormat | Settings::CompilerSetting_ErrorFormat
-    | Settings::CompilerSetting_ShouldFormat | Settings::CompilerSetting_CompilerSelection;
+    | Settings::CompilerSetting_ShouldFormat | Settings::CompilerSetting_CompilerSelection
+    | Settings::CompilerSetting_IncludeFolders;
 
 QLabel* NamedLabel(const char* pName, QWidget* pParent)
 {
@@ -73,6 +75,7 @@ CCompilerPreferencesWidget::CCompilerPreferencesWidget(CShaderEditController& Ed
     QVBoxLayout* pLayout = new QVBoxLayout(this);
     pLayout->addLayout(BuildCompilerRows());
     pLayout->addWidget(BuildDetailsGroup());
+    pLayout->addWidget(BuildIncludeGroup());
     pLayout->addWidget(BuildOutputGroup());
     pLayout->addStretch();
     Connect();
@@ -128,6 +131,48 @@ QGridLayout* CCompilerPreferencesWidget::BuildCompilerRows()
     pGrid->addWidget(m_pTempProblem, 3, 1, 1, 2);
     pGrid->setColumnStretch(1, 1);
     return pGrid;
+}
+
+QGroupBox* CCompilerPreferencesWidget::BuildIncludeGroup()
+{
+    m_pIncludeGroup = new QGroupBox(this);
+    m_pIncludeGroup->setObjectName(QStringLiteral("IncludeFoldersGroup"));
+    m_pIncludeHint = NamedLabel("IncludeFoldersHint", m_pIncludeGroup);
+    m_pIncludeHint->setWordWrap(true);
+    m_pIncludeList = new QListWidget(m_pIncludeGroup);
+    m_pIncludeList->setObjectName(QStringLiteral("IncludeFolderList"));
+    m_pIncludeList->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_pIncludeList->setDragDropMode(QAbstractItemView::InternalMove);
+    m_pIncludeList->setMaximumHeight(fontMetrics().height() * 6);
+    m_pAddInclude = new QPushButton(m_pIncludeGroup);
+    m_pAddInclude->setObjectName(QStringLiteral("AddIncludeFolder"));
+    m_pRemoveInclude = new QPushButton(m_pIncludeGroup);
+    m_pRemoveInclude->setObjectName(QStringLiteral("RemoveIncludeFolder"));
+    m_pRemoveInclude->setEnabled(false);
+
+    QVBoxLayout* pButtons = new QVBoxLayout;
+    pButtons->addWidget(m_pAddInclude);
+    pButtons->addWidget(m_pRemoveInclude);
+    pButtons->addStretch();
+    QGridLayout* pGrid = new QGridLayout(m_pIncludeGroup);
+    pGrid->addWidget(m_pIncludeHint, 0, 0, 1, 2);
+    pGrid->addWidget(m_pIncludeList, 1, 0);
+    pGrid->addLayout(pButtons, 1, 1);
+    connect(m_pAddInclude, &QPushButton::clicked, this, &CCompilerPreferencesWidget::OnAddIncludeFolder);
+    connect(m_pRemoveInclude, &QPushButton::clicked, this, [this] { qDeleteAll(m_pIncludeList->selectedItems()); });
+    connect(m_pIncludeList, &QListWidget::itemSelectionChanged, this,
+            [this] { m_pRemoveInclude->setEnabled(!m_pIncludeList->selectedItems().isEmpty()); });
+    return m_pIncludeGroup;
+}
+
+void CCompilerPreferencesWidget::OnAddIncludeFolder()
+{
+    const QString Chosen = QFileDialog::getExistingDirectory(this, PreferenceText(PrefText_SelectIncludeFolder));
+    if (Chosen.isEmpty())
+        return;
+    const QString Folder = QDir::toNativeSeparators(Chosen);
+    if (m_pIncludeList->findItems(Folder, Qt::MatchExactly).isEmpty())
+        m_pIncludeList->addItem(Folder);
 }
 
 QGroupBox* CCompilerPreferencesWidget::BuildDetailsGroup()
@@ -237,6 +282,8 @@ void CCompilerPreferencesWidget::LoadSettings()
     m_pWarningColour->setEnabled(Compiler.bShouldFormat);
     emit ErrorColourChanged(Compiler.ErrorFormat.foreground().color());
     emit WarningColourChanged(Compiler.WarningFormat.foreground().color());
+    m_pIncludeList->clear();
+    m_pIncludeList->addItems(Compiler.IncludeFolders);
     // Anything past the bundled targets is the custom compiler.
     const int iCustom = m_pCompilerCombo->count() - 1;
     emit CompilerSelectionChanged(Compiler.uiCompilerSelection < CustomCompilerSelection
@@ -346,6 +393,9 @@ void CCompilerPreferencesWidget::OnSave()
     Compiler.bShouldFormat = m_pColourOutput->checkState() == Qt::Checked;
     Compiler.ErrorFormat.setForeground(m_pErrorColour->GetColour());
     Compiler.WarningFormat.setForeground(m_pWarningColour->GetColour());
+    Compiler.IncludeFolders.clear();
+    for (int i = 0; i < m_pIncludeList->count(); ++i)
+        Compiler.IncludeFolders << m_pIncludeList->item(i)->text();
     m_Edit.SetCompilerSettings(Compiler, s_uiPageMask);
 }
 
@@ -369,4 +419,8 @@ void CCompilerPreferencesWidget::OnRetranslate()
     m_pColourOutput->setText(UIString(UIS_PrefColourCompilerOutput));
     m_pErrorColourLabel->setText(UIString(UIS_PrefErrorColour));
     m_pWarningColourLabel->setText(UIString(UIS_PrefWarningColour));
+    m_pIncludeGroup->setTitle(PreferenceText(PrefText_IncludeFolders));
+    m_pIncludeHint->setText(PreferenceText(PrefText_IncludeFoldersHint));
+    m_pAddInclude->setText(PreferenceText(PrefText_AddIncludeFolder));
+    m_pRemoveInclude->setText(PreferenceText(PrefText_RemoveIncludeFolder));
 }

@@ -13,6 +13,7 @@ class QCheckBox;
 class QComboBox;
 class QGridLayout;
 class QGroupBox;
+class QListWidget;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -67,6 +68,8 @@ private:
     QGridLayout* BuildCompilerRows();
     QGroupBox* BuildDetailsGroup();
     QGroupBox* BuildOutputGroup();
+    QGroupBox* BuildIncludeGroup();
+    void OnAddIncludeFolder();
     void Connect();
     void LoadSettings();
     void OnCompilerDetected(const QString& Path, const SCompilerDetection& Detection);
@@ -102,6 +105,11 @@ private:
     QLabel* m_pNoPathText = nullptr;
     QLabel* m_pCheckingText = nullptr;
     QGroupBox* m_pOutputGroup = nullptr;
+    QGroupBox* m_pIncludeGroup = nullptr;
+    QLabel* m_pIncludeHint = nullptr;
+    QListWidget* m_pIncludeList = nullptr;
+    QPushButton* m_pAddInclude = nullptr;
+    QPushButton* m_pRemoveInclude = nullptr;
     QCheckBox* m_pColourOutput = nullptr;
     QLabel* m_pErrorColourLabel = nullptr;
     CColourSelectButton* m_pErrorColour = nullptr;

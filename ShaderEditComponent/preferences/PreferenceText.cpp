@@ -23,6 +23,11 @@ const char* const s_apEnglish[] = {
     "Size",
     "Preview",
     "General",
+    "Include Folders",
+    "#include \"...\" looks beside the document first, then in these folders, top to bottom.",
+    "Add\u2026",
+    "Remove",
+    "Select a folder to search for included headers",
 };
 static_assert(std::size(s_apEnglish) == PrefText_Count, "every text needs exactly one entry");
 } // namespace

@@ -24,6 +24,11 @@ enum EPreferenceText : int
     PrefText_FontSize,
     PrefText_Preview,
     PrefText_GeneralElements,
+    PrefText_IncludeFolders,
+    PrefText_IncludeFoldersHint,
+    PrefText_AddIncludeFolder,
+    PrefText_RemoveIncludeFolder,
+    PrefText_SelectIncludeFolder,
 
     PrefText_Count
 };

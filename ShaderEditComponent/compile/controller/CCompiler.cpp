@@ -100,11 +100,13 @@ SCompileTarget CCompiler::TargetFor(EShaderDocType eType, unsigned int uiFlags, 
         Target.Executable = m_Setup.OpenCLExecutable;
         Target.uiSwitches = (uiFlags | m_Setup.uiOwnFlags) & m_Setup.uiOpenCLSwitches;
         // The kernel is compiled from a temporary copy, so its own folder must be named.
-        Target.ExtraArguments = IncludeFolderArguments(SourceFolder);
+        Target.ExtraArguments = IncludeFolderArguments(SourceFolder, m_Setup.IncludeFolders);
         return Target;
     }
     Target.Executable = m_Setup.Executable;
     Target.uiSwitches = uiFlags | m_Setup.uiOwnFlags | StageSwitchFor(eType);
+    if (m_Setup.bGLSLIncludeFolders)
+        Target.ExtraArguments = IncludeFolderArguments(SourceFolder, m_Setup.IncludeFolders);
     return Target;
 }
 
@@ -124,7 +126,7 @@ void CCompiler::OnCompile(const CZamTHash& PanelID, unsigned int uiCompileKey, c
             if (Parser.ParseFromMemory(Text.constData(), Error) != 0)
                 AddParseError(Error, Result);
             else
-                CompileEffect(Parser, uiFlags, Result);
+                CompileEffect(Parser, uiFlags, SourceFolder, Result);
         }
         else
         {
@@ -135,7 +137,8 @@ void CCompiler::OnCompile(const CZamTHash& PanelID, unsigned int uiCompileKey, c
     Deliver(PanelID, uiCompileKey, Result);
 }
 
-void CCompiler::CompileEffect(const CZamTZFXParser& Parser, unsigned int uiFlags, SCompileResult& Result)
+void CCompiler::CompileEffect(const CZamTZFXParser& Parser, unsigned int uiFlags, const QString& SourceFolder,
+                              SCompileResult& Result)
 {
     ForEachShader(Parser,
                   [&](const SZamTZFXParserShader& Shader, unsigned int uiStage)
@@ -143,7 +146,7 @@ void CCompiler::CompileEffect(const CZamTZFXParser& Parser, unsigned int uiFlags
                       if (m_Control.IsCancelled() || SkippedWithoutSource(Shader, Result))
                           return;
                       const SCompileUnit Unit{Shader.Name.Text, static_cast<int>(Shader.uiFirstLine), uiFlags};
-                      SCompileTarget Target = TargetFor(DocType_ZFXGLSLES, uiFlags);
+                      SCompileTarget Target = TargetFor(DocType_ZFXGLSLES, uiFlags, SourceFolder);
                       Target.uiSwitches |= uiStage;
                       Combine(Result, CompileSource(Unit, SourceOf(Shader), Target, m_Control, Result));
                   });

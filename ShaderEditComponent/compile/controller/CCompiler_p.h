@@ -8,6 +8,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 #include <atomic>
 
@@ -20,6 +21,8 @@ struct SCompilerSetup
     QString Executable;                // the GLSL ES compiler of the current selection
     QString OpenCLExecutable;          // the compiler of OpenCL kernels
     unsigned int uiOpenCLSwitches = 0; // the option flags the OpenCL compiler takes
+    QStringList IncludeFolders;        // searched for headers after the document's folder
+    bool bGLSLIncludeFolders = false;  // the GLSL ES compiler lists -I: it is given the folders
     QString TempDirectory;
     unsigned int uiOwnFlags = 0; // ORed into every command line
     QString CompilerString;      // what detection reported, copied into the result
@@ -56,8 +59,8 @@ signals:
 public slots:
     // A document's text. Effect files are parsed and each shader compiled by itself, its line
     // numbers moved to the effect file's lines; any other type is compiled whole, with the
-    // stage switch of its type (vertex types "-v", fragment types "-f"). An OpenCL kernel
-    // finds its local headers in SourceFolder, the document's folder (empty: none).
+    // stage switch of its type (vertex types "-v", fragment types "-f"). Headers are found in
+    // SourceFolder, the document's folder (empty: none), then in the include folders.
     void OnCompile(const CZamTHash& PanelID, unsigned int uiCompileKey, const QString& Contents, EShaderDocType eType,
                    unsigned int uiFlags, const QString& SourceFolder = QString());
     // A saved file and a compile-to-file command template: the template is split into
@@ -70,7 +73,8 @@ public slots:
 private:
     SCompileResult NewResult(EShaderDocType eType) const;
     SCompileTarget TargetFor(EShaderDocType eType, unsigned int uiFlags, const QString& SourceFolder = QString()) const;
-    void CompileEffect(const CZamTZFXParser& Parser, unsigned int uiFlags, SCompileResult& Result);
+    void CompileEffect(const CZamTZFXParser& Parser, unsigned int uiFlags, const QString& SourceFolder,
+                       SCompileResult& Result);
     void CompileEffectFile(const CZamTZFXParser& Parser, const QString& Path, const QString& Template,
                            SCompileResult& Result);
     void Deliver(const CZamTHash& PanelID, unsigned int uiCompileKey, const SCompileResult& Result);

@@ -5,6 +5,7 @@
 
 #include <QMetaType>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 #include <map>
@@ -30,6 +31,10 @@ struct SCompileMessage
     int iLine = 0; // 1-based document line (effect shaders already offset); 0 if none given
     ESeverity eSeverity = Severity_Error;
     QString Text; // the whole line as the compiler wrote it
+    // A message about a line of an included header: the header as the compiler found it and
+    // its own line (iLine is then 0, as no line of the document is meant).
+    QString File;
+    int iFileLine = 0;
 };
 
 // What one compile of one panel produces. Plain data; copies are deep, which the queued
@@ -71,6 +76,7 @@ struct SCompileResult
     QString CompilerString;
     QString VersionString;
     QVector<SCompileMessage> Messages;
+    QStringList IncludedFiles; // every header the compile read, as the compiler found it
     // Set by the controller for the views of a background compile. Above 0: the text at hand
     // does not compile and this is the last result that did, from that many edits ago (its
     // log and messages are the current ones).

@@ -16,6 +16,7 @@ const char* const s_pAutoCompileKey = "Compiler/AutoCompile";
 const char* const s_pCustomCompilerKey = "Compiler/GLSLES";
 const char* const s_pTempDirectoryKey = "Compiler/TempDirectory";
 const char* const s_pCompilerSelectionKey = "Compiler/CompilerSelection";
+const char* const s_pIncludeFoldersKey = "Compiler/IncludeFolders";
 const char* const s_pShouldFormatKey = "Output/ShouldFormat";
 const char* const s_pWarningKey = "Output/Warning";
 const char* const s_pErrorKey = "Output/Error";
@@ -108,6 +109,7 @@ void LoadCompilerSettings(const CZamPreferences& Prefs, SCompiler& Record)
     Record.bShouldFormat = Prefs.GetBool(Key(s_pShouldFormatKey), Defaults.bShouldFormat);
     Record.WarningFormat = ReadFormat(Prefs, s_pWarningKey, Defaults.WarningFormat);
     Record.ErrorFormat = ReadFormat(Prefs, s_pErrorKey, Defaults.ErrorFormat);
+    Record.IncludeFolders = Prefs.GetStringArray(Key(s_pIncludeFoldersKey), Defaults.IncludeFolders);
 }
 
 void LoadEditorSettings(const CZamPreferences& Prefs, SEditor& Record)
@@ -163,6 +165,11 @@ bool StoreCompilerSettings(CZamPreferences& Prefs, SCompiler& Live, const SCompi
         Live.uiCompilerSelection = In.uiCompilerSelection;
         if (OnCompilerChanged)
             OnCompilerChanged(CompilerSetting_CompilerSelection);
+    }
+    if (uiMask & CompilerSetting_IncludeFolders)
+    {
+        Prefs.SetStringArray(Key(s_pIncludeFoldersKey), In.IncludeFolders);
+        Live.IncludeFolders = In.IncludeFolders;
     }
     return Prefs.Save(pError);
 }

@@ -5,6 +5,7 @@
 #include <QColor>
 #include <QMetaType>
 #include <QString>
+#include <QStringList>
 #include <QTextCharFormat>
 
 #include <functional>
@@ -36,7 +37,8 @@ enum ECompilerSetting : unsigned int
     CompilerSetting_ErrorFormat = 32,
     CompilerSetting_ShouldFormat = 64,
     CompilerSetting_CompilerSelection = 128,
-    CompilerSetting_All = 1 | 2 | 8 | 16 | 32 | 64 | 128,
+    CompilerSetting_IncludeFolders = 256,
+    CompilerSetting_All = 1 | 2 | 8 | 16 | 32 | 64 | 128 | 256,
 };
 
 // Default-constructed records hold the defaults used when a key is missing.
@@ -62,6 +64,8 @@ struct SCompiler
     QTextCharFormat WarningFormat;  // only the foreground colour is kept
     QTextCharFormat ErrorFormat;
     quint32 uiCompilerSelection = 0;
+    // Searched for #include headers after the document's own folder, in order.
+    QStringList IncludeFolders;
 };
 
 // The system's temporary directory with a trailing '/', as UTF-8. Empty when the path is

@@ -52,6 +52,39 @@ bool ReadNumber(const QByteArray& Line, qsizetype& iPos, qint64& iValue)
     return iPos > iStart;
 }
 
+// "KEYWORD: <header path>:<line>:", a message about a line of an included header: the path is
+// what stands before the first ":<digits>:". A number there is the document's own string.
+void ReadHeaderLocation(QByteArrayView Line, qsizetype iAfterWord, SCompileMessage& Message)
+{
+    const qsizetype iStart = iAfterWord + 2;
+    if (Line.size() <= iStart || Line.at(iAfterWord) != ':' || Line.at(iAfterWord + 1) != ' ')
+        return;
+    bool bNumber = true;
+    for (qsizetype iColon = iStart; iColon < Line.size(); ++iColon)
+    {
+        if (Line.at(iColon) != ':')
+        {
+            bNumber = bNumber && IsDigit(Line.at(iColon));
+            continue;
+        }
+        qsizetype iPos = iColon + 1;
+        qint64 iLine = 0;
+        while (iPos < Line.size() && IsDigit(Line.at(iPos)) && iLine <= std::numeric_limits<int>::max())
+            iLine = iLine * 10 + (Line.at(iPos++) - '0');
+        if (iPos == iColon + 1 || iPos >= Line.size() || Line.at(iPos) != ':'
+            || iLine > std::numeric_limits<int>::max())
+        {
+            bNumber = false;
+            continue;
+        }
+        if (bNumber || iColon == iStart)
+            return;
+        Message.File = QString::fromUtf8(Line.sliced(iStart, iColon - iStart));
+        Message.iFileLine = static_cast<int>(iLine);
+        return;
+    }
+}
+
 // Moves the line number of "KEYWORD: <string>:<line>" starting at iAfterWord by the offset.
 SCompileMessage MakeMessage(const QByteArray& Line, qsizetype iAfterWord, SCompileMessage::ESeverity eSeverity,
                             int iLineOffset, QByteArray& Text)
@@ -76,6 +109,8 @@ SCompileMessage MakeMessage(const QByteArray& Line, qsizetype iAfterWord, SCompi
             }
         }
     }
+    if (Message.iLine == 0)
+        ReadHeaderLocation(Line, iAfterWord, Message);
     Message.Text = QString::fromUtf8(Text);
     return Message;
 }

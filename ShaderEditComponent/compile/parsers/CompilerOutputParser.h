@@ -22,7 +22,8 @@ struct SCompilerOutput
 // ": <string>:<line>", the line number is moved by iLineOffset (the line at which the compiled
 // unit starts in its document) both in the text and in the message's iLine, so that a
 // double-click in the log lands on the document's own line. Numbers too large to move leave
-// the line as it is, without a line.
+// the line as it is, without a line. When <string> is the path of an included header instead of
+// a number, the message keeps the header and its line in File and iFileLine, unmoved.
 [[nodiscard]] SCompilerOutput ParseCompilerOutput(const QByteArray& Output, int iLineOffset);
 
 // The most of a failed run's raw output that the log shows: 16 KiB.

@@ -109,11 +109,15 @@ QString IncludeFolderFor(const QString& DocumentPath)
     return DocumentPath.isEmpty() ? QString() : QFileInfo(DocumentPath).absolutePath();
 }
 
-QStringList IncludeFolderArguments(const QString& Folder)
+QStringList IncludeFolderArguments(const QString& Folder, const QStringList& MoreFolders)
 {
-    if (Folder.isEmpty())
-        return QStringList();
-    return {QStringLiteral("-I"), Folder};
+    QStringList Arguments;
+    for (const QString& Each : QStringList(Folder) + MoreFolders)
+    {
+        if (!Each.isEmpty())
+            Arguments << QStringLiteral("-I") << Each;
+    }
+    return Arguments;
 }
 
 QString FormatCommandLine(const SCompileCommand& Command)

@@ -38,11 +38,12 @@ SCompileCommand BuildCompilerCommand(const QString& Executable, const QString& I
 // Adds an option where it is still read as one: before "--" if there is one, else at the end.
 void AddOption(SCompileCommand& Command, const QString& Option);
 
-// The folder an OpenCL document's local headers are searched in: the folder of its file, empty
-// for a document that was never saved.
+// The folder a document's local headers are searched in: the folder of its file, empty for a
+// document that was never saved.
 [[nodiscard]] QString IncludeFolderFor(const QString& DocumentPath);
-// "-I" and the folder, as two arguments; nothing for an empty folder.
-[[nodiscard]] QStringList IncludeFolderArguments(const QString& Folder);
+// "-I" and the folder, as two arguments, for Folder and then each of MoreFolders; nothing for
+// an empty folder.
+[[nodiscard]] QStringList IncludeFolderArguments(const QString& Folder, const QStringList& MoreFolders = {});
 
 // The command as one line of text, in argument order: the program and each argument that is
 // not a switch in double quotes followed by a blank, each switch as " -name". SplitCommandLine

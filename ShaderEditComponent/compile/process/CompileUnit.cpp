@@ -27,6 +27,7 @@ struct SUnitOutputs
     QString OutputBase;
     bool bProfile = false;
     bool bDisassembly = false;
+    bool bDependencies = false; // the private folder may hold the headers the compile read
 };
 
 void AppendLog(SCompileResult& Result, const QByteArray& Text)
@@ -80,6 +81,26 @@ void ReadDisassembly(const QString& Path, SCompileResult::SProfile& Profile, SCo
     Result.Disassembly += Profile.Disassembly;
 }
 
+// "<output base>.deps": one header a line. Written by a compiler that knows it, also on failure.
+void ReadDependencies(const QString& Path, SCompileResult& Result)
+{
+    if (!QFile::exists(Path))
+        return;
+    QByteArray Bytes;
+    QString Error;
+    if (!ReadOutputFile(Path, Bytes, Error))
+    {
+        AppendLogLine(Result, Error);
+        return;
+    }
+    for (const QByteArray& Line : Bytes.split('\n'))
+    {
+        const QString File = QString::fromUtf8(Line.trimmed());
+        if (!File.isEmpty() && !Result.IncludedFiles.contains(File))
+            Result.IncludedFiles.append(File);
+    }
+}
+
 // The unit's verdict line, and how the compiler ended when a signal ended it.
 void AppendHeader(SCompileResult& Result, const SCompileUnit& Unit, EUIString eText, const QString& EndedBySignal)
 {
@@ -104,6 +125,8 @@ ECompileStatus JudgeRun(const SCompileUnit& Unit, const SCommandRun& Run, const 
         AppendLogLine(Result, UIString(UIS_FailedToExecuteCompiler));
         return CompileStatus_NotRun;
     }
+    if (Outputs.bDependencies)
+        ReadDependencies(Outputs.OutputBase + QStringLiteral(".deps"), Result);
     const SCompilerOutput Parsed = ParseCompilerOutput(Run.Output, Unit.iLineOffset);
     const ECompileStatus eStatus = Parsed.bSucceeded ? Run.eStatus : CompileStatus_Failed;
     const QString EndedBySignal = Run.iExitSignal == 0 ? QString()
@@ -183,6 +206,7 @@ ECompileStatus CompileSource(const SCompileUnit& Unit, const QByteArray& Source,
                                                          Target.uiSwitches, Target.ExtraArguments);
     Outputs.bProfile = AsksFor(Command, "-profile");
     Outputs.bDisassembly = AsksFor(Command, "-disasm");
+    Outputs.bDependencies = true;
 
     SRunOptions Options;
     Options.iOutputCap = Target.iOutputCap;

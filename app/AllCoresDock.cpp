@@ -1,0 +1,95 @@
+#include "AllCoresDock.h"
+
+#include "ShaderEditComponent/compile/controller/CAllCoresCompile.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
+#include "ShaderEditComponent/compile/process/CompileCommandLine.h"
+#include "ShaderEditComponent/CShaderEditAllCoresOutput.h"
+#include "ShaderEditComponent/CShaderEditor.h"
+#include "ShaderEditComponent/CShaderEditPanel.h"
+
+#include <QAction>
+#include <QDockWidget>
+#include <QMainWindow>
+#include <QMenu>
+
+CAllCoresDock::CAllCoresDock(QMainWindow& Window, CShaderEditor& Editor, const CShaderEditController& Controller,
+                             QMenu& ViewMenu)
+    : QObject(&Window)
+    , m_Editor(Editor)
+    , m_pCompile(new CAllCoresCompile(Controller, this))
+{
+    setObjectName(QStringLiteral("AllCoresDock"));
+    m_pView = new CShaderEditAllCoresOutput(&Window);
+    m_pDock = new QDockWidget(tr("All Cores"), &Window);
+    m_pDock->setObjectName(QStringLiteral("DockWidget_AllCores"));
+    m_pDock->setWidget(m_pView);
+    m_pDock->toggleViewAction()->setText(tr("Show All Cores"));
+    Window.addDockWidget(Qt::BottomDockWidgetArea, m_pDock);
+    ViewMenu.addAction(m_pDock->toggleViewAction());
+    // Off until asked for: four more compiles per keystroke are not for everyone.
+    m_pDock->hide();
+
+    connect(m_pDock, &QDockWidget::visibilityChanged, this, &CAllCoresDock::OnVisibilityChanged);
+    connect(&Editor, &CShaderEditor::CancelCompile, m_pCompile, &CAllCoresCompile::OnCancel);
+    connect(&Editor, &CShaderEditor::RecompileContents, this,
+            [this](const CZamTHash& PanelID, const QString&, EShaderDocType, ECompileInvocationType)
+            {
+                const CShaderEditPanel* pPanel = m_Editor.GetCurrentPanel();
+                if (m_pDock->isVisible() && pPanel && pPanel->GetPanelID() == PanelID)
+                    CompileCurrent();
+            });
+    connect(&Editor, qOverload<const CZamTHash&>(&CShaderEditor::PanelChanged), this, &CAllCoresDock::ShowPanel);
+    connect(m_pCompile, &CAllCoresCompile::Compiled, this,
+            [this](const CZamTHash& PanelID, const SAllCoresResult& Result)
+            {
+                const CShaderEditPanel* pPanel = m_Editor.GetCurrentPanel();
+                if (pPanel && pPanel->GetPanelID() == PanelID)
+                    m_pView->OnResult(Result);
+            });
+}
+
+CAllCoresDock::~CAllCoresDock() = default;
+
+void CAllCoresDock::OnVisibilityChanged(bool bVisible)
+{
+    const CShaderEditPanel* pPanel = m_Editor.GetCurrentPanel();
+    if (!pPanel)
+        return;
+    if (!bVisible)
+        m_pCompile->OnCancel(pPanel->GetPanelID());
+    else
+        ShowPanel(pPanel->GetPanelID());
+}
+
+void CAllCoresDock::ShowPanel(const CZamTHash& PanelID)
+{
+    if (!m_pDock->isVisible())
+        return;
+    const CShaderEditPanel* pPanel = m_Editor.GetCurrentPanel();
+    if (!pPanel || pPanel->GetPanelID() != PanelID || !CAllCoresCompile::Compiles(pPanel->GetDocumentType()))
+    {
+        m_pView->OnNotCompiled();
+        return;
+    }
+    if (const SAllCoresResult* pResult = m_pCompile->GetResult(PanelID))
+        m_pView->OnResult(*pResult);
+    else
+        m_pView->OnClear();
+    // Figures of text edited while the dock was hidden would be out of date.
+    CompileCurrent();
+}
+
+void CAllCoresDock::CompileCurrent()
+{
+    const CShaderEditPanel* pPanel = m_Editor.GetCurrentPanel();
+    if (!pPanel)
+        return;
+    if (!CAllCoresCompile::Compiles(pPanel->GetDocumentType()))
+    {
+        m_pView->OnNotCompiled();
+        return;
+    }
+    m_pView->OnCompiling();
+    m_pCompile->OnCompile(pPanel->GetPanelID(), pPanel->toPlainText(), pPanel->GetDocumentType(),
+                          IncludeFolderFor(ToQString(pPanel->GetFilename())));
+}
