@@ -12,6 +12,8 @@
 //                                 with both kinds of highlights shown: ten pages down,
 //                                 then <keys> keystrokes
 //   bench_editing large <keys>    only the 64 MiB document: open, then <keys> keystrokes
+//   bench_editing marks <keys>    with a compile's messages marked on every tenth line and
+//                                 changed cycle counts in the gutter, <keys> keystrokes
 // e.g. valgrind --tool=callgrind --collect-atstart=no --toggle-collect='*Scenario*'
 //      bench/bench_editing typing 20
 
@@ -208,6 +210,35 @@ std::pair<std::vector<double>, std::vector<double>> ScenarioAmongHighlights(CSha
     return {Pages, Keystrokes};
 }
 
+// A compile result as a broken shader gives it: an error or a warning on every tenth line,
+// and counts on every line of which every third moved since the result before.
+void MarkCompileResult(CShaderEditPanel* pPanel)
+{
+    SCompileResult Result;
+    CZamTArray<int> Before;
+    CZamTArray<int> After;
+    for (int iLine = 1; iLine <= pPanel->blockCount(); ++iLine)
+    {
+        if (iLine % 10 == 0)
+        {
+            const bool bError = iLine % 20 == 0;
+            SCompileMessage Message;
+            Message.iLine = iLine;
+            Message.eSeverity = bError ? SCompileMessage::Severity_Error : SCompileMessage::Severity_Warning;
+            Message.Text = QStringLiteral("%1: 0:%2: 'shade' : something to say")
+                               .arg(bError ? QStringLiteral("ERROR") : QStringLiteral("WARNING"))
+                               .arg(iLine);
+            Result.Messages.append(Message);
+        }
+        Before.Append(iLine % 7);
+        After.Append(iLine % 3 == 0 ? iLine % 7 + 1 : iLine % 7);
+    }
+    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), Before);
+    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), After);
+    pPanel->OnPanelResultChanged(pPanel->GetPanelID(), Result);
+    QApplication::processEvents();
+}
+
 void DisableCursorMatching(CShaderEditor* pEditor)
 {
     // Cursor matching is timed on its own. Its timer would fire between keystrokes whenever
@@ -347,6 +378,12 @@ int main(int argc, char** argv)
         ScenarioTyping(pPanel, argc > 2 ? std::atoi(argv[2]) : 20);
         return 0;
     }
+    if (std::strcmp(pScenario, "marks") == 0)
+    {
+        MarkCompileResult(pPanel);
+        ScenarioTyping(pPanel, argc > 2 ? std::atoi(argv[2]) : 20);
+        return 0;
+    }
 
     CFindReplace FindBar;
     FindBar.SetDelegate(&Fixture.Editor);
@@ -378,6 +415,9 @@ int main(int argc, char** argv)
 
     const std::vector<double> Keystrokes = ScenarioTyping(pPanel, 200);
     const double dKeystrokeP99 = Percentile(Keystrokes, 0.99);
+    MarkCompileResult(pPanel);
+    std::printf("with %d compile messages marked:\n", pPanel->blockCount() / 10);
+    const double dMarkedP99 = Percentile(ScenarioTyping(pPanel, 200), 0.99);
 
     PlaceCursorOnWord(pPanel);
     const double dCursorMatchMs = ScenarioCursorMatch(&Fixture.Editor, pPanel);
@@ -396,9 +436,10 @@ int main(int argc, char** argv)
                 Percentile(Highlighted, 0.99));
 
     const SLargeFigures Large = ScenarioLargeDocument(Fixture.Dir.path(), 200);
-    std::printf("open_ms=%.1f keystroke_p99_ms=%.2f cursor_match_ms=%.1f quick_find_ms=%.1f open64_ms=%.0f "
-                "open64_vs_bare=%.2f keystroke64_p99_ms=%.2f keystroke64_vs_bare=%.2f\n",
-                Fixture.dOpenMs, dKeystrokeP99, dCursorMatchMs, dQuickFindMs, Large.dOpenMs, Large.dOpenRatio,
-                Large.dKeystrokeP99Ms, Large.dKeystrokeRatio);
+    std::printf("open_ms=%.1f keystroke_p99_ms=%.2f keystroke_marked_p99_ms=%.2f cursor_match_ms=%.1f "
+                "quick_find_ms=%.1f open64_ms=%.0f open64_vs_bare=%.2f keystroke64_p99_ms=%.2f "
+                "keystroke64_vs_bare=%.2f\n",
+                Fixture.dOpenMs, dKeystrokeP99, dMarkedP99, dCursorMatchMs, dQuickFindMs, Large.dOpenMs,
+                Large.dOpenRatio, Large.dKeystrokeP99Ms, Large.dKeystrokeRatio);
     return 0;
 }

@@ -223,6 +223,15 @@ void CEditPanelTest::CountsGoWithTheCompiledType()
 
 namespace
 {
+SCompileMessage MessageAt(int iLine, SCompileMessage::ESeverity eSeverity, const QString& Text)
+{
+    SCompileMessage Message;
+    Message.iLine = iLine;
+    Message.eSeverity = eSeverity;
+    Message.Text = Text;
+    return Message;
+}
+
 CZamTArray<int> CountsOf(std::initializer_list<int> Values)
 {
     CZamTArray<int> Counts;
@@ -317,12 +326,13 @@ void CEditPanelTest::MessagesMarkTheirLines()
     pPanel->OnCompilerSettingsChanged(Compiler, 0);
 
     SCompileResult Result;
-    Result.Messages = {{3, SCompileMessage::Severity_Error, QStringLiteral("ERROR: 0:3: 'x' : undeclared identifier")},
-                       {5, SCompileMessage::Severity_Warning, QStringLiteral("WARNING: 0:5: unused")},
-                       {5, SCompileMessage::Severity_Error, QStringLiteral("ERROR: 0:5: 'y' : undeclared identifier")},
-                       {4, SCompileMessage::Severity_Warning, QStringLiteral("WARNING: 0:4: blank line")},
-                       {0, SCompileMessage::Severity_Error, QStringLiteral("ERROR: no line")},
-                       {99, SCompileMessage::Severity_Error, QStringLiteral("ERROR: 0:99: past the end")}};
+    Result.Messages = {
+        MessageAt(3, SCompileMessage::Severity_Error, QStringLiteral("ERROR: 0:3: 'x' : undeclared identifier")),
+        MessageAt(5, SCompileMessage::Severity_Warning, QStringLiteral("WARNING: 0:5: unused")),
+        MessageAt(5, SCompileMessage::Severity_Error, QStringLiteral("ERROR: 0:5: 'y' : undeclared identifier")),
+        MessageAt(4, SCompileMessage::Severity_Warning, QStringLiteral("WARNING: 0:4: blank line")),
+        MessageAt(0, SCompileMessage::Severity_Error, QStringLiteral("ERROR: no line")),
+        MessageAt(99, SCompileMessage::Severity_Error, QStringLiteral("ERROR: 0:99: past the end"))};
     pPanel->OnPanelResultChanged(CZamTHash("/tmp/other.fsh"), Result);
     QVERIFY(Underlines(pPanel.get()).isEmpty());
     pPanel->OnPanelResultChanged(pPanel->GetPanelID(), Result);

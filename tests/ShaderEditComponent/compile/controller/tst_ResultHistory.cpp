@@ -7,12 +7,21 @@
 
 namespace
 {
+SCompileMessage MessageAt(int iLine, SCompileMessage::ESeverity eSeverity, const QString& Text)
+{
+    SCompileMessage Message;
+    Message.iLine = iLine;
+    Message.eSeverity = eSeverity;
+    Message.Text = Text;
+    return Message;
+}
+
 SCompileResult MakeResult(ECompileStatus eStatus, const char* pLog, float fCycles = -1.0f)
 {
     SCompileResult Result;
     Result.iStatus = eStatus;
     Result.Log = pLog;
-    Result.Messages.append({3, SCompileMessage::Severity_Error, QString::fromLatin1(pLog)});
+    Result.Messages.append(MessageAt(3, SCompileMessage::Severity_Error, QString::fromLatin1(pLog)));
     if (fCycles >= 0.0f)
     {
         SCompileResult::SProfile Profile;
