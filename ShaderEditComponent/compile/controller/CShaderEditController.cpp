@@ -216,6 +216,10 @@ CCompiler* CShaderEditController::StartCompiler(const CZamTHash& PanelID, unsign
     Setup.Executable = m_CompilerPath;
     Setup.OpenCLExecutable = m_OpenCLPath;
     Setup.uiOpenCLSwitches = m_OpenCLDetection.uiOptionFlags;
+    Setup.IncludeFolders = m_Compiler.IncludeFolders;
+    // Only a compiler that lists -I is given the folders; a custom one may not know it.
+    for (uint32_t i = 0; i < m_Detection.Options.GetSize(); ++i)
+        Setup.bGLSLIncludeFolders = Setup.bGLSLIncludeFolders || m_Detection.Options[i] == QLatin1String("I");
     Setup.TempDirectory = ToQString(m_Compiler.TempDirectory);
     Setup.CompilerString = m_Detection.Compiler;
     Setup.VersionString = m_Detection.Version;
