@@ -14,12 +14,6 @@
 #include <QTextBlock>
 #include <QVBoxLayout>
 
-namespace
-{
-// Behind the instructions of the editor's line; the editor lights the line in the same colour.
-const QColor s_InstructionBackground(196, 222, 255);
-} // namespace
-
 CShaderEditASMOutput::CShaderEditASMOutput(CShaderEditController* pController,
                                            const CShaderHighlightController* pHighlightController, QWidget* pParent)
     : QFrame(pParent)
@@ -181,7 +175,7 @@ void CShaderEditASMOutput::HighlightSourceLine(bool bScroll)
                 continue;
             QTextEdit::ExtraSelection Selection;
             Selection.cursor = QTextCursor(m_pOutput->document()->findBlockByNumber(i));
-            Selection.format.setBackground(s_InstructionBackground);
+            Selection.format.setBackground(SourceLineBackground(m_pOutput->palette()));
             Selection.format.setProperty(QTextFormat::FullWidthSelection, true);
             Selections.append(Selection);
         }

@@ -4,6 +4,7 @@
 #include "CompileChange.h"
 #include "CompileMarks_p.h"
 #include "EditDocumentLayout_p.h"
+#include "OutputViewSupport.h"
 #include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/highlighting/PaletteColours.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
@@ -59,9 +60,10 @@ bool IsEffectType(EShaderDocType eType)
 }
 
 // Behind the cycle count of a line whose cost the last change moved.
-const QColor s_ChangedCountBackground(255, 226, 130);
-// Behind a source line whose instructions were picked in the disassembly.
-const QColor s_SourceLineBackground(196, 222, 255);
+QColor ChangedCountBackground(const QPalette& Palette)
+{
+    return IsDarkPalette(Palette) ? QColor(112, 92, 24) : QColor(255, 226, 130);
+}
 // The width of a message marker at the left of the line-number gutter.
 constexpr int s_iMarkerWidth = 3;
 } // namespace
@@ -439,7 +441,7 @@ void CShaderEditPanel::ShowSourceLine(int iLine)
     }
     QTextEdit::ExtraSelection Selection;
     Selection.cursor = QTextCursor(Block);
-    Selection.format.setBackground(s_SourceLineBackground);
+    Selection.format.setBackground(SourceLineBackground(palette()));
     Selection.format.setProperty(QTextFormat::FullWidthSelection, true);
     SetHighlightSelections(Highlight_SourceLine, {Selection});
 }
@@ -501,13 +503,14 @@ void CShaderEditPanel::PaintLineMarkers(QPainter& Painter, const QRect& Dirty)
 
 void CShaderEditPanel::PaintChangedCounts(QPainter& Painter, const QRect& Dirty)
 {
+    const QColor Background = ChangedCountBackground(palette());
     QTextBlock Block = firstVisibleBlock();
     qreal dTop = blockBoundingGeometry(Block).translated(contentOffset()).top();
     for (; Block.isValid() && dTop <= Dirty.bottom(); Block = Block.next())
     {
         const qreal dHeight = blockBoundingRect(Block).height();
         if (Block.isVisible() && dTop + dHeight >= Dirty.top() && m_pCounts->HasChanged(Block.blockNumber()))
-            Painter.fillRect(QRectF(0, dTop, m_pCycleCountArea->width(), dHeight), s_ChangedCountBackground);
+            Painter.fillRect(QRectF(0, dTop, m_pCycleCountArea->width(), dHeight), Background);
         dTop += dHeight;
     }
 }
@@ -524,7 +527,8 @@ void CShaderEditPanel::OnCompilerSettingsChanged(const Settings::SCompiler& Sett
 {
     m_bAutoCompile = Settings.bAutoCompile;
     // The marks speak in the log's colours.
-    m_pMarks->SetColours(Settings.ErrorFormat.foreground().color(), Settings.WarningFormat.foreground().color());
+    m_pMarks->SetColours(ColourForPalette(Settings.ErrorFormat.foreground().color(), palette()),
+                         ColourForPalette(Settings.WarningFormat.foreground().color(), palette()));
     if (!m_pMarks->IsEmpty())
         ShowHighlightsNearViewport();
     if (uiChangedMask & Settings::CompilerSetting_CustomCompilerPath)

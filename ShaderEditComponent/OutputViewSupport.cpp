@@ -1,6 +1,7 @@
 #include "OutputViewSupport.h"
 
 #include "ShaderEditComponent/compile/model/ZamStringConversion.h"
+#include "ShaderEditComponent/highlighting/PaletteColours.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
@@ -52,6 +53,11 @@ QString BreakOverlongLines(const QString& Text, qsizetype iMaxLength)
         Broken += Char;
     }
     return Broken;
+}
+
+QColor SourceLineBackground(const QPalette& Palette)
+{
+    return IsDarkPalette(Palette) ? QColor(38, 66, 104) : QColor(196, 222, 255);
 }
 
 SShaderSelector CreateShaderSelector(QWidget* pParent, const char* pLayoutName, const char* pLabelName,

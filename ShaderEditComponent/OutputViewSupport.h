@@ -6,9 +6,11 @@
 #include "Tools/ZamTArray.h"
 #include "Tools/ZamTString.h"
 
+#include <QColor>
 #include <QString>
 
 class QComboBox;
+class QPalette;
 class QHBoxLayout;
 class QLabel;
 class QWidget;
@@ -21,6 +23,10 @@ constexpr qsizetype MaxOutputLineLength = 4096;
 // Text with every line longer than iMaxLength continued on further lines; nothing is left
 // out. Text without such lines comes back as it is, without a copy.
 [[nodiscard]] QString BreakOverlongLines(const QString& Text, qsizetype iMaxLength = MaxOutputLineLength);
+
+// Behind a source line and its instructions when one of them is picked in the editor or the
+// disassembly; light or dark with the palette.
+[[nodiscard]] QColor SourceLineBackground(const QPalette& Palette);
 
 // The "Shader:" row of a view, with which the user picks one shader of an effect file.
 struct SShaderSelector
