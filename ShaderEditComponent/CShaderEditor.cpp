@@ -2,12 +2,14 @@
 
 #include "CShaderEditPanel.h"
 #include "DocumentFile.h"
+#include "DocumentWatcher.h"
 #include "HighlightSelections_p.h"
 #include "IShaderEditorDelegate.h"
 #include "NewFileName_p.h"
 #include "ShaderEditComponent/compile/controller/CShaderEditController.h"
 #include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/compile/process/CompileCommandLine.h"
+#include "ShaderEditComponent/highlighting/PaletteColours.h"
 #include "WordMatches_p.h"
 
 #include <algorithm>
@@ -34,6 +36,7 @@ CShaderEditor::CShaderEditor(const CShaderHighlightController* pHighlight, QWidg
     : QWidget(pParent)
     , m_pTabWidget(new QTabWidget(this))
     , m_pHighlight(pHighlight)
+    , m_pWatcher(new CDocumentWatcher(this))
 {
     auto* pLayout = new QVBoxLayout(this);
     pLayout->setContentsMargins(0, 0, 0, 0);
@@ -45,6 +48,8 @@ CShaderEditor::CShaderEditor(const CShaderHighlightController* pHighlight, QWidg
     connect(m_pTabWidget, &QTabWidget::tabCloseRequested, this, &CShaderEditor::OnCloseTabRequest);
     connect(m_pTabWidget, &QTabWidget::currentChanged, this, &CShaderEditor::OnPanelChanged);
     connect(&m_CursorMatchTimer, &QTimer::timeout, this, &CShaderEditor::OnHighlightCursorMatches);
+    connect(m_pWatcher, &CDocumentWatcher::FileChanged, this, &CShaderEditor::OnFileChangedOnDisk);
+    connect(m_pWatcher, &CDocumentWatcher::FileDeleted, this, &CShaderEditor::OnFileDeletedOnDisk);
 }
 
 CShaderEditor::~CShaderEditor()
@@ -106,6 +111,17 @@ int CShaderEditor::IndexOfPanel(const CShaderEditPanel* pPanel) const
     for (int i = 0; i < GetTabCount(); ++i)
     {
         if (GetPanel(i) == pPanel)
+            return i;
+    }
+    return -1;
+}
+
+int CShaderEditor::IndexOfFile(const QString& Path) const
+{
+    const CZamTString FileName = ToZamString(Path);
+    for (int i = 0; i < GetTabCount(); ++i)
+    {
+        if (GetPanel(i)->GetFilename() == FileName)
             return i;
     }
     return -1;
@@ -217,13 +233,11 @@ bool CShaderEditor::OnOpenFile(const QString& Path)
     // Absolute and clean, so one file reached through two spellings is one tab.
     const QString FullPath = QDir::toNativeSeparators(QDir::cleanPath(QFileInfo(Path).absoluteFilePath()));
     const CZamTString FileName = ToZamString(FullPath);
-    for (int i = 0; i < GetTabCount(); ++i)
+    const int iOpen = IndexOfFile(FullPath);
+    if (iOpen >= 0)
     {
-        if (GetPanel(i)->GetFilename() == FileName)
-        {
-            m_pTabWidget->setCurrentIndex(i);
-            return true;
-        }
+        m_pTabWidget->setCurrentIndex(iOpen);
+        return true;
     }
 
     const SFileReadResult Read = ReadDocumentFile(FullPath);
@@ -237,14 +251,15 @@ bool CShaderEditor::OnOpenFile(const QString& Path)
     m_LastFolder = QFileInfo(FullPath).absolutePath();
     CShaderEditPanel* pPanel = AddPanel(QFileInfo(FullPath).fileName(), &Document.Text, FullPath, DocType_Detect);
     pPanel->SetFileFormat(Document.Format);
+    m_pWatcher->Watch(FullPath, Read.Bytes);
     emit FileOpened(FullPath);
     return true;
 }
 
 bool CShaderEditor::WritePanel(CShaderEditPanel* pPanel, const QString& Path)
 {
-    const SFileWriteResult Written =
-        WriteDocumentFile(Path, EncodeDocument(pPanel->toPlainText(), pPanel->GetFileFormat()));
+    const QByteArray Bytes = EncodeDocument(pPanel->toPlainText(), pPanel->GetFileFormat());
+    const SFileWriteResult Written = WriteDocumentFile(Path, Bytes);
     if (!Written.bOk)
     {
         if (m_pDelegate)
@@ -253,6 +268,9 @@ bool CShaderEditor::WritePanel(CShaderEditPanel* pPanel, const QString& Path)
     }
     pPanel->MarkSaved();
     m_LastFolder = QFileInfo(Path).absolutePath();
+    if (ToQString(pPanel->GetFilename()) != Path)
+        m_pWatcher->Unwatch(ToQString(pPanel->GetFilename()));
+    m_pWatcher->Watch(Path, Bytes);
     return true;
 }
 
@@ -315,6 +333,7 @@ bool CShaderEditor::CloseTab(int iIndex)
         if (eAnswer == QMessageBox::Save && !SaveTab(iIndex))
             return false;
     }
+    m_pWatcher->Unwatch(ToQString(pPanel->GetFilename()));
     QWidget* pPage = m_pTabWidget->widget(iIndex);
     m_pTabWidget->removeTab(iIndex);
     pPage->deleteLater();
@@ -375,6 +394,34 @@ void CShaderEditor::OnPanelFilenameChanged(const QString& FileName)
     m_pTabWidget->setTabToolTip(iIndex, QDir::toNativeSeparators(FileName));
 }
 
+// Unmodified documents follow their file quietly; changes typed here are only given up when
+// the user says so. A document equal to the file again is simply saved.
+void CShaderEditor::OnFileChangedOnDisk(const QString& Path, const QByteArray& Bytes)
+{
+    const int iIndex = IndexOfFile(Path);
+    if (iIndex < 0)
+        return;
+    CShaderEditPanel* pPanel = GetPanel(iIndex);
+    const SDocumentText Disk = DecodeDocument(Bytes);
+    if (Disk.Text != pPanel->toPlainText())
+    {
+        if (pPanel->IsModified()
+            && !(m_pDelegate && m_pDelegate->AskReloadChangedFile(QDir::toNativeSeparators(Path))))
+            return;
+        ReloadTextKeepingView(pPanel, Disk.Text);
+    }
+    pPanel->SetFileFormat(Disk.Format);
+    pPanel->MarkSaved();
+}
+
+// The text stays; marking it modified is what makes the user save it again.
+void CShaderEditor::OnFileDeletedOnDisk(const QString& Path)
+{
+    const int iIndex = IndexOfFile(Path);
+    if (iIndex >= 0)
+        GetPanel(iIndex)->document()->setModified(true);
+}
+
 void CShaderEditor::OnPanelChanged(int iIndex)
 {
     CShaderEditPanel* pPanel = GetPanel(iIndex);
@@ -428,7 +475,7 @@ void CShaderEditor::OnHighlightCursorMatches()
     // One pass over the panel's plain text finds what repeated QTextDocument::find calls
     // would, without taking each line out of the document.
     QTextCharFormat Format;
-    Format.setBackground(m_EditorSettings.CursorMatchColour);
+    Format.setBackground(ColourForPalette(m_EditorSettings.CursorMatchColour, pPanel->palette()));
     const QVector<STextRange> Matches = FindWholeWordMatches(pPanel->GetPlainText(), Text);
     pPanel->SetHighlightSelections(CShaderEditPanel::Highlight_CursorMatches,
                                    MakeHighlights(pPanel->document(), Matches, Format));
@@ -584,7 +631,7 @@ QPlainTextEdit* CShaderEditor::GetTextEdit()
 QTextCharFormat CShaderEditor::GetFindResultFormat() const
 {
     QTextCharFormat Format;
-    Format.setBackground(m_EditorSettings.FindResultColour);
+    Format.setBackground(ColourForPalette(m_EditorSettings.FindResultColour, palette()));
     return Format;
 }
 

@@ -11,6 +11,7 @@
 #include <QTimer>
 #include <QWidget>
 
+class CDocumentWatcher;
 class CShaderEditController;
 class CShaderEditPanel;
 class CShaderHighlightController;
@@ -105,6 +106,8 @@ private slots:
     void OnPanelChanged(int iIndex);
     void OnPanelFilenameChanged(const QString& FileName);
     void OnHighlightCursorMatches();
+    void OnFileChangedOnDisk(const QString& Path, const QByteArray& Bytes);
+    void OnFileDeletedOnDisk(const QString& Path);
 
 private:
     CShaderEditPanel* AddPanel(const QString& Title, const QString* pText, const QString& Path, EShaderDocType eType);
@@ -114,6 +117,7 @@ private:
     bool WritePanel(CShaderEditPanel* pPanel, const QString& Path);
     bool CloseTab(int iIndex);
     int IndexOfPanel(const CShaderEditPanel* pPanel) const;
+    int IndexOfFile(const QString& Path) const;
     QString DocumentName(int iIndex) const;
     // Where the panel's document finds the files it names (an effect's FILE shaders, a kernel's
     // headers): its file's folder; for a never-saved document the folder last opened from or
@@ -130,4 +134,5 @@ private:
     Settings::SEditor m_EditorSettings;
     Settings::SCompiler m_CompilerSettings;
     QString m_LastFolder; // of the last file opened or saved
+    CDocumentWatcher* m_pWatcher; // the open files, for changes made by other programs
 };

@@ -26,4 +26,12 @@ public:
     virtual bool GetOpenFileName(CZamTString& FileName) = 0;
     // Reports a failed read or write of Path; Error is the complete message.
     virtual void ReportIOError(const CZamTString& Path, const CZamTString& Error) = 0;
+    // Asks whether the modified document FileName, changed on disk by another program, should
+    // be read again, giving up the changes made in the editor. Keeping them is the answer
+    // that loses nothing, so that is what a host that does not ask gets.
+    virtual bool AskReloadChangedFile(const QString& FileName)
+    {
+        Q_UNUSED(FileName);
+        return false;
+    }
 };

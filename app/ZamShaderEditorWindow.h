@@ -56,6 +56,7 @@ public:
     int ShowPrintDialog(QPrinter* pPrinter, bool bHasSelection) override;
     bool GetOpenFileName(CZamTString& FileName) override;
     void ReportIOError(const CZamTString& Path, const CZamTString& Error) override;
+    bool AskReloadChangedFile(const QString& FileName) override;
 
 signals:
     void FileTypeChanged(EShaderDocType eType);

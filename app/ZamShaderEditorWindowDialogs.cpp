@@ -13,6 +13,9 @@
 #include "ShaderEditComponent/CShaderEditor.h"
 #include "ShaderEditComponent/CShaderEditPanel.h"
 
+#include <QMessageBox>
+#include <QPushButton>
+
 namespace
 {
 const char* const s_pApplicationText = "ZamShaderEditor 2.0";
@@ -36,6 +39,20 @@ void ZamShaderEditorWindow::OnFeedbackDialog()
 {
     CFeedbackDialog Feedback(this, QLatin1String(s_pApplicationText));
     Feedback.exec();
+}
+
+bool ZamShaderEditorWindow::AskReloadChangedFile(const QString& FileName)
+{
+    QMessageBox Box(QMessageBox::Question, QLatin1String(s_pApplicationText),
+                    QStringLiteral("A document with unsaved changes was changed on disk by another program."),
+                    QMessageBox::Yes | QMessageBox::No, this);
+    Box.setInformativeText(QStringLiteral("Read the file again and give up the changes made here?"));
+    Box.setDetailedText(FileName);
+    Box.button(QMessageBox::Yes)->setText(QStringLiteral("Read Again"));
+    Box.button(QMessageBox::No)->setText(QStringLiteral("Keep My Changes"));
+    // Keeping the typed text is the answer that loses nothing.
+    Box.setDefaultButton(QMessageBox::No);
+    return Box.exec() == QMessageBox::Yes;
 }
 
 void ZamShaderEditorWindow::OnPreferencesDialog()

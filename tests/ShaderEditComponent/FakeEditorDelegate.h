@@ -44,7 +44,15 @@ public:
         Errors << ToQString(Error);
     }
 
+    bool AskReloadChangedFile(const QString& FileName) override
+    {
+        ReloadAsked << FileName;
+        return bReload;
+    }
+
     QMessageBox::StandardButton eAnswer = QMessageBox::Cancel;
+    bool bReload = false;
+    QStringList ReloadAsked;
     std::function<void()> OnAsk; // called while the question is asked
     QString SavePath;
     QString OpenPath;
