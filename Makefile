@@ -39,6 +39,18 @@ test-asan: deps
 	cmake --build $(ASAN_BUILD_DIR) -j $(JOBS)
 	cd $(ASAN_BUILD_DIR) && QT_QPA_PLATFORM=offscreen $(SANITIZER_ENV) ctest --output-on-failure -j $(JOBS)
 
+# Every libFuzzer target (clang, -fsanitize=fuzzer,address,undefined) for SECONDS each, from its
+# seed corpus in the tree; make test replays the same seeds through the normal build.
+FUZZ_BUILD_DIR ?= build-fuzz
+SECONDS ?= 60
+.PHONY: fuzz
+fuzz: deps
+	@test -f $(FUZZ_BUILD_DIR)/build.ninja || CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD_DIR) -G Ninja \
+	  -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZAM_FUZZ=ON -DZAM_BUILD_TESTS=OFF
+	cmake $(FUZZ_BUILD_DIR) >/dev/null
+	cmake --build $(FUZZ_BUILD_DIR) -j $(JOBS) --target $$(cut -d' ' -f1 $(FUZZ_BUILD_DIR)/ZamFuzzers.txt)
+	./tests/fuzz/run-fuzzers.sh $(FUZZ_BUILD_DIR) $(SECONDS)
+
 .PHONY: bench-zfxparser
 bench-zfxparser: configure
 	cmake --build $(BUILD_DIR) -j $(JOBS) --target bench_zfxparser

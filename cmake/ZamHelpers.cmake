@@ -55,8 +55,8 @@ function(zam_add_executable name)
 endfunction()
 
 # zam_add_test(<name> SOURCES ... [LIBS ...] [ENVIRONMENT ...])
-# Tests run headless (offscreen platform) with a private configuration folder, so they
-# never touch the user's preference files.
+# Tests run headless (offscreen platform) with private configuration and state folders, so
+# they never touch the user's preference files or document backups.
 function(zam_add_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;ENVIRONMENT" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
@@ -66,23 +66,31 @@ function(zam_add_test name)
   zam_target_defaults(${name})
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES
-    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/tests/config-${name};ZAM_BIN_DIR=${ZAM_RUNTIME_DIR};ZAM_SOURCE_DIR=${CMAKE_SOURCE_DIR};${ARG_ENVIRONMENT}"
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/tests/config-${name};XDG_STATE_HOME=${CMAKE_BINARY_DIR}/tests/state-${name};ZAM_BIN_DIR=${ZAM_RUNTIME_DIR};ZAM_SOURCE_DIR=${CMAKE_SOURCE_DIR};${ARG_ENVIRONMENT}"
     TIMEOUT 300)
 endfunction()
 
-# zam_add_fuzzer(<name> SOURCES ... [INSTRUMENT <library>...] [LIBS ...] [FLAGS ...])
+# zam_add_fuzzer(<name> SOURCES ... [INSTRUMENT <library>...] [LIBS ...] [FLAGS ...] [CORPUS <folder>])
 # A libFuzzer target, made only when configured with clang++ and -DZAM_FUZZ=ON. The
 # libraries under INSTRUMENT are built once more from their own sources with the fuzzer's
 # sanitizers (as <library>Fuzz), so findings point into our code; LIBS are linked as they are.
-# FLAGS go to the target and the instrumented copies alike.
+# FLAGS go to the target and the instrumented copies alike. CORPUS is the seed folder in the
+# tree (relative to the calling folder): make fuzz starts from it, and in a normal build with
+# tests the test <name>_replay runs every file in it through the same entry point.
 function(zam_add_fuzzer name)
+  cmake_parse_arguments(ARG "" "CORPUS" "SOURCES;INSTRUMENT;LIBS;FLAGS" ${ARGN})
+  if(ARG_CORPUS)
+    get_filename_component(corpus ${ARG_CORPUS} ABSOLUTE BASE_DIR ${CMAKE_CURRENT_SOURCE_DIR})
+  endif()
   if(NOT ZAM_FUZZ)
+    if(ZAM_BUILD_TESTS AND ARG_CORPUS)
+      zam_add_fuzz_replay(${name} SOURCES ${ARG_SOURCES} LIBS ${ARG_INSTRUMENT} ${ARG_LIBS} CORPUS ${corpus})
+    endif()
     return()
   endif()
   if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     message(FATAL_ERROR "ZAM_FUZZ needs clang++ (-DCMAKE_CXX_COMPILER=clang++)")
   endif()
-  cmake_parse_arguments(ARG "" "" "SOURCES;INSTRUMENT;LIBS;FLAGS" ${ARGN})
   set(sanitizers address,undefined)
   set(common -fno-sanitize-recover=undefined -fno-omit-frame-pointer ${ARG_FLAGS})
   set(instrumented)
@@ -108,4 +116,27 @@ function(zam_add_fuzzer name)
   target_link_libraries(${name} PRIVATE ${instrumented} ${ARG_LIBS})
   set_target_properties(${name} PROPERTIES AUTOMOC OFF AUTOUIC OFF AUTORCC OFF RUNTIME_OUTPUT_DIRECTORY ${ZAM_RUNTIME_DIR})
   zam_target_defaults(${name})
+  zam_register_fuzzer(${name} "${corpus}")
+endfunction()
+
+# Enters a fuzz target and its seed folder in <build>/ZamFuzzers.txt, which make fuzz reads.
+function(zam_register_fuzzer name corpus)
+  set_property(GLOBAL APPEND PROPERTY ZAM_FUZZER_TABLE "${name} ${corpus}")
+  get_property(rows GLOBAL PROPERTY ZAM_FUZZER_TABLE)
+  list(JOIN rows "\n" text)
+  file(WRITE ${CMAKE_BINARY_DIR}/ZamFuzzers.txt "${text}\n")
+endfunction()
+
+# zam_add_fuzz_replay(<name> SOURCES ... [LIBS ...] CORPUS <folder>)
+# The fuzz entry point built without libFuzzer as <name>_replay, which feeds it every seed
+# file; tests/support turns each into a test, so a finding once fixed and kept in the corpus
+# stays fixed.
+function(zam_add_fuzz_replay name)
+  cmake_parse_arguments(ARG "" "CORPUS" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name}_replay ${ARG_SOURCES} ${PROJECT_SOURCE_DIR}/tests/support/FuzzReplayMain.cpp)
+  target_include_directories(${name}_replay PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name}_replay PRIVATE ${ARG_LIBS} Qt6::Core)
+  set_target_properties(${name}_replay PROPERTIES AUTOMOC OFF RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  zam_target_defaults(${name}_replay)
+  set_property(GLOBAL APPEND PROPERTY ZAM_FUZZ_REPLAYS "${name}_replay=${ARG_CORPUS}")
 endfunction()

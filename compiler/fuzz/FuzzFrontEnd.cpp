@@ -11,7 +11,9 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t uiSize)
 {
     using namespace ZamCompiler;
-    static CFrontEndProcess* s_pProcess = new CFrontEndProcess();
+    // Kept for the whole run; volatile, so the pointer is not optimised away and the leak
+    // checker of a sanitizer build still sees the object as reachable.
+    static CFrontEndProcess* volatile s_pProcess = new CFrontEndProcess();
     (void)s_pProcess;
 
     const std::string source(reinterpret_cast<const char*>(pData), uiSize);

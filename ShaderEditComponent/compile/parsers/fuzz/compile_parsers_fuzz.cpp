@@ -27,11 +27,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t uiSize)
         __builtin_trap(); // the log shows a bounded part of a failed run's output
 
     CZamTArray<int> CycleCounts;
-    ParseProfile(Text, iOffset, CycleCounts);
+    (void)ParseProfile(Text, iOffset, CycleCounts);
     if (CycleCounts.GetSize() > static_cast<uint32_t>(MaxProfileLine) + uiSize)
         __builtin_trap();
 
-    ParsePerformanceEstimate(Text);
+    (void)ParsePerformanceEstimate(Text);
     if (ParseDisassemblyLines(Text, iOffset).size() != Text.count(QLatin1Char('\n')) + 1)
         __builtin_trap(); // one entry per text line, so views can index it by line
 
@@ -39,6 +39,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t uiSize)
     QString Compiler;
     QString Version;
     CZamTArray<QString> Options;
-    ParseCompilerBanner(Text, Compiler, Version, Options);
+    (void)ParseCompilerBanner(Text, Compiler, Version, Options);
     return 0;
 }
