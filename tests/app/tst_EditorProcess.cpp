@@ -103,6 +103,7 @@ class CEditorProcessTest : public QObject
 private slots:
     void InformationNeedsNoDisplay();
     void SecondStartsHandOverToTheEditor();
+    void SeveralFilesOpenTogether();
 };
 
 void CEditorProcessTest::InformationNeedsNoDisplay()
@@ -150,6 +151,29 @@ void CEditorProcessTest::SecondStartsHandOverToTheEditor()
     QVERIFY(QTest::qWaitFor([&] { return User.Preferences().contains(StoredPath(Later)); }, s_iWaitMs));
     Next.kill();
     Next.waitForFinished(s_iWaitMs);
+}
+
+// What a file manager does with several selected files: one start with all of them.
+void CEditorProcessTest::SeveralFilesOpenTogether()
+{
+    CUser User;
+    const QString First = User.File(QStringLiteral("first.frag"));
+    const QString Second = User.File(QStringLiteral("second.frag"));
+    QProcess Editor;
+    User.Start(Editor, {First, Second});
+    QVERIFY(QTest::qWaitFor(
+        [&] { return User.Preferences().contains(StoredPath(First)) && User.Preferences().contains(StoredPath(Second)); },
+        s_iWaitMs));
+
+    const QString Third = User.File(QStringLiteral("third.frag"));
+    const QString Fourth = User.File(QStringLiteral("fourth.frag"));
+    QCOMPARE(User.RunSecond({Third, Fourth}), 0);
+    QVERIFY(QTest::qWaitFor(
+        [&] { return User.Preferences().contains(StoredPath(Third)) && User.Preferences().contains(StoredPath(Fourth)); },
+        s_iWaitMs));
+    QVERIFY(Editor.state() == QProcess::Running);
+    Editor.kill();
+    Editor.waitForFinished(s_iWaitMs);
 }
 
 QTEST_GUILESS_MAIN(CEditorProcessTest)
