@@ -1,5 +1,6 @@
 #include "CShaderEditor.h"
 
+#include "AtomicFile_p.h"
 #include "CShaderEditPanel.h"
 #include "DocumentFile.h"
 #include "DocumentWatcher.h"
@@ -194,6 +195,16 @@ CShaderEditPanel* CShaderEditor::AddPanel(const QString& Title, const QString* p
     pPanel->setFocus();
     if (bWasEmpty)
         emit StateChanged(2);
+    emit PanelAdded(pPanel);
+    return pPanel;
+}
+
+CShaderEditPanel* CShaderEditor::AddRestoredDocument(const QString& Title, const QString& Text, const QString& Path,
+                                                     EShaderDocType eType, const SDocumentFormat& Format)
+{
+    CShaderEditPanel* pPanel = AddPanel(Title, &Text, Path, eType);
+    pPanel->SetFileFormat(Format);
+    pPanel->document()->setModified(true);
     return pPanel;
 }
 
@@ -247,6 +258,8 @@ bool CShaderEditor::OnOpenFile(const QString& Path)
             m_pDelegate->ReportIOError(FileName, ToZamString(Read.Error));
         return false;
     }
+    // A save of ours that was cut short may have left its temporary file beside the document.
+    RemoveStrayTemporaries(FullPath);
     const SDocumentText Document = DecodeDocument(Read.Bytes);
     m_LastFolder = QFileInfo(FullPath).absolutePath();
     CShaderEditPanel* pPanel = AddPanel(QFileInfo(FullPath).fileName(), &Document.Text, FullPath, DocType_Detect);
@@ -333,6 +346,7 @@ bool CShaderEditor::CloseTab(int iIndex)
         if (eAnswer == QMessageBox::Save && !SaveTab(iIndex))
             return false;
     }
+    emit PanelClosed(pPanel);
     m_pWatcher->Unwatch(ToQString(pPanel->GetFilename()));
     QWidget* pPage = m_pTabWidget->widget(iIndex);
     m_pTabWidget->removeTab(iIndex);

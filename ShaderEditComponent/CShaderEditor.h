@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DocumentFile.h"
 #include "IFindReplaceDelagte.h"
 #include "ShaderEditComponent/compile/model/CompileOptions.h"
 #include "ShaderEditComponent/compile/model/Settings.h"
@@ -42,6 +43,13 @@ public:
     CShaderEditPanel* GetCurrentPanel() const;
     // The file names of all open tabs, in tab order (empty for never-saved documents).
     const CZamTArray<CZamTString>& GetOpenFilenames();
+    int IndexOfPanel(const CShaderEditPanel* pPanel) const;
+    // The tab's title without the modified marker.
+    QString DocumentTitle(int iIndex) const;
+    // A document brought back from a backup: a modified tab with the title it had, the text
+    // and the file it belongs to, which is not touched until the user saves.
+    CShaderEditPanel* AddRestoredDocument(const QString& Title, const QString& Text, const QString& Path,
+                                          EShaderDocType eType, const SDocumentFormat& Format);
 
     // IFindReplaceDelagte
     void ShowFindResults(const QList<QTextEdit::ExtraSelection>& lSelections) override;
@@ -61,6 +69,10 @@ signals:
     void RecompileContents(const CZamTHash& PanelID, const QString& Contents, EShaderDocType eType,
                            ECompileInvocationType eInvocation);
     void CancelCompile(const CZamTHash& PanelID);
+    // A tab was opened, and a tab was closed (saved, unmodified or discarded); the panel is
+    // still alive when PanelClosed arrives.
+    void PanelAdded(CShaderEditPanel* pPanel);
+    void PanelClosed(CShaderEditPanel* pPanel);
 
 public slots:
     void OnNewFile(EShaderDocType eType);
@@ -116,14 +128,12 @@ private:
     bool SaveTabAs(int iIndex);
     bool WritePanel(CShaderEditPanel* pPanel, const QString& Path);
     bool CloseTab(int iIndex);
-    int IndexOfPanel(const CShaderEditPanel* pPanel) const;
     int IndexOfFile(const QString& Path) const;
     QString DocumentName(int iIndex) const;
     // Where the panel's document finds the files it names (an effect's FILE shaders, a kernel's
     // headers): its file's folder; for a never-saved document the folder last opened from or
     // saved to; empty for an unknown panel or before any file was opened or saved.
     QString SourceFolderOf(const CZamTHash& PanelID) const;
-    QString DocumentTitle(int iIndex) const;
     void SetTabTitle(int iIndex, const QString& Title);
 
     IShaderEditorDelegate* m_pDelegate = nullptr;

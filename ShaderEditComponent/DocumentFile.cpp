@@ -1,9 +1,9 @@
 #include "DocumentFile.h"
 
+#include "AtomicFile_p.h"
 #include "ShaderEditComponent/compile/model/UIString.h"
 #include "ShaderEditComponent/compile/process/RegularFile.h"
 
-#include <QSaveFile>
 #include <QStringDecoder>
 
 namespace
@@ -111,19 +111,12 @@ SFileReadResult ReadDocumentFile(const QString& Path)
 SFileWriteResult WriteDocumentFile(const QString& Path, const QByteArray& Bytes)
 {
     SFileWriteResult Result;
-    QSaveFile File(Path);
-    if (!File.open(QIODevice::WriteOnly))
-    {
+    const SAtomicWriteResult Written = WriteFileAtomically(Path, Bytes);
+    if (Written.bOpenFailed)
         Result.Error = UIString(UIS_FailedToSaveFile) + QLatin1Char(' ') + Path + QLatin1Char('\n')
-                       + ReasonText(File.errorString());
-        return Result;
-    }
-    if (File.write(Bytes) != Bytes.size() || !File.commit())
-    {
-        File.cancelWriting();
+                       + ReasonText(Written.Reason);
+    else if (!Written.bOk)
         Result.Error = UIString(UIS_ErrorWhileWritingFile) + Path;
-        return Result;
-    }
-    Result.bOk = true;
+    Result.bOk = Written.bOk;
     return Result;
 }

@@ -1,4 +1,5 @@
 #include "app/controller/CGUIController.h"
+#include "app/dialogs/DocumentRestore.h"
 #include "app/help/CAboutBoxDialog.h"
 #include "app/help/HelpResources.h"
 #include "app/instance/CSingleApplication.h"
@@ -89,6 +90,9 @@ int main(int argc, char** argv)
         if (QFileInfo(Starts.at(i).at(1)).isFile())
             Window.OnOpenFile(Starts.at(i).at(1));
     }
+    // Typed work outlives a crash: this session's backups, and the offer of the last one's.
+    CDocumentBackups Backups(Window.GetEditor());
+    OfferDocumentRestore(&Window, Backups);
     // The splash image is only loaded when it is to be shown.
     CZamPreferences& Store = CGUIController::Instance().GetPreferences();
     if (Store.GetBool(CAboutBoxDialog::ShowSplashKey(), true))

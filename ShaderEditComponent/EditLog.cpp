@@ -1,0 +1,3 @@
+#include "EditLog_p.h"
+
+Q_LOGGING_CATEGORY(lcZamEdit, "zam.edit")
