@@ -51,6 +51,13 @@ fuzz: deps
 	cmake --build $(FUZZ_BUILD_DIR) -j $(JOBS) --target $$(cut -d' ' -f1 $(FUZZ_BUILD_DIR)/ZamFuzzers.txt)
 	./tests/fuzz/run-fuzzers.sh $(FUZZ_BUILD_DIR) $(SECONDS)
 
+# Reliability figures, one name=value line each: kill -9 during saves, crash and restore of
+# five typed-in tabs, the single-instance socket (another user needs root for useradd/runuser).
+.PHONY: reliability
+reliability: configure
+	cmake --build $(BUILD_DIR) -j $(JOBS) --target reliability_save_host reliability_editor_host zam_instance_host
+	python3 bench/reliability/reliability.py $(BUILD_DIR)
+
 .PHONY: bench-zfxparser
 bench-zfxparser: configure
 	cmake --build $(BUILD_DIR) -j $(JOBS) --target bench_zfxparser
