@@ -52,6 +52,8 @@ public:
     EShaderDocType GetDocumentType() const { return m_eDocType; }
     const CZamTString& GetFilename() const { return m_FileName; }
     const CZamTHash& GetPanelID() const { return m_PanelID; }
+    // Compiles the text again when auto-compile is on, as an edit would (an included file changed).
+    void RequestRecompile();
     void SetFilename(const CZamTString& FileName);
     // How the file's bytes were laid out, kept for saving.
     const SDocumentFormat& GetFileFormat() const { return m_FileFormat; }
@@ -126,7 +128,6 @@ private slots:
     void OnRequestDocumentType(CShaderHighlighter* pHighlighter);
 
 private:
-    void RequestRecompile();
     void AutoIndent(int iPosition, int iCharsAdded);
     bool HandleTab();
     void HandleHome(QKeyEvent* pEvent);

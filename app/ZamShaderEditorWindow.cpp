@@ -1,6 +1,7 @@
 #include "ZamShaderEditorWindow.h"
 
 #include "AllCoresDock.h"
+#include "IncludeWatch.h"
 #include "app/controller/ApplicationText.h"
 #include "app/controller/CGUIController.h"
 #include "app/controller/CRecentFiles.h"
@@ -215,6 +216,7 @@ void ZamShaderEditorWindow::BuildDocks()
                     m_pEditor->OnGotoLine(iLine);
             });
     new CAllCoresDock(*this, *m_pEditor, *m_pEditController, *m_Ui.menuView);
+    new CIncludeWatch(*m_pEditor, *m_pEditController, this);
 }
 
 void ZamShaderEditorWindow::ConnectEditor()

@@ -208,6 +208,22 @@ void CIncludesAndCoresTest::IncludedHeadersCompileAndOpenAtTheirLines()
     pWindow->GetEditor()->findChild<QTabWidget*>()->setCurrentIndex(0);
     QTest::mouseDClick(pLog->viewport(), Qt::LeftButton, {}, Box);
     QCOMPARE(pWindow->GetEditor()->GetTabCount(), 2);
+
+    // Saving the fixed header in its tab recompiles the document that includes it.
+    const CZamTHash DocumentID = pPanel->GetPanelID();
+    pWindow->GetEditor()->findChild<QTabWidget*>()->setCurrentIndex(1);
+    QCOMPARE(pWindow->GetEditor()->GetCurrentPanel(), pHeaderPanel);
+    pHeaderPanel->selectAll();
+    pHeaderPanel->insertPlainText(QString::fromLatin1(s_pLighting));
+    QSignalSpy Results(pController, &CShaderEditController::PanelResultChanged);
+    pWindow->GetEditor()->OnSaveCurrentTab();
+    QTRY_VERIFY_WITH_TIMEOUT(std::any_of(Results.begin(), Results.end(),
+                                         [&DocumentID](const QList<QVariant>& Arguments)
+                                         {
+                                             return Arguments.at(0).value<CZamTHash>() == DocumentID
+                                                    && Arguments.at(1).value<SCompileResult>().Messages.isEmpty();
+                                         }),
+                             s_iWait);
 }
 
 void CIncludesAndCoresTest::AllCoresShowsEveryCoreAndFollowsEdits()
