@@ -185,7 +185,8 @@ void CShaderEditASMOutput::HighlightSourceLine(bool bScroll)
         return;
     m_bPlacingCursor = true;
     m_pOutput->setTextCursor(Selections.first().cursor);
-    m_pOutput->ensureCursorVisible();
+    // In the middle, so that the instructions around it show too.
+    m_pOutput->centerCursor();
     m_bPlacingCursor = false;
 }
 
