@@ -66,6 +66,8 @@ CShaderEditAllCoresOutput::CShaderEditAllCoresOutput(QWidget* pParent)
     m_pTable = new QTableWidget(0, Column_Count, this);
     m_pTable->setObjectName(QStringLiteral("AllCoresTable"));
     m_pTable->verticalHeader()->hide();
+    // Four rows fit the height of a log-sized dock.
+    m_pTable->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 4);
     m_pTable->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_pTable->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_pTable->horizontalHeader()->setStretchLastSection(true);

@@ -25,11 +25,20 @@ CAllCoresDock::CAllCoresDock(QMainWindow& Window, CShaderEditor& Editor, const C
     m_pDock->setWidget(m_pView);
     m_pDock->toggleViewAction()->setText(tr("Show All Cores"));
     Window.addDockWidget(Qt::BottomDockWidgetArea, m_pDock);
+    // A tab beside the log: the full width of the window for the table, no room taken from the text.
+    if (QDockWidget* pLog = Window.findChild<QDockWidget*>(QStringLiteral("DockWidget")))
+        Window.tabifyDockWidget(pLog, m_pDock);
     ViewMenu.addAction(m_pDock->toggleViewAction());
     // Off until asked for: four more compiles per keystroke are not for everyone.
     m_pDock->hide();
 
     connect(m_pDock, &QDockWidget::visibilityChanged, this, &CAllCoresDock::OnVisibilityChanged);
+    connect(m_pDock->toggleViewAction(), &QAction::triggered, m_pDock,
+            [this](bool bChecked)
+            {
+                if (bChecked)
+                    m_pDock->raise();
+            });
     connect(&Editor, &CShaderEditor::CancelCompile, m_pCompile, &CAllCoresCompile::OnCancel);
     connect(&Editor, &CShaderEditor::RecompileContents, this,
             [this](const CZamTHash& PanelID, const QString&, EShaderDocType, ECompileInvocationType)
