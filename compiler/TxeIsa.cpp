@@ -1,7 +1,7 @@
 #include "TxeIsa.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <charconv>
 #include <cstring>
 
 namespace ZamCompiler
@@ -95,13 +95,16 @@ char FileLetter(ETxeFile eFile)
     }
 }
 
-// Integer immediates print every digit; floats as briefly as they read back.
+// Integer immediates print every digit; floats with six significant digits, as "%g" does
+// (to_chars is printf's format without its cost).
 void AppendValue(CTextSink& out, double dValue, ETxeType eType)
 {
-    char acBuf[32];
-    const int iLength = eType == Type_Float ? std::snprintf(acBuf, sizeof(acBuf), "%g", dValue)
-                                            : std::snprintf(acBuf, sizeof(acBuf), "%.0f", dValue);
-    out.Put(acBuf, static_cast<std::size_t>(std::max(0, iLength)));
+    char acBuf[400];
+    const std::to_chars_result result =
+        eType == Type_Float ? std::to_chars(acBuf, acBuf + sizeof(acBuf), dValue, std::chars_format::general, 6)
+                            : std::to_chars(acBuf, acBuf + sizeof(acBuf), dValue, std::chars_format::fixed, 0);
+    if (result.ec == std::errc())
+        out.Put(acBuf, static_cast<std::size_t>(result.ptr - acBuf));
 }
 
 void AppendLane(CTextSink& out, const STxeProgram& program, std::size_t uiLane, ETxeType eType,
@@ -238,6 +241,11 @@ void CTextSink::RightAligned(long long llValue, std::size_t uiWidth)
     Put(pEnd - uiLength, uiLength);
 }
 
+bool HasTexelOffset(const STxeInstruction& instr)
+{
+    return instr.aiTexelOffset[0] != 0 || instr.aiTexelOffset[1] != 0 || instr.aiTexelOffset[2] != 0;
+}
+
 const STxeOpInfo& TxeOpInfo(ETxeOp eOp)
 {
     return s_aOpInfo[eOp < Op_Count ? eOp : Op_Mov];
@@ -307,6 +315,19 @@ void AppendInstruction(CTextSink& out, const STxeProgram& program, const STxeIns
             out.Put(", ", 2);
         PutOperand(out, program, instr.aSrc[i], false, pPoolTexts);
         bFirst = false;
+    }
+    if (HasTexelOffset(instr))
+    {
+        out.Put(", offset(", 9);
+        out.Integer(instr.aiTexelOffset[0]);
+        out.Put(", ", 2);
+        out.Integer(instr.aiTexelOffset[1]);
+        if (instr.aiTexelOffset[2] != 0)
+        {
+            out.Put(", ", 2);
+            out.Integer(instr.aiTexelOffset[2]);
+        }
+        out.Put(')');
     }
 }
 

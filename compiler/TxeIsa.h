@@ -151,6 +151,10 @@ struct STxeTrips
     bool bKnown = false;
 };
 
+// The texel offsets an instruction can carry (GL ES's minimum range).
+constexpr int k_iMinTexelOffset = -8;
+constexpr int k_iMaxTexelOffset = 7;
+
 struct STxeInstruction
 {
     ETxeOp eOp = Op_Mov;
@@ -159,8 +163,13 @@ struct STxeInstruction
     STxeOperand aSrc[4];
     int iLine = 0;              // source line, 0 when none
     bool bNonDependent = false; // texture: coordinates straight from an input
+    // Samples: a constant offset (x, y, z) added to the texel address, in texels of the level
+    // sampled, as GL's ...Offset functions define it.
+    std::int8_t aiTexelOffset[3] = {0, 0, 0};
     STxeTrips trips;            // loops only
 };
+
+bool HasTexelOffset(const STxeInstruction& instr);
 
 // One named resource of a register file, for the listing header and the program file.
 struct STxeBinding

@@ -145,6 +145,12 @@ void CProgramBuilder::MarkNonDependent(int iInstruction)
         m_program.aInstructions[static_cast<std::size_t>(iInstruction)].bNonDependent = true;
 }
 
+void CProgramBuilder::SetTexelOffset(int iInstruction, const std::int8_t aiOffset[3])
+{
+    if (iInstruction >= 0 && iInstruction < static_cast<int>(m_program.aInstructions.size()))
+        std::copy(aiOffset, aiOffset + 3, m_program.aInstructions[static_cast<std::size_t>(iInstruction)].aiTexelOffset);
+}
+
 void CProgramBuilder::EmitOneTripLoop(int iLine)
 {
     STxeTrips once;

@@ -50,6 +50,7 @@ public:
     STxeOperand Compute(ETxeOp eOp, std::initializer_list<STxeOperand> aSrc, int iLanes, int iLine);
     void SetTrips(int iInstruction, const STxeTrips& trips);
     void MarkNonDependent(int iInstruction);
+    void SetTexelOffset(int iInstruction, const std::int8_t aiOffset[3]);
     // dst = src, folded into the instruction that produced a fresh src when possible.
     void MoveInto(const STxeOperand& dst, const STxeOperand& src, int iLine);
     SValue Materialize(const SValue& value, int iLine);

@@ -12,6 +12,7 @@ namespace
 
 const char* const s_apFileNames[] = {"-", "temp", "input", "uniform", "output", "sampler", "immediate", "scratch"};
 const char s_acFileLetters[] = "-racos#m";
+constexpr std::size_t k_uiInstructionBytes = 80;
 
 void PutU8(std::string& out, unsigned uiValue)
 {
@@ -31,36 +32,48 @@ void PutU32(std::string& out, std::uint32_t uiValue)
     out.append(acBytes, 4);
 }
 
-// One instruction's 80 bytes, filled in place and appended at once.
-struct SRecord
+// Little-endian fields written at fixed places of a record.
+void StoreU16(char* p, unsigned uiValue)
 {
-    char acBytes[80];
-    std::size_t uiSize = 0;
+    p[0] = static_cast<char>(uiValue & 0xFF);
+    p[1] = static_cast<char>((uiValue >> 8) & 0xFF);
+}
 
-    void U8(unsigned uiValue) { acBytes[uiSize++] = static_cast<char>(uiValue & 0xFF); }
-    void U16(unsigned uiValue)
-    {
-        U8(uiValue);
-        U8(uiValue >> 8);
-    }
-    void U32(std::uint32_t uiValue)
-    {
-        U16(uiValue & 0xFFFF);
-        U16(uiValue >> 16);
-    }
-    void Operand(const STxeOperand& op)
-    {
-        U8(op.eFile);
-        U8((op.bNegate ? 1u : 0u) | (op.bAbs ? 2u : 0u) | ((op.iRelativeLane & 3u) << 2));
-        U8(op.uiCount);
-        unsigned uiSwizzle = 0;
-        for (int i = 0; i < 4; ++i)
-            uiSwizzle |= (op.auiSwizzle[i] & 3u) << (2 * i);
-        U8(uiSwizzle);
-        U32(static_cast<std::uint32_t>(op.iIndex));
-        U32(static_cast<std::uint32_t>(op.iRelative));
-    }
-};
+void StoreU32(char* p, std::uint32_t uiValue)
+{
+    StoreU16(p, uiValue & 0xFFFF);
+    StoreU16(p + 2, uiValue >> 16);
+}
+
+// An operand's 12 bytes.
+void StoreOperand(char* p, const STxeOperand& op)
+{
+    p[0] = static_cast<char>(op.eFile);
+    p[1] = static_cast<char>((op.bNegate ? 1u : 0u) | (op.bAbs ? 2u : 0u) | ((op.iRelativeLane & 3u) << 2));
+    p[2] = static_cast<char>(op.uiCount);
+    p[3] = static_cast<char>((op.auiSwizzle[0] & 3u) | ((op.auiSwizzle[1] & 3u) << 2) | ((op.auiSwizzle[2] & 3u) << 4) |
+                             ((op.auiSwizzle[3] & 3u) << 6));
+    StoreU32(p + 4, static_cast<std::uint32_t>(op.iIndex));
+    StoreU32(p + 8, static_cast<std::uint32_t>(op.iRelative));
+}
+
+// One instruction's 80 bytes.
+void StoreInstruction(char* p, const STxeInstruction& instr)
+{
+    p[0] = static_cast<char>(instr.eOp);
+    p[1] = static_cast<char>((instr.bNonDependent ? 1u : 0u) | (static_cast<unsigned>(instr.eType) << 1));
+    unsigned uiOffsets = 0;
+    for (int i = 0; i < 3; ++i)
+        uiOffsets |= (static_cast<unsigned>(instr.aiTexelOffset[i]) & 0xFu) << (4 + 4 * i);
+    StoreU16(p + 2, (instr.trips.bKnown ? 1u : 0u) | uiOffsets);
+    StoreU32(p + 4, static_cast<std::uint32_t>(instr.iLine));
+    StoreOperand(p + 8, instr.dst);
+    for (int i = 0; i < 4; ++i)
+        StoreOperand(p + 20 + 12 * i, instr.aSrc[i]);
+    StoreU32(p + 68, static_cast<std::uint32_t>(instr.trips.iBest));
+    StoreU32(p + 72, static_cast<std::uint32_t>(instr.trips.iAverage));
+    StoreU32(p + 76, static_cast<std::uint32_t>(instr.trips.iWorst));
+}
 
 // A float immediate as its IEEE bits; an integer one as its 32-bit two's complement.
 std::uint32_t ImmediateWord(const STxeProgram& program, std::size_t uiLane)
@@ -198,9 +211,9 @@ std::string EncodeProgram(const SCompilation& compilation, const SCoreModel& cor
 {
     const STxeProgram& program = compilation.program;
     std::string out;
-    out.reserve(32 + program.aInstructions.size() * 80 + program.aPool.size() * 5 + program.aBindings.size() * 64);
+    out.reserve(32 + program.aInstructions.size() * k_uiInstructionBytes + program.aPool.size() * 5 + program.aBindings.size() * 64);
     out += "ZTXE";
-    PutU16(out, 2);
+    PutU16(out, 3);
     PutU8(out, core.eCore);
     PutU8(out, program.eStage);
     PutU32(out, static_cast<std::uint32_t>(program.aInstructions.size()));
@@ -210,21 +223,11 @@ std::string EncodeProgram(const SCompilation& compilation, const SCoreModel& cor
     PutU32(out, static_cast<std::uint32_t>(program.iScratchSlots));
     PutU32(out, 0);
 
-    for (const STxeInstruction& instr : program.aInstructions)
-    {
-        SRecord record;
-        record.U8(instr.eOp);
-        record.U8((instr.bNonDependent ? 1u : 0u) | (static_cast<unsigned>(instr.eType) << 1));
-        record.U16(instr.trips.bKnown ? 1u : 0u);
-        record.U32(static_cast<std::uint32_t>(instr.iLine));
-        record.Operand(instr.dst);
-        for (const STxeOperand& src : instr.aSrc)
-            record.Operand(src);
-        record.U32(static_cast<std::uint32_t>(instr.trips.iBest));
-        record.U32(static_cast<std::uint32_t>(instr.trips.iAverage));
-        record.U32(static_cast<std::uint32_t>(instr.trips.iWorst));
-        out.append(record.acBytes, record.uiSize);
-    }
+    // The records are written in place: a large program has tens of thousands of them.
+    const std::size_t uiRecords = out.size();
+    out.resize(uiRecords + program.aInstructions.size() * k_uiInstructionBytes);
+    for (std::size_t i = 0; i < program.aInstructions.size(); ++i)
+        StoreInstruction(&out[uiRecords + i * k_uiInstructionBytes], program.aInstructions[i]);
     for (std::size_t uiEntry = 0; uiEntry * 4 < program.aPool.size(); ++uiEntry)
     {
         PutU8(out, uiEntry < program.aPoolTypes.size() ? program.aPoolTypes[uiEntry] : Type_Float);

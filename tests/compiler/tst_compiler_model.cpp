@@ -501,33 +501,42 @@ void CCompilerModelTest::irProfileCountsByLocation()
 }
 
 // The program file as docs/compiler.md lays it out: a typed integer instruction carries its
-// type in the flags, and an integer immediate is stored as its 32-bit two's complement.
+// type in the flags, a sample its texel offset in four-bit fields, and an integer immediate
+// is stored as its 32-bit two's complement.
 void CCompilerModelTest::programFileLayout()
 {
-    const SCompilation compilation = Compile("#version 300 es\nprecision highp float;\nuniform int k;\nout vec4 o;\n"
-                                             "void main() { o = vec4(float(k * -7), 0.5, 0.0, 1.0); }\n",
-                                             Stage_Fragment, Core_ZC1);
+    const SCompilation compilation =
+        Compile("#version 300 es\nprecision highp float;\nuniform int k;\nuniform sampler2D t;\nin vec2 uv;\n"
+                "out vec4 o;\nvoid main() { o = vec4(float(k * -7), 0.5, 0.0, 1.0) + textureOffset(t, uv, ivec2(-2, 7)); }\n",
+                Stage_Fragment, Core_ZC1);
     QVERIFY(compilation.bSucceeded);
     const std::string file = EncodeProgram(compilation, CoreModel(Core_ZC1));
     auto u8 = [&file](std::size_t i) { return static_cast<std::uint8_t>(file[i]); };
     auto u32 = [&](std::size_t i) { return u8(i) | (u8(i + 1) << 8) | (u8(i + 2) << 16) | (std::uint32_t(u8(i + 3)) << 24); };
     QCOMPARE(file.substr(0, 4), std::string("ZTXE"));
-    QCOMPARE(u8(4) | (u8(5) << 8), 2);
+    QCOMPARE(u8(4) | (u8(5) << 8), 3);
     const std::size_t uiInstructions = u32(8);
     const std::size_t uiImmediates = u32(12);
     QCOMPARE(uiInstructions, compilation.program.aInstructions.size());
     QCOMPARE(uiImmediates * 4, compilation.program.aPool.size());
 
     int iMultiplies = 0;
+    int iSamples = 0;
     for (std::size_t i = 0; i < uiInstructions; ++i)
     {
         const std::size_t uiRecord = 32 + i * 80;
+        if (u8(uiRecord) == Op_Tex)
+        {
+            ++iSamples;
+            QCOMPARE(u8(uiRecord + 2) | (u8(uiRecord + 3) << 8), 0x7E0);
+        }
         if (u8(uiRecord) != Op_Mul)
             continue;
         ++iMultiplies;
         QCOMPARE((u8(uiRecord + 1) >> 1) & 3, int(Type_Int));
     }
     QCOMPARE(iMultiplies, 1);
+    QCOMPARE(iSamples, 1);
 
     bool bMinusSeven = false;
     bool bHalf = false;

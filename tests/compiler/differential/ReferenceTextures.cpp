@@ -101,11 +101,11 @@ int CReferenceTextures::UnitOfSlot(int iSlot) const
     return it == m_mapSlotUnit.end() ? -1 : it->second;
 }
 
-// GL's linear filter on level 0 with REPEAT: the four texels around s * size - 0.5.
-SLanes CReferenceTextures::Bilinear(int iUnit, float s, float t) const
+// GL's linear filter on level 0 with REPEAT: the four texels around s * size + offset - 0.5.
+SLanes CReferenceTextures::Bilinear(int iUnit, float s, float t, const int aiOffset[3]) const
 {
-    const float u = s * static_cast<float>(k_iTextureSize) - 0.5f;
-    const float v = t * static_cast<float>(k_iTextureSize) - 0.5f;
+    const float u = s * static_cast<float>(k_iTextureSize) + static_cast<float>(aiOffset[0]) - 0.5f;
+    const float v = t * static_cast<float>(k_iTextureSize) + static_cast<float>(aiOffset[1]) - 0.5f;
     if (!std::isfinite(u) || !std::isfinite(v))
         return {0, 0, 0, 0};
     const float fx = u - std::floor(u), fy = v - std::floor(v);
@@ -138,13 +138,15 @@ SLanes CReferenceTextures::Sample(const ZamCompilerTest::STxeSample& sample)
     }
     if (sample.eOp == ZamCompiler::Op_Txf)
     {
-        const double x = sample.coordinate[0], y = sample.coordinate[1];
+        const double x = sample.coordinate[0] + sample.aiTexelOffset[0];
+        const double y = sample.coordinate[1] + sample.aiTexelOffset[1];
         if (x < 0.0 || y < 0.0 || x >= k_iTextureSize || y >= k_iTextureSize || sample.extra[0] != 0.0)
             return {0, 0, 0, 0};
         return Texel(iUnit, 0, static_cast<int>(x), static_cast<int>(y));
     }
     // One level with the same filter either way: bias, lod and gradients change nothing.
-    return Bilinear(iUnit, static_cast<float>(sample.coordinate[0]), static_cast<float>(sample.coordinate[1]));
+    return Bilinear(iUnit, static_cast<float>(sample.coordinate[0]), static_cast<float>(sample.coordinate[1]),
+                    sample.aiTexelOffset);
 }
 
 SLanes CReferenceTextures::Size(int iSlot, int iLod)

@@ -37,7 +37,7 @@ public:
 
 private:
     ZamCompilerTest::SLanes Texel(int iUnit, int iFace, int x, int y) const;
-    ZamCompilerTest::SLanes Bilinear(int iUnit, float s, float t) const;
+    ZamCompilerTest::SLanes Bilinear(int iUnit, float s, float t, const int aiOffset[3]) const;
     int UnitOfSlot(int iSlot) const;
 
     std::vector<SSampler> m_aSamplers;

@@ -409,6 +409,8 @@ SLanes CTxeMachine::Texture(const STxeInstruction& instr, const SSources& source
     sample.iCoordinateLanes = instr.aSrc[0].uiCount;
     sample.extra = sources[2];
     sample.extra2 = sources[3];
+    for (int i = 0; i < 3; ++i)
+        sample.aiTexelOffset[i] = instr.aiTexelOffset[i];
     if (instr.eOp == Op_Txp && sample.iCoordinateLanes > 1)
     {
         const double dDivisor = sample.coordinate[static_cast<std::size_t>(sample.iCoordinateLanes - 1)];

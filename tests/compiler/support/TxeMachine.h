@@ -29,6 +29,7 @@ struct STxeSample
     int iCoordinateLanes = 0;
     SLanes extra = {0, 0, 0, 0};  // bias, lod or ddx
     SLanes extra2 = {0, 0, 0, 0}; // ddy
+    int aiTexelOffset[3] = {0, 0, 0}; // added to the texel address of the level sampled
 };
 
 class ITxeSampler
