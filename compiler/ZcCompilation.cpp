@@ -4,6 +4,7 @@
 #include "ZcLowering.h"
 #include "ZcRegisterAllocation.h"
 
+#include <algorithm>
 #include <pthread.h>
 
 namespace ZamCompiler
@@ -41,13 +42,18 @@ bool CompileSource(const std::string& source, ETxeStage eStage, const SCoreModel
     compilation.aIncludedFiles = parsed.aIncludedFiles;
     if (!bParsed)
         return false;
+    // Growing the instruction list copies it into fresh pages every time; a few instructions per
+    // source line is typical, and capacity that is never written costs no memory.
+    const std::size_t uiLines = static_cast<std::size_t>(CountLines(source));
+    compilation.program.aInstructions.reserve(
+        std::min(static_cast<std::size_t>(std::max(0, limits.iMaxInstructions)), uiLines * 8 + 64));
     if (!LowerShader(*parsed.pIntermediate, eStage, limits, compilation.program, compilation.aDiagnostics))
         return false;
 
     // Pairing looks at true dependencies, so cost before registers are shared.
     compilation.aCosts = CostInstructions(compilation.program, core);
     compilation.iTemporaries = AllocateRegisters(compilation.program);
-    compilation.mapLineCycles = LineCycles(compilation.program, compilation.aCosts, CountLines(source));
+    compilation.mapLineCycles = LineCycles(compilation.program, compilation.aCosts, static_cast<int>(uiLines));
     compilation.paths = PathCycles(compilation.program, compilation.aCosts);
     compilation.bSucceeded = true;
     return true;

@@ -3,6 +3,9 @@
 #include "ZcLowerStatements.h"
 #include "ZcLowerTree.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace ZamCompiler
 {
 
@@ -22,6 +25,11 @@ TIntermSymbol* Parameter(TIntermAggregate* pParameters, std::size_t i)
     return pNode ? pNode->getAsSymbolNode() : nullptr;
 }
 
+std::string_view NameOf(const TIntermAggregate* pNode)
+{
+    return std::string_view(pNode->getName().data(), pNode->getName().size());
+}
+
 } // namespace
 
 void CCallInliner::Collect(TIntermAggregate* pRoot)
@@ -30,7 +38,7 @@ void CCallInliner::Collect(TIntermAggregate* pRoot)
     {
         TIntermAggregate* pAggregate = pChild ? pChild->getAsAggregate() : nullptr;
         if (pAggregate && pAggregate->getOp() == EOpFunction)
-            m_mapFunctions[pAggregate->getName().c_str()] = pAggregate;
+            m_mapFunctions[NameOf(pAggregate)] = pAggregate;
     }
 }
 
@@ -44,7 +52,7 @@ bool CCallInliner::RunEntryPoint()
     }
     TIntermNode* pBody = BodyOf(itMain->second);
     m_control.EnterFunction(false, -1);
-    m_setActiveFunctions.insert("main(");
+    m_aActiveFunctions.push_back(itMain->second);
     const bool bOk = m_statements.Lower(pBody);
     m_control.LeaveFunction();
     return bOk;
@@ -52,27 +60,19 @@ bool CCallInliner::RunEntryPoint()
 
 TIntermAggregate* CCallInliner::Definition(TIntermAggregate* pCall)
 {
-    const int iLine = LineOf(pCall);
-    const std::string name = FunctionName(pCall->getName());
-    const auto it = m_mapFunctions.find(pCall->getName().c_str());
+    const auto it = m_mapFunctions.find(NameOf(pCall));
+    const char* pProblem = nullptr;
     if (it == m_mapFunctions.end())
-    {
-        m_builder.Fail(iLine, name, "the function is declared but has no body");
-        return nullptr;
-    }
-    if (m_setActiveFunctions.count(pCall->getName().c_str()))
-    {
-        m_builder.Fail(iLine, name, "recursion is not allowed");
-        return nullptr;
-    }
-    TIntermAggregate* pParameters = ParametersOf(it->second);
-    const std::size_t uiParams = pParameters ? pParameters->getSequence().size() : 0;
-    if (uiParams != pCall->getSequence().size())
-    {
-        m_builder.Fail(iLine, name, "wrong number of arguments");
-        return nullptr;
-    }
-    return it->second;
+        pProblem = "the function is declared but has no body";
+    else if (std::find(m_aActiveFunctions.begin(), m_aActiveFunctions.end(), it->second) != m_aActiveFunctions.end())
+        pProblem = "recursion is not allowed";
+    else if (TIntermAggregate* pParameters = ParametersOf(it->second);
+             (pParameters ? pParameters->getSequence().size() : 0) != pCall->getSequence().size())
+        pProblem = "wrong number of arguments";
+    if (!pProblem)
+        return it->second;
+    m_builder.Fail(LineOf(pCall), FunctionName(pCall->getName()), pProblem);
+    return nullptr;
 }
 
 // Registers of variables passed as out arguments: no in-parameter may alias them.
@@ -121,7 +121,7 @@ bool CCallInliner::BindIn(TIntermSymbol* pParam, TIntermTyped* pArg, TIntermNode
         if (op.eFile == File_Temp)
             m_builder.MarkVariable(op.iIndex);
     }
-    m_variables.Bind(pParam->getId(), alias);
+    m_variables.Bind(pParam->getId(), std::move(alias));
     return true;
 }
 
@@ -199,8 +199,9 @@ CCallInliner::SReturnShape CCallInliner::ReturnShape(TIntermNode* pBody)
 
 // A body with a return before its end runs inside a one-trip loop, each return a break;
 // a return nested in a loop or switch also sets a flag that breaks the levels around it.
-bool CCallInliner::RunBody(const std::string& mangled, TIntermNode* pBody, int iLine, SValue& result)
+bool CCallInliner::RunBody(TIntermAggregate* pDefinition, int iLine, SValue& result)
 {
+    TIntermNode* pBody = BodyOf(pDefinition);
     const SReturnShape shape = ReturnShape(pBody);
     const bool bWrapped = shape.bWrapped;
     int iReturnFlag = -1;
@@ -216,11 +217,11 @@ bool CCallInliner::RunBody(const std::string& mangled, TIntermNode* pBody, int i
         return false;
 
     m_control.EnterFunction(bWrapped, iReturnFlag);
-    m_setActiveFunctions.insert(mangled);
+    m_aActiveFunctions.push_back(pDefinition);
     m_known.BeginRegion();
     const bool bOk = m_statements.Lower(pBody);
     m_known.EndRegion();
-    m_setActiveFunctions.erase(mangled);
+    m_aActiveFunctions.pop_back();
     result = m_control.LeaveFunction();
     if (bOk && bWrapped)
         m_builder.Emit(Op_Endloop, STxeOperand(), {}, iLine);
@@ -252,7 +253,7 @@ bool CCallInliner::Inline(TIntermAggregate* pCall, SValue& value)
 
     const std::size_t uiLocals = m_variables.MarkLocals();
     SValue result;
-    if (!RunBody(pCall->getName().c_str(), BodyOf(pDefinition), iLine, result) || !WriteBack(bindings, iLine))
+    if (!RunBody(pDefinition, iLine, result) || !WriteBack(bindings, iLine))
         return false;
 
     // Locals of this call must not outlive it: the next call gets fresh registers.

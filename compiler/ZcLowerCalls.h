@@ -8,8 +8,10 @@
 
 #include <set>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace ZamCompiler
 {
@@ -49,7 +51,7 @@ private:
                 const std::set<int>& setOutTemps, int iLine);
     bool BindOut(glslang::TIntermSymbol* pParam, glslang::TIntermTyped* pArg, int iLine, SBindings& bindings);
     bool BindParameters(glslang::TIntermAggregate* pCall, glslang::TIntermAggregate* pDefinition, SBindings& bindings);
-    bool RunBody(const std::string& mangled, TIntermNode* pBody, int iLine, SValue& result);
+    bool RunBody(glslang::TIntermAggregate* pDefinition, int iLine, SValue& result);
     bool WriteBack(const SBindings& bindings, int iLine);
 
     CProgramBuilder& m_builder;
@@ -66,8 +68,10 @@ private:
     };
     SReturnShape ReturnShape(TIntermNode* pBody);
 
-    std::unordered_map<std::string, glslang::TIntermAggregate*> m_mapFunctions;
-    std::set<std::string> m_setActiveFunctions;
+    // By mangled name, viewing the names in the tree, which outlives the lowering: a call
+    // looks its function up without building a string.
+    std::unordered_map<std::string_view, glslang::TIntermAggregate*> m_mapFunctions;
+    std::vector<const glslang::TIntermAggregate*> m_aActiveFunctions; // being inlined, innermost last
     std::unordered_map<const TIntermNode*, SReturnShape> m_mapReturnShapes;
     CTreeFacts& m_facts;
 };

@@ -194,7 +194,8 @@ bool CExpressionLowerer::Comma(TIntermAggregate* pNode, SValue& value)
 bool CExpressionLowerer::LowerAll(TOperator eOp, const std::vector<TIntermTyped*>& aNodes, int iLine,
                                   std::vector<SValue>& aValues)
 {
-    aValues.assign(aNodes.size(), SValue());
+    aValues.clear();
+    aValues.resize(aNodes.size());
     for (std::size_t i = 0; i < aNodes.size(); ++i)
     {
         // An out argument is written, not read.

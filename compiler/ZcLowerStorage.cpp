@@ -4,6 +4,7 @@
 #include "ZcLowerTree.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace ZamCompiler
 {
@@ -139,12 +140,12 @@ SVariable* CVariableStore::Variable(TIntermSymbol* pSymbol)
     }
     if (IsLocal(type.getQualifier().storage))
         m_aCreated.push_back(pSymbol->getId());
-    return Bind(pSymbol->getId(), variable);
+    return Bind(pSymbol->getId(), std::move(variable));
 }
 
-SVariable* CVariableStore::Bind(long long llId, const SVariable& variable)
+SVariable* CVariableStore::Bind(long long llId, SVariable variable)
 {
-    m_aArena.push_back(variable);
+    m_aArena.push_back(std::move(variable));
     SVariable* pVariable = &m_aArena.back();
     m_mapVariables[llId] = pVariable;
     return pVariable;
@@ -166,7 +167,7 @@ SVariable* CVariableStore::ConstantArray(TIntermConstantUnion* pConstant, int iL
     constant.name = binding.name;
     binding.aValues = ConstantSlots(pConstant->getType(), pConstant->getConstArray());
     m_builder.AddBinding(binding);
-    m_aArena.push_back(constant);
+    m_aArena.push_back(std::move(constant));
     SVariable* pVariable = &m_aArena.back();
     m_mapConstantArrays.emplace(pConstant, pVariable);
     return pVariable;

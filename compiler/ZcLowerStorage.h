@@ -68,7 +68,7 @@ public:
     // The variable a symbol id is bound to now, or null.
     SVariable* Find(long long llId) const;
     // Binds the id to a copy of the variable (an alias or a variable written in place).
-    SVariable* Bind(long long llId, const SVariable& variable);
+    SVariable* Bind(long long llId, SVariable variable);
     void Unbind(long long llId) { m_mapVariables.erase(llId); }
     // A literal array indexed at run time, placed in the constant bank once.
     SVariable* ConstantArray(glslang::TIntermConstantUnion* pConstant, int iLine);

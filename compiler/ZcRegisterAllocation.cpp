@@ -114,6 +114,27 @@ void ExtendOverLoops(std::vector<SInterval>& aIntervals, const std::vector<SLoop
     }
 }
 
+// The live registers ordered by where they start, registers that start together in
+// ascending order: a counting sort, as starts are instruction positions.
+std::vector<int> ByStart(const std::vector<SInterval>& aIntervals, std::size_t uiPositions)
+{
+    std::vector<int> aFirst(uiPositions + 1, 0);
+    for (const SInterval& interval : aIntervals)
+    {
+        if (interval.iStart >= 0)
+            ++aFirst[static_cast<std::size_t>(interval.iStart) + 1];
+    }
+    for (std::size_t i = 1; i <= uiPositions; ++i)
+        aFirst[i] += aFirst[i - 1];
+    std::vector<int> aOrder(static_cast<std::size_t>(aFirst[uiPositions]));
+    for (std::size_t i = 0; i < aIntervals.size(); ++i)
+    {
+        if (aIntervals[i].iStart >= 0)
+            aOrder[static_cast<std::size_t>(aFirst[static_cast<std::size_t>(aIntervals[i].iStart)]++)] = static_cast<int>(i);
+    }
+    return aOrder;
+}
+
 void Rewrite(STxeOperand& op, const std::vector<SInterval>& aIntervals)
 {
     if (op.eFile == File_Temp && op.iIndex >= 0 && op.iIndex < static_cast<int>(aIntervals.size()))
@@ -133,14 +154,7 @@ int AllocateRegisters(STxeProgram& program)
               [](const SLoopRange& a, const SLoopRange& b) { return a.iBegin < b.iBegin; });
     ExtendOverLoops(aIntervals, aLoops, aByBegin);
 
-    std::vector<int> aOrder;
-    for (std::size_t i = 0; i < aIntervals.size(); ++i)
-    {
-        if (aIntervals[i].iStart >= 0)
-            aOrder.push_back(static_cast<int>(i));
-    }
-    std::stable_sort(aOrder.begin(), aOrder.end(),
-                     [&aIntervals](int a, int b) { return aIntervals[a].iStart < aIntervals[b].iStart; });
+    const std::vector<int> aOrder = ByStart(aIntervals, program.aInstructions.size());
 
     // Active intervals by end; free registers lowest first.
     using SActive = std::pair<int, int>; // (end, register)
