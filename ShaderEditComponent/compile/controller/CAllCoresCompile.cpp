@@ -7,6 +7,7 @@
 #include "ShaderEditComponent/compile/process/CompilerLocator.h"
 
 #include <QThread>
+#include <QTimer>
 
 #include <utility>
 
@@ -24,6 +25,15 @@ CAllCoresCompile::CAllCoresCompile(const CShaderEditController& Controller, QObj
     m_pThread = new QThread();
     m_pThread->setObjectName(QStringLiteral("AllCoresCompile"));
     m_pThread->start(QThread::LowPriority);
+    m_pDelay = new QTimer(this);
+    m_pDelay->setSingleShot(true);
+    m_pDelay->setInterval(StartDelayMs);
+    connect(m_pDelay, &QTimer::timeout, this,
+            [this]
+            {
+                m_bWaiting = false;
+                Start(std::exchange(m_Waiting, SRequest()));
+            });
 }
 
 CAllCoresCompile::~CAllCoresCompile()
@@ -57,7 +67,7 @@ const SAllCoresResult* CAllCoresCompile::GetResult(const CZamTHash& PanelID) con
 
 int CAllCoresCompile::GetCompilesInFlight() const
 {
-    int iCount = 0;
+    int iCount = m_bWaiting ? GetCompilerTargetCount() : 0;
     for (const auto& Entry : m_Pending)
         iCount += Entry.second.iOutstanding;
     return iCount;
@@ -69,6 +79,19 @@ void CAllCoresCompile::OnCompile(const CZamTHash& PanelID, const QString& Conten
     OnCancel(PanelID);
     if (!Compiles(eType) || Contents.isEmpty())
         return;
+    // Only the newest request waits: one of another panel is of a tab no longer in front.
+    m_Waiting = {PanelID, Contents, eType, SourceFolder};
+    m_bWaiting = true;
+    m_pDelay->start();
+}
+
+void CAllCoresCompile::Start(const SRequest& Request)
+{
+    const CZamTHash& PanelID = Request.PanelID;
+    const QString& Contents = Request.Contents;
+    const EShaderDocType eType = Request.eType;
+    const QString& SourceFolder = Request.SourceFolder;
+    OnCancel(PanelID);
     const Settings::SCompiler& Settings = m_Controller.GetCompilerSettings();
     SPending& Pending = m_Pending[PanelID];
     // Results of dropped compiles may still be queued; the key tells them apart.
@@ -129,6 +152,11 @@ void CAllCoresCompile::OnCoreFinished(const CZamTHash& PanelID, unsigned int uiK
 
 void CAllCoresCompile::OnCancel(const CZamTHash& PanelID)
 {
+    if (m_bWaiting && m_Waiting.PanelID == PanelID)
+    {
+        m_bWaiting = false;
+        m_pDelay->stop();
+    }
     const auto Found = m_Pending.find(PanelID);
     if (Found != m_Pending.end())
     {

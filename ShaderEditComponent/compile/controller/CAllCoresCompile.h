@@ -14,6 +14,7 @@
 class CCompiler;
 class CShaderEditController;
 class QThread;
+class QTimer;
 
 // One compile of a document for every bundled core, in the order of the compiler targets.
 struct SAllCoresResult
@@ -28,19 +29,23 @@ struct SAllCoresResult
 
 // Compiles the text of a GLSL ES document or effect file for all four bundled cores, on a
 // worker thread of its own so the editor's own compile is never queued behind them. A new
-// request or a cancel for the panel drops the compiles under way, as for every compile.
+// request or a cancel for the panel drops the compiles under way, as for every compile; the
+// four start once the requests pause for StartDelayMs, so a burst of typing starts none.
 // Compiler paths, the temporary folder and the include folders come from the controller.
 class CAllCoresCompile : public QObject
 {
     Q_OBJECT
 
 public:
+    static constexpr int StartDelayMs = 250;
+
     explicit CAllCoresCompile(const CShaderEditController& Controller, QObject* pParent = nullptr);
     // Cancels the compiles under way, stops the thread and deletes every compiler object.
     ~CAllCoresCompile() override;
 
     // Null until the panel's first request has delivered.
     const SAllCoresResult* GetResult(const CZamTHash& PanelID) const;
+    // Started and not finished; a request still waiting for the pause counts four.
     int GetCompilesInFlight() const;
     // Whether a document of this type is compiled for the cores at all.
     static bool Compiles(EShaderDocType eType);
@@ -63,6 +68,15 @@ private:
         unsigned int uiKey = 0;
     };
 
+    struct SRequest
+    {
+        CZamTHash PanelID;
+        QString Contents;
+        EShaderDocType eType = DocType_PlainText;
+        QString SourceFolder;
+    };
+
+    void Start(const SRequest& Request);
     void OnCoreCompiled(const CZamTHash& PanelID, unsigned int uiKey, int iCore, const SCompileResult& Result);
     void OnCoreFinished(const CZamTHash& PanelID, unsigned int uiKey, int iCore);
     void Abandon(CCompiler* pCompiler);
@@ -73,4 +87,7 @@ private:
     std::map<CZamTHash, SAllCoresResult> m_Results;
     QVector<QPointer<CCompiler>> m_Abandoned;
     unsigned int m_uiNextKey = 0;
+    QTimer* m_pDelay = nullptr;
+    SRequest m_Waiting;
+    bool m_bWaiting = false;
 };
