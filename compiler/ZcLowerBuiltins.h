@@ -7,8 +7,6 @@
 
 #include <glslang/MachineIndependent/localintermediate.h>
 
-#include <functional>
-
 namespace ZamCompiler
 {
 
@@ -22,8 +20,10 @@ struct SBuiltinCall
     const std::vector<glslang::TIntermTyped*>& aNodes;
     int iLine;
     SValue& value; // receives the result
-    // Writes a value to the call's i-th argument (an out parameter such as modf's).
-    std::function<bool(std::size_t, const SValue&)> writeArgument;
+    // Writes a value to the call's i-th argument (an out parameter such as modf's). A plain
+    // function and its context: a capturing std::function allocated on every call.
+    bool (*pWriteArgument)(const void* pContext, std::size_t i, const SValue& value);
+    const void* pWriteContext;
 
     int Lanes() const; // of the result
     // The first slot of argument i, broadcast to the wider of its own and the result's lanes.
@@ -31,6 +31,7 @@ struct SBuiltinCall
     // The first slot of argument i as it is.
     STxeOperand Raw(std::size_t i) const;
     STxeOperand Compute(ETxeOp eOp, std::initializer_list<STxeOperand> aSrc, int iLanes) const;
+    bool WriteArgument(std::size_t i, const SValue& result) const { return pWriteArgument(pWriteContext, i, result); }
     // Appends a result slot.
     void Push(const STxeOperand& op) const { value.aSlots.push_back(op); }
 };

@@ -23,7 +23,7 @@ bool WriteArgument(const SBuiltinCall& call, std::size_t i, const STxeOperand& o
 {
     SValue value;
     value.aSlots.push_back(op);
-    return call.writeArgument(i, value);
+    return call.WriteArgument(i, value);
 }
 
 bool BitCount(const SBuiltinCall& call) { return Unary(call, Op_Bcnt); }

@@ -87,7 +87,23 @@ bool CExpressionLowerer::Binary(TIntermBinary* pNode, SValue& value)
         SAccess access;
         return ResolveAccess(pNode, access) && m_variables.Load(access, LineOf(pNode), value);
     }
+    if (IsComparison(eOp) || IsArithmetic(eOp))
+        return Arithmetic(pNode, value);
     return Operation(eOp, pNode->getType(), {pNode->getLeft(), pNode->getRight()}, LineOf(pNode), value);
+}
+
+// The most common node: two operands in locals, no argument vectors to allocate.
+bool CExpressionLowerer::Arithmetic(TIntermBinary* pNode, SValue& value)
+{
+    const TOperator eOp = pNode->getOp();
+    const int iLine = LineOf(pNode);
+    SValue left;
+    SValue right;
+    if (!LowerOperand(eOp, pNode->getLeft(), iLine, left) || !LowerOperand(eOp, pNode->getRight(), iLine, right))
+        return false;
+    if (IsComparison(eOp))
+        return LowerComparison(m_builder, eOp, pNode->getLeft()->getBasicType(), left, right, iLine, value);
+    return LowerArithmetic(m_builder, eOp, pNode->getType(), left, right, iLine, value);
 }
 
 bool CExpressionLowerer::Unary(TIntermUnary* pNode, SValue& value)
@@ -201,14 +217,21 @@ bool CExpressionLowerer::LowerAll(TOperator eOp, const std::vector<TIntermTyped*
         // An out argument is written, not read.
         if (IsBuiltinOutput(eOp, i))
             continue;
-        if (!Lower(aNodes[i], aValues[i]))
+        if (!LowerOperand(eOp, aNodes[i], iLine, aValues[i]))
             return false;
-        if (aValues[i].aSlots.empty() && aNodes[i]->getBasicType() != EbtVoid)
-        {
-            const std::string op = OperatorName(eOp);
-            m_builder.Refuse(iLine, op.empty() ? BuiltinName(eOp) : op, "this operand");
-            return false;
-        }
+    }
+    return true;
+}
+
+bool CExpressionLowerer::LowerOperand(TOperator eOp, TIntermTyped* pNode, int iLine, SValue& value)
+{
+    if (!Lower(pNode, value))
+        return false;
+    if (value.aSlots.empty() && pNode->getBasicType() != EbtVoid)
+    {
+        const std::string op = OperatorName(eOp);
+        m_builder.Refuse(iLine, op.empty() ? BuiltinName(eOp) : op, "this operand");
+        return false;
     }
     return true;
 }
@@ -224,10 +247,18 @@ bool CExpressionLowerer::Operation(TOperator eOp, const TType& type, const std::
     if (aArgs.size() == 2 && IsArithmetic(eOp))
         return LowerArithmetic(m_builder, eOp, type, aArgs[0], aArgs[1], iLine, value);
 
-    const SBuiltinCall call{m_builder, eOp, type, aArgs, aNodes, iLine, value,
-                            [this, &aNodes, iLine](std::size_t i, const SValue& result) {
-                                return i < aNodes.size() && WriteTo(aNodes[i], result, iLine);
-                            }};
+    struct SWriteContext
+    {
+        CExpressionLowerer* pLowerer;
+        const std::vector<TIntermTyped*>& aNodes;
+        int iLine;
+    };
+    const SWriteContext context{this, aNodes, iLine};
+    const auto write = [](const void* pContext, std::size_t i, const SValue& result) {
+        const SWriteContext& target = *static_cast<const SWriteContext*>(pContext);
+        return i < target.aNodes.size() && target.pLowerer->WriteTo(target.aNodes[i], result, target.iLine);
+    };
+    const SBuiltinCall call{m_builder, eOp, type, aArgs, aNodes, iLine, value, write, &context};
     return LowerBuiltin(call);
 }
 

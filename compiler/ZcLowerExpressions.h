@@ -35,6 +35,7 @@ private:
     // ZcLowerExpressions.cpp
     SValue ConstantValue(const glslang::TIntermConstantUnion* pConstant);
     bool Binary(glslang::TIntermBinary* pNode, SValue& value);
+    bool Arithmetic(glslang::TIntermBinary* pNode, SValue& value);
     bool Unary(glslang::TIntermUnary* pNode, SValue& value);
     bool Conversion(glslang::TIntermUnary* pNode, SValue& value);
     bool Aggregate(glslang::TIntermAggregate* pNode, SValue& value);
@@ -43,6 +44,7 @@ private:
                    int iLine, SValue& value);
     bool LowerAll(glslang::TOperator eOp, const std::vector<glslang::TIntermTyped*>& aNodes, int iLine,
                   std::vector<SValue>& aValues);
+    bool LowerOperand(glslang::TOperator eOp, glslang::TIntermTyped* pNode, int iLine, SValue& value);
     // ZcLowerSelections.cpp: parts of computed values, ?:, && and ||
     bool Select(glslang::TIntermBinary* pNode, SValue& value);
     bool SelectSlots(glslang::TIntermBinary* pNode, const SValue& whole, SValue& value);
