@@ -170,6 +170,7 @@ bool CExpressionLowerer::Aggregate(TIntermAggregate* pNode, SValue& value)
         return Comma(pNode, value);
 
     std::vector<TIntermTyped*> aNodes;
+    aNodes.reserve(pNode->getSequence().size());
     for (TIntermNode* pChild : pNode->getSequence())
     {
         TIntermTyped* pTyped = pChild ? pChild->getAsTyped() : nullptr;

@@ -228,7 +228,7 @@ STxeOperand CProgramBuilder::Immediate(const double adValues[4], int iLanes)
     }
     SPoolKey key{m_eType, {}};
     std::memcpy(key.auiBits, adLanes, sizeof(adLanes));
-    const auto inserted = m_mapPool.emplace(key, static_cast<int>(m_program.aPool.size() / 4));
+    const auto inserted = m_mapPool.try_emplace(key, static_cast<int>(m_program.aPool.size() / 4));
     const int iEntry = inserted.first->second;
     if (inserted.second)
     {

@@ -4,6 +4,7 @@
 #include "ZcLowerTree.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace ZamCompiler
@@ -338,15 +339,16 @@ bool CVariableStore::StoreSlot(const SAccess& access, int k, const STxeOperand& 
     dst.iIndex = variable.eStorage == Storage_Temp ? variable.aTemps[iSlot] : variable.iBase + iSlot;
     dst.iRelative = access.iDynamic;
 
-    // Destination lanes ascend; the source swizzle follows them.
-    std::vector<std::pair<std::uint8_t, std::uint8_t>> aPairs;
-    for (std::size_t i = 0; i < aTarget.size() && i < src.uiCount; ++i)
-        aPairs.emplace_back(aTarget[i], src.auiSwizzle[i]);
-    std::sort(aPairs.begin(), aPairs.end());
-    dst.uiCount = static_cast<std::uint8_t>(aPairs.size());
+    // Destination lanes ascend; the source swizzle follows them. At most four lanes: no heap.
+    std::array<std::pair<std::uint8_t, std::uint8_t>, 4> aPairs;
+    std::size_t uiPairs = 0;
+    for (std::size_t i = 0; i < aTarget.size() && i < src.uiCount && i < aPairs.size(); ++i)
+        aPairs[uiPairs++] = {aTarget[i], src.auiSwizzle[i]};
+    std::sort(aPairs.begin(), aPairs.begin() + static_cast<std::ptrdiff_t>(uiPairs));
+    dst.uiCount = static_cast<std::uint8_t>(uiPairs);
     STxeOperand mapped = src;
     bool bIdentityTarget = true;
-    for (std::size_t i = 0; i < aPairs.size(); ++i)
+    for (std::size_t i = 0; i < uiPairs; ++i)
     {
         dst.auiSwizzle[i] = aPairs[i].first;
         mapped.auiSwizzle[i] = aPairs[i].second;
