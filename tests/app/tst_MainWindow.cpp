@@ -118,7 +118,8 @@ void CMainWindowTest::MenusToolBarAndActions()
              (QStringList{"Undo", "Redo", "---", "Cut", "Copy", "Paste", "Delete", "Select All", "---", "Find",
                           "Replace", "---", "Comment Selection", "Uncomment Selection", "Increase Indent",
                           "Decrease Indent", "---", "Preferences..."}));
-    QCOMPARE(ActionTexts(Ui.menuView->actions()), (QStringList{"Show Compile Output", "Show Profile", "Show TXE ASM"}));
+    QCOMPARE(ActionTexts(Ui.menuView->actions()),
+             (QStringList{"Show Compile Output", "Show Profile", "Show TXE ASM", "Show All Cores"}));
     QCOMPARE(ActionTexts(Ui.menuHelp->actions()),
              (QStringList{"ZamShaderEditor Help", "---", "Feedback...", "Check for Updates", "---",
                           "About ZamShaderEditor"}));

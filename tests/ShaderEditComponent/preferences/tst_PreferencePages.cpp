@@ -18,6 +18,7 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -212,16 +213,28 @@ void CPreferencePagesTest::CompilerPageSavesItsFieldsWithItsMask()
     Page.findChild<QCheckBox*>(QStringLiteral("ColourCompilerOutputCheckbox"))->setChecked(false);
     Page.findChild<CColourSelectButton*>(QStringLiteral("ErrorColourButton"))->OnSetColour(QColor(10, 20, 30));
     Page.findChild<CColourSelectButton*>(QStringLiteral("WarningColourButton"))->OnSetColour(QColor(40, 50, 60));
+    // Include folders keep their order; Remove takes the selected ones.
+    auto* pIncludes = Page.findChild<QListWidget*>(QStringLiteral("IncludeFolderList"));
+    auto* pRemove = Page.findChild<QPushButton*>(QStringLiteral("RemoveIncludeFolder"));
+    QVERIFY(!pRemove->isEnabled());
+    pIncludes->addItems({QStringLiteral("/src/common"), QStringLiteral("/src/old"), QStringLiteral("/src/engine")});
+    pIncludes->item(1)->setSelected(true);
+    QVERIFY(pRemove->isEnabled());
+    pRemove->click();
     Page.OnSave();
 
     QCOMPARE(Changed.size(), 1);
-    QCOMPARE(Changed.first().at(1).toUInt(), 2u | 8u | 16u | 32u | 64u | 128u);
+    QCOMPARE(Changed.first().at(1).toUInt(), 2u | 8u | 16u | 32u | 64u | 128u | 256u);
+    QCOMPARE(m_pEdit->GetCompilerSettings().IncludeFolders,
+             (QStringList{QStringLiteral("/src/common"), QStringLiteral("/src/engine")}));
     CZamPreferences File(s_Store);
     QVERIFY(File.Load());
     QCOMPARE(File.GetString(QStringLiteral("Compiler/GLSLES")), QStringLiteral("/opt/tools/my compiler"));
     QCOMPARE(File.GetInteger(QStringLiteral("Compiler/CompilerSelection"), -1), 2);
     QCOMPARE(File.GetString(QStringLiteral("Compiler/TempDirectory")), m_Temp.path());
     QCOMPARE(File.GetBool(QStringLiteral("Output/ShouldFormat"), true), false);
+    QCOMPARE(File.GetStringArray(QStringLiteral("Compiler/IncludeFolders")),
+             (QStringList{QStringLiteral("/src/common"), QStringLiteral("/src/engine")}));
     QCOMPARE(File.GetArgb(QStringLiteral("Output/Error"), 0), QColor(10, 20, 30).rgba());
     QCOMPARE(File.GetArgb(QStringLiteral("Output/Warning"), 0), QColor(40, 50, 60).rgba());
     // The General page's bit is not this page's to write.

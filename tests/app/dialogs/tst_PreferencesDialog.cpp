@@ -131,7 +131,7 @@ void CPreferencesDialogTest::OkStoresEachPageWithItsMask()
         QCOMPARE(pDialog->result(), int(QDialog::Accepted));
         QCOMPARE(Compiler.size(), 2);
         QCOMPARE(Compiler.at(0).at(1).toUInt(), 1u);   // the General page's flag
-        QCOMPARE(Compiler.at(1).at(1).toUInt(), 250u); // the compiler page's fields
+        QCOMPARE(Compiler.at(1).at(1).toUInt(), 506u); // the compiler page's fields
         QCOMPARE(General.size(), 1);
     }
     CZamPreferences File(QStringLiteral("ZamShaderEditor"));
