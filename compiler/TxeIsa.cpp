@@ -226,11 +226,26 @@ void CTextSink::RightAligned(long long llValue, std::size_t uiWidth)
     char* pDigit = pEnd;
     unsigned long long ullMagnitude =
         llValue < 0 ? 0ULL - static_cast<unsigned long long>(llValue) : static_cast<unsigned long long>(llValue);
-    do
+    // Two digits a step: a listing is mostly register numbers and counts.
+    static const char s_acPairs[] = "00010203040506070809101112131415161718192021222324"
+                                    "25262728293031323334353637383940414243444546474849"
+                                    "50515253545556575859606162636465666768697071727374"
+                                    "75767778798081828384858687888990919293949596979899";
+    while (ullMagnitude >= 100)
     {
-        *--pDigit = static_cast<char>('0' + ullMagnitude % 10);
-        ullMagnitude /= 10;
-    } while (ullMagnitude != 0);
+        pDigit -= 2;
+        std::memcpy(pDigit, s_acPairs + 2 * (ullMagnitude % 100), 2);
+        ullMagnitude /= 100;
+    }
+    if (ullMagnitude >= 10)
+    {
+        pDigit -= 2;
+        std::memcpy(pDigit, s_acPairs + 2 * ullMagnitude, 2);
+    }
+    else
+    {
+        *--pDigit = static_cast<char>('0' + ullMagnitude);
+    }
     if (llValue < 0)
         *--pDigit = '-';
     std::size_t uiLength = static_cast<std::size_t>(pEnd - pDigit);
