@@ -244,6 +244,16 @@ void MarkCompileResult(CShaderEditPanel* pPanel)
     QApplication::processEvents();
 }
 
+// Back to a panel without messages or counts, so the figures after it are taken as before.
+void ClearCompileResult(CShaderEditPanel* pPanel)
+{
+    // The second empty set also drops the counts the first one kept as the previous ones.
+    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), CZamTArray<int>());
+    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), CZamTArray<int>());
+    pPanel->OnPanelResultChanged(pPanel->GetPanelID(), SCompileResult());
+    QApplication::processEvents();
+}
+
 void DisableCursorMatching(CShaderEditor* pEditor)
 {
     // Cursor matching is timed on its own. Its timer would fire between keystrokes whenever
@@ -451,6 +461,7 @@ int main(int argc, char** argv)
     MarkCompileResult(pPanel);
     std::printf("with %d compile messages marked:\n", pPanel->blockCount() / 10);
     const double dMarkedP99 = Percentile(ScenarioTyping(pPanel, 200), 0.99);
+    ClearCompileResult(pPanel);
 
     PlaceCursorOnWord(pPanel);
     const double dCursorMatchMs = ScenarioCursorMatch(&Fixture.Editor, pPanel);
