@@ -266,13 +266,35 @@ void CDocumentBackups::Restore(const QList<SLeftBackup>& Backups)
     for (const SLeftBackup& Left : Backups)
     {
         const SDocumentBackup& Backup = Left.Backup;
-        CShaderEditPanel* pPanel =
-            m_pEditor->AddRestoredDocument(Backup.Title, Backup.Text, Backup.Path, Backup.eType, Backup.Format);
+        CShaderEditPanel* pPanel = UnmodifiedTabOf(Backup.Path);
+        if (pPanel)
+        {
+            // The session already opened the file again: its tab takes the restored text.
+            pPanel->SetContents(Backup.Text, false);
+            pPanel->SetFileFormat(Backup.Format);
+            pPanel->document()->setModified(true);
+        }
+        else
+        {
+            pPanel =
+                m_pEditor->AddRestoredDocument(Backup.Title, Backup.Text, Backup.Path, Backup.eType, Backup.Format);
+        }
         const auto Found = m_Watched.constFind(pPanel);
         // The old backup becomes the tab's own until the tab writes a newer one.
         if (Found != m_Watched.constEnd() && !QFile::rename(Left.File, Found->File))
             qCWarning(lcZamEdit) << "cannot take over the backup" << Left.File;
     }
+}
+
+CShaderEditPanel* CDocumentBackups::UnmodifiedTabOf(const QString& Path) const
+{
+    for (int i = 0; !Path.isEmpty() && i < m_pEditor->GetTabCount(); ++i)
+    {
+        CShaderEditPanel* pPanel = m_pEditor->GetPanel(i);
+        if (ToQString(pPanel->GetFilename()) == Path && !pPanel->IsModified())
+            return pPanel;
+    }
+    return nullptr;
 }
 
 void CDocumentBackups::Discard(const QList<SLeftBackup>& Backups)

@@ -61,8 +61,9 @@ public:
     // The backups of sessions that ended without closing their documents. Files that are no
     // backup of ours are moved to the "damaged" folder inside and listed.
     [[nodiscard]] SBackupScan FindLeftBackups();
-    // Each backup comes back as a modified tab named as before; the file on disk is left
-    // alone. The backup file is kept for the new tab until it is saved or closed.
+    // Each backup comes back as a modified tab named as before (the tab of its file, when the
+    // session opened that file again unchanged); the file on disk is left alone. The backup
+    // file is kept for the tab until it is saved or closed.
     void Restore(const QList<SLeftBackup>& Backups);
     void Discard(const QList<SLeftBackup>& Backups);
     // Returns once every backup asked for so far is written or removed.
@@ -87,6 +88,7 @@ private:
     void RemoveInBackground(const QString& File);
     bool IsSessionRunning(const QString& Session) const;
     SDamagedBackup KeepAside(const QString& File, const QString& Error) const;
+    CShaderEditPanel* UnmodifiedTabOf(const QString& Path) const;
 
     CShaderEditor* m_pEditor;
     QString m_Folder;

@@ -113,8 +113,8 @@ SFileWriteResult WriteDocumentFile(const QString& Path, const QByteArray& Bytes)
     SFileWriteResult Result;
     const SAtomicWriteResult Written = WriteFileAtomically(Path, Bytes);
     if (Written.bOpenFailed)
-        Result.Error = UIString(UIS_FailedToSaveFile) + QLatin1Char(' ') + Path + QLatin1Char('\n')
-                       + ReasonText(Written.Reason);
+        Result.Error =
+            UIString(UIS_FailedToSaveFile) + QLatin1Char(' ') + Path + QLatin1Char('\n') + ReasonText(Written.Reason);
     else if (!Written.bOk)
         Result.Error = UIString(UIS_ErrorWhileWritingFile) + Path;
     Result.bOk = Written.bOk;

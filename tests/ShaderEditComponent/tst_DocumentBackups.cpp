@@ -184,6 +184,8 @@ void CDocumentBackupsTest::LeftBackupsComeBack()
     QCOMPARE(Scan.Backups.at(1).bDiskChanged, true);
     QCOMPARE(Scan.Backups.at(2).bDiskChanged, false);
 
+    // The new session has opened one of the files again; its tab takes the restored text.
+    QVERIFY(pSecond->OnOpenFile(Path));
     pSecondBackups->Restore(Scan.Backups);
     QCOMPARE(pSecond->GetTabCount(), 3);
     const QStringList Titles{QStringLiteral("a.vsh"), QStringLiteral("b.vsh"), QStringLiteral("New File (1)")};
