@@ -9,6 +9,9 @@ crash     kill -9 of the editor while five tabs are typed in, then a restart tha
           tabs restored, the oldest keystroke lost (seconds)
 instance  the single-instance socket: its folder and mode, messages from another user,
           a burst of 1,000 connections, the next start after kill -9
+compile   50 hostile file names through a custom template (and whether a shell ever starts,
+          under strace when it is there), runaway compilers cancelled, a compiler printing
+          1 GiB, compile/cancel cycles
 """
 import argparse
 import os
@@ -242,15 +245,35 @@ def instance(build, scale):
     shutil.rmtree(runtime, ignore_errors=True)
 
 
+def compile_figures(build, scale):
+    host = os.path.join(build, "bench", "reliability_compile_host")
+    bindir = os.path.join(build, "bin")
+    work = tempfile.mkdtemp(prefix="zam-template-", dir=build)
+    command = [host, "template", bindir, work]
+    trace = os.path.join(work, "exec.trace")
+    if shutil.which("strace"):
+        command = ["strace", "-f", "-qq", "-e", "trace=execve", "-o", trace] + command
+    print(subprocess.run(command, capture_output=True, text=True).stdout, end="", flush=True)
+    if os.path.exists(trace):
+        execs = [l for l in open(trace, errors="replace") if "execve(" in l]
+        shells = [l for l in execs if any(f'/{s}"' in l for s in ("sh", "bash", "dash", "zsh"))]
+        figure("template_programs_started", len(execs) - 1)
+        figure("template_shells_started", len(shells))
+    shutil.rmtree(work)
+    for args in (["runaway", bindir, str(max(2, int(200 * scale)))], ["flood", bindir],
+                 ["cycles", bindir, str(max(1, int(1000 * scale)))]):
+        print(subprocess.run([host] + args, capture_output=True, text=True, timeout=900).stdout, end="", flush=True)
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("build")
-    parser.add_argument("--only", default="saves,crash,instance")
+    parser.add_argument("--only", default="saves,crash,instance,compile")
     parser.add_argument("--trials-scale", type=float, default=1.0)
     args = parser.parse_args()
     build = os.path.abspath(args.build)
     for part in args.only.split(","):
-        {"saves": saves, "crash": crash, "instance": instance}[part](build, args.trials_scale)
+        {"saves": saves, "crash": crash, "instance": instance, "compile": compile_figures}[part](build, args.trials_scale)
 
 
 if __name__ == "__main__":
