@@ -14,31 +14,37 @@ bool IsDigit(char c)
     return c >= '0' && c <= '9';
 }
 
-// Position of the first keyword that stands as a whole word, or -1.
-qsizetype FindKeyword(const QByteArray& Line, SCompileMessage::ESeverity& eSeverity, qsizetype& iLength)
+// Position of the first keyword that stands as a whole word, or -1. Only an 'E' or a 'W'
+// can start one; the library's byte search finds the candidates.
+qsizetype FindKeyword(QByteArrayView Line, SCompileMessage::ESeverity& eSeverity, qsizetype& iLength)
 {
-    for (qsizetype i = 0; i < Line.size(); ++i)
+    static const QByteArrayView s_Error("ERROR");
+    static const QByteArrayView s_Warning("WARNING");
+    qsizetype iError = Line.indexOf('E');
+    qsizetype iWarning = Line.indexOf('W');
+    while (iError >= 0 || iWarning >= 0)
     {
-        if (i > 0 && IsWordChar(Line.at(i - 1)))
-            continue;
-        const QByteArray Rest = QByteArray::fromRawData(Line.constData() + i, Line.size() - i);
-        for (const auto& [pWord, eKind] : {std::pair{"ERROR", SCompileMessage::Severity_Error},
-                                           std::pair{"WARNING", SCompileMessage::Severity_Warning}})
+        const bool bError = iWarning < 0 || (iError >= 0 && iError < iWarning);
+        const qsizetype i = bError ? iError : iWarning;
+        const QByteArrayView Word = bError ? s_Error : s_Warning;
+        const qsizetype iEnd = i + Word.size();
+        if ((i == 0 || !IsWordChar(Line.at(i - 1))) && Line.sliced(i).startsWith(Word)
+            && (iEnd == Line.size() || !IsWordChar(Line.at(iEnd))))
         {
-            const qsizetype iWord = static_cast<qsizetype>(qstrlen(pWord));
-            if (Rest.startsWith(pWord) && (Rest.size() == iWord || !IsWordChar(Rest.at(iWord))))
-            {
-                eSeverity = eKind;
-                iLength = iWord;
-                return i;
-            }
+            eSeverity = bError ? SCompileMessage::Severity_Error : SCompileMessage::Severity_Warning;
+            iLength = Word.size();
+            return i;
         }
+        if (bError)
+            iError = Line.indexOf('E', i + 1);
+        else
+            iWarning = Line.indexOf('W', i + 1);
     }
     return -1;
 }
 
 // Reads the digits at iPos; false when there are none or they overflow an int.
-bool ReadNumber(const QByteArray& Line, qsizetype& iPos, qint64& iValue)
+bool ReadNumber(QByteArrayView Line, qsizetype& iPos, qint64& iValue)
 {
     const qsizetype iStart = iPos;
     iValue = 0;
@@ -86,16 +92,16 @@ void ReadHeaderLocation(QByteArrayView Line, qsizetype iAfterWord, SCompileMessa
 }
 
 // Moves the line number of "KEYWORD: <string>:<line>" starting at iAfterWord by the offset.
-SCompileMessage MakeMessage(const QByteArray& Line, qsizetype iAfterWord, SCompileMessage::ESeverity eSeverity,
+SCompileMessage MakeMessage(QByteArrayView Line, qsizetype iAfterWord, SCompileMessage::ESeverity eSeverity,
                             int iLineOffset, QByteArray& Text)
 {
     SCompileMessage Message;
     Message.eSeverity = eSeverity;
-    Text = Line;
+    Text = Line.toByteArray();
     qsizetype iPos = iAfterWord;
     qint64 iString = 0;
     qint64 iLine = 0;
-    if (Line.mid(iPos, 2) == ": ")
+    if (Line.sliced(iPos).startsWith(": "))
     {
         iPos += 2;
         if (ReadNumber(Line, iPos, iString) && iPos < Line.size() && Line.at(iPos) == ':')
@@ -105,7 +111,8 @@ SCompileMessage MakeMessage(const QByteArray& Line, qsizetype iAfterWord, SCompi
             if (iMoved >= 0 && iMoved <= std::numeric_limits<int>::max())
             {
                 Message.iLine = static_cast<int>(iMoved);
-                Text = Line.left(iLineStart) + QByteArray::number(iMoved) + Line.mid(iPos);
+                Text =
+                    Line.first(iLineStart).toByteArray() + QByteArray::number(iMoved) + Line.sliced(iPos).toByteArray();
             }
         }
     }
@@ -129,7 +136,7 @@ SCompilerOutput ParseCompilerOutput(const QByteArray& Output, int iLineOffset)
         qsizetype iEnd = Output.indexOf('\n', iStart);
         if (iEnd < 0)
             iEnd = Output.size();
-        const QByteArray Line = Output.mid(iStart, iEnd - iStart);
+        const QByteArrayView Line = QByteArrayView(Output).sliced(iStart, iEnd - iStart);
         iStart = iEnd + 1;
 
         SCompileMessage::ESeverity eSeverity = SCompileMessage::Severity_Error;
