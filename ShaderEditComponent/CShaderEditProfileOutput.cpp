@@ -176,7 +176,12 @@ void CShaderEditProfileOutput::ShowWorstCaseRow(bool bShow)
     if (bShow && !bInLayout)
         m_pForm->insertRow(s_iWorstCaseRow, pCaption, pValue);
     else if (!bShow && bInLayout)
-        m_pForm->takeRow(pCaption);
+    {
+        // The taken row's layout items are ours to delete; the labels stay with the view.
+        const QFormLayout::TakeRowResult Row = m_pForm->takeRow(pCaption);
+        delete Row.labelItem;
+        delete Row.fieldItem;
+    }
     pCaption->setVisible(bShow);
     pValue->setVisible(bShow);
 }
