@@ -4,6 +4,7 @@
 #include "ShaderEditComponent/CShaderEditPanel.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlighter.h"
+#include "tests/support/CompileTestSupport.h"
 
 #include <QSignalSpy>
 #include <QTextBlock>
@@ -223,14 +224,7 @@ void CEditPanelTest::CountsGoWithTheCompiledType()
 
 namespace
 {
-SCompileMessage MessageAt(int iLine, SCompileMessage::ESeverity eSeverity, const QString& Text)
-{
-    SCompileMessage Message;
-    Message.iLine = iLine;
-    Message.eSeverity = eSeverity;
-    Message.Text = Text;
-    return Message;
-}
+using CompileTest::MessageAt;
 
 CZamTArray<int> CountsOf(std::initializer_list<int> Values)
 {

@@ -1,8 +1,9 @@
 #pragma once
 
-// Shared by the compile tests: where the built programs are, and what this test process has
-// left behind (children, zombies, open files, peak memory).
+// Shared by the compile tests: where the built programs are, what this test process has left
+// behind (children, zombies, open files, peak memory), and compiler messages to hand out.
 
+#include "ShaderEditComponent/compile/model/CompileResult.h"
 #include "TestFiles.h"
 
 #include <QDir>
@@ -122,4 +123,14 @@ public:
 private:
     const char* m_pName;
 };
+
+// A compiler message on a 1-based document line, as the output parser makes them.
+inline SCompileMessage MessageAt(int iLine, SCompileMessage::ESeverity eSeverity, const QString& Text)
+{
+    SCompileMessage Message;
+    Message.iLine = iLine;
+    Message.eSeverity = eSeverity;
+    Message.Text = Text;
+    return Message;
+}
 } // namespace CompileTest

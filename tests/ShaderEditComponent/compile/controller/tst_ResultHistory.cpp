@@ -2,19 +2,13 @@
 // compiled while the text does not, with the edits since and the figures before.
 
 #include "ShaderEditComponent/compile/controller/ResultHistory_p.h"
+#include "tests/support/CompileTestSupport.h"
 
 #include <QtTest>
 
 namespace
 {
-SCompileMessage MessageAt(int iLine, SCompileMessage::ESeverity eSeverity, const QString& Text)
-{
-    SCompileMessage Message;
-    Message.iLine = iLine;
-    Message.eSeverity = eSeverity;
-    Message.Text = Text;
-    return Message;
-}
+using CompileTest::MessageAt;
 
 SCompileResult MakeResult(ECompileStatus eStatus, const char* pLog, float fCycles = -1.0f)
 {
