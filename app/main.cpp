@@ -14,33 +14,18 @@
 #include "StartupProbe.h"
 #include "ZamShaderEditorWindow.h"
 
-#include <QFileInfo>
-
 #include <cstdio>
 
 namespace
 {
 const char* const s_pApplicationText = "ZamShaderEditor 2.0";
 
-// The desktop hands several files to one start (Exec=zamshadereditor %F), but a message to the
-// running editor carries one file: every file after the first is handed on as a start of its own.
-QList<QStringList> OneStartPerFile(const QStringList& Arguments)
-{
-    QList<QStringList> Starts{Arguments.mid(0, 2)};
-    for (int i = 2; i < Arguments.size(); ++i)
-        Starts.append({Arguments.at(0), Arguments.at(i)});
-    return Starts;
-}
-
-// A later start only hands its files (or the wish to see the window) to the running one.
+// A later start only hands its file (or the wish to see the window) to the running one.
 int HandOver(CSingleApplication& App)
 {
-    for (const QStringList& Start : OneStartPerFile(QCoreApplication::arguments()))
-    {
-        const QString Message = HandOverMessage(Start);
-        if (!Message.isEmpty())
-            App.SendMessage(Message);
-    }
+    const QString Message = HandOverMessage(QCoreApplication::arguments());
+    if (!Message.isEmpty())
+        App.SendMessage(Message);
     return 0;
 }
 } // namespace
@@ -61,13 +46,8 @@ int main(int argc, char** argv)
     QStringList Arguments;
     for (int i = 0; i < argc; ++i)
         Arguments << QString::fromLocal8Bit(argv[i]);
-    const QList<QStringList> Starts = OneStartPerFile(Arguments);
-    if (HandOverToRunningInstance(QStringLiteral("ZamShaderEditor"), Starts.first()))
-    {
-        for (int i = 1; i < Starts.size(); ++i)
-            static_cast<void>(HandOverToRunningInstance(QStringLiteral("ZamShaderEditor"), Starts.at(i)));
+    if (HandOverToRunningInstance(QStringLiteral("ZamShaderEditor"), Arguments))
         return 0;
-    }
 
     CSingleApplication App(argc, argv, QStringLiteral("ZamShaderEditor"));
     InitIconResources();
@@ -84,12 +64,6 @@ int main(int argc, char** argv)
     QObject::connect(&App, &CSingleApplication::MessageAvailable, &Window, &ZamShaderEditorWindow::ReceiveAppMessage);
     CStartupProbe::Install(&Window);
     Window.show();
-    // The window opened the first file itself.
-    for (int i = 1; i < Starts.size(); ++i)
-    {
-        if (QFileInfo(Starts.at(i).at(1)).isFile())
-            Window.OnOpenFile(Starts.at(i).at(1));
-    }
     // Typed work outlives a crash: this session's backups, and the offer of the last one's.
     CDocumentBackups Backups(Window.GetEditor());
     OfferDocumentRestore(&Window, Backups);

@@ -88,7 +88,9 @@ void CDesktopFilesTest::DesktopEntryAndMetainfoValidate()
     QVERIFY2(Run(ZAM_APPSTREAMCLI, {"validate", "--no-net", Metainfo}, &Output) == 0, qPrintable(Output));
 
     // One id everywhere: the entry's file name is what the program tells Wayland.
-    QCOMPARE(EntryValue(Entry, "Exec"), QStringLiteral("zamshadereditor %F"));
+    // One file per start: the program opens its first argument only, and each further start
+    // hands its file to the running editor, so every selected file opens.
+    QCOMPARE(EntryValue(Entry, "Exec"), QStringLiteral("zamshadereditor %f"));
     QCOMPARE(EntryValue(Entry, "Icon"), DesktopApplicationId());
     QCOMPARE(EntryValue(Entry, "Categories"), QStringLiteral("Development;IDE;"));
     QCOMPARE(ElementValues(Metainfo, "id"), QStringList{DesktopApplicationId()});
