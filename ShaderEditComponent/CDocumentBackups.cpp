@@ -189,6 +189,19 @@ void CDocumentBackups::RemoveInBackground(const QString& File)
         Qt::QueuedConnection);
 }
 
+void CDocumentBackups::MoveInBackground(const QString& From, const QString& To)
+{
+    QMetaObject::invokeMethod(
+        m_pWorker,
+        [From, To]
+        {
+            QFile::remove(To);
+            if (!QFile::rename(From, To))
+                qCWarning(lcZamEdit) << "cannot take over the backup" << From;
+        },
+        Qt::QueuedConnection);
+}
+
 void CDocumentBackups::Flush()
 {
     QMetaObject::invokeMethod(
@@ -280,9 +293,10 @@ void CDocumentBackups::Restore(const QList<SLeftBackup>& Backups)
                 m_pEditor->AddRestoredDocument(Backup.Title, Backup.Text, Backup.Path, Backup.eType, Backup.Format);
         }
         const auto Found = m_Watched.constFind(pPanel);
-        // The old backup becomes the tab's own until the tab writes a newer one.
-        if (Found != m_Watched.constEnd() && !QFile::rename(Left.File, Found->File))
-            qCWarning(lcZamEdit) << "cannot take over the backup" << Left.File;
+        // The old backup becomes the tab's own until the tab writes a newer one. Moved on the
+        // worker, after a removal that taking the text may just have queued for the tab's file.
+        if (Found != m_Watched.constEnd())
+            MoveInBackground(Left.File, Found->File);
     }
 }
 

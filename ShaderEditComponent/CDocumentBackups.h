@@ -86,6 +86,7 @@ private:
     void Forget(const CShaderEditPanel* pPanel);
     void WriteInBackground(const QString& File, SDocumentBackup Backup);
     void RemoveInBackground(const QString& File);
+    void MoveInBackground(const QString& From, const QString& To);
     bool IsSessionRunning(const QString& Session) const;
     SDamagedBackup KeepAside(const QString& File, const QString& Error) const;
     CShaderEditPanel* UnmodifiedTabOf(const QString& Path) const;
