@@ -69,6 +69,9 @@ bool PrepareUser(const QTemporaryDir& Home)
     }
     qputenv("XDG_CONFIG_HOME", Home.filePath(QStringLiteral("config")).toUtf8());
     qputenv("XDG_RUNTIME_DIR", Home.filePath(QStringLiteral("runtime")).toUtf8());
+    // Backups a crashed editor left for the real user would stop every start at the restore
+    // question.
+    qputenv("XDG_STATE_HOME", Home.filePath(QStringLiteral("state")).toUtf8());
     QDir().mkpath(Home.filePath(QStringLiteral("runtime")));
     QFile::setPermissions(Home.filePath(QStringLiteral("runtime")),
                           QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
