@@ -11,7 +11,11 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QPlainTextEdit>
 #include <QPointer>
+#include <QTemporaryDir>
+#include <QtTest>
 #include <QTimer>
 #include <QWidget>
 
@@ -40,6 +44,48 @@ inline std::unique_ptr<ZamShaderEditorWindow> NewWindow(CGUIController& GUI, con
     Options.bWelcomeExample = bWelcomeExample;
     return std::make_unique<ZamShaderEditorWindow>(Options);
 }
+
+// What the window tests set up alike: a preference folder made anew for every test, a folder
+// for the test's files, and the process's controller on them. Test classes derive from it.
+class CWindowFixture
+{
+protected:
+    // From initTestCase().
+    bool IsFixtureValid() const { return m_Config.isValid() && m_Files.isValid(); }
+    // From init(): an empty preference file and a new controller on it.
+    void ResetFixture()
+    {
+        qputenv("XDG_CONFIG_HOME", m_Config.path().toUtf8());
+        m_pGUI.reset();
+        QDir(m_Config.path()).removeRecursively();
+        QDir().mkpath(m_Config.path());
+        m_pGUI = NewGUIController();
+    }
+    QString NewFile(const QString& Name, const QByteArray& Text)
+    {
+        const QString Path = m_Files.filePath(Name);
+        QDir().mkpath(QFileInfo(Path).absolutePath());
+        WriteAll(Path, Text);
+        return Path;
+    }
+    // A window on Path, shown, once its first compile has reached the log; null if it never did.
+    std::unique_ptr<ZamShaderEditorWindow> OpenCompiled(const QString& Path, int iWaitMs)
+    {
+        auto pWindow = NewWindow(*m_pGUI, {Path});
+        pWindow->resize(1280, 800);
+        pWindow->show();
+        if (!QTest::qWaitForWindowExposed(pWindow.get()))
+            return nullptr;
+        auto* pLog = pWindow->findChild<QPlainTextEdit*>(QStringLiteral("ShaderEditLogOutput"));
+        if (!pLog || !QTest::qWaitFor([pLog] { return pLog->toPlainText().contains(QStringLiteral("Compile")); }, iWaitMs))
+            return nullptr;
+        return pWindow;
+    }
+
+    QTemporaryDir m_Config;
+    QTemporaryDir m_Files;
+    std::unique_ptr<CGUIController> m_pGUI;
+};
 
 // Calls Answer with the next modal widget (a dialog or message box) once it is shown, from
 // the event loop that runs it. Returns a flag that tells whether one was answered.

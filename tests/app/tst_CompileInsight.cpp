@@ -83,7 +83,7 @@ void ReplaceInLine(CShaderEditPanel* pPanel, int iLine, const QString& Old, cons
 }
 } // namespace
 
-class CCompileInsightTest : public QObject
+class CCompileInsightTest : public QObject, private CWindowFixture
 {
     Q_OBJECT
 
@@ -96,9 +96,6 @@ private slots:
     void EachEditShowsWhatItCost();
 
 private:
-    QString NewFile(const QString& Name, const QByteArray& Text);
-    // A window on Path, shown, once its first compile has arrived.
-    std::unique_ptr<ZamShaderEditorWindow> OpenCompiled(const QString& Path);
     template <typename T> T* Find(const ZamShaderEditorWindow& Window, const char* pName)
     {
         T* pWidget = Window.findChild<T*>(QLatin1String(pName));
@@ -106,45 +103,17 @@ private:
             qFatal("no %s", pName);
         return pWidget;
     }
-
-    QTemporaryDir m_Config;
-    QTemporaryDir m_Files;
-    std::unique_ptr<CGUIController> m_pGUI;
 };
 
 void CCompileInsightTest::initTestCase()
 {
     RegisterCompileMetaTypes();
-    QVERIFY(m_Config.isValid() && m_Files.isValid());
+    QVERIFY(IsFixtureValid());
 }
 
 void CCompileInsightTest::init()
 {
-    qputenv("XDG_CONFIG_HOME", m_Config.path().toUtf8());
-    m_pGUI.reset();
-    QDir(m_Config.path()).removeRecursively();
-    QDir().mkpath(m_Config.path());
-    m_pGUI = NewGUIController();
-}
-
-QString CCompileInsightTest::NewFile(const QString& Name, const QByteArray& Text)
-{
-    const QString Path = m_Files.filePath(Name);
-    WriteAll(Path, Text);
-    return Path;
-}
-
-std::unique_ptr<ZamShaderEditorWindow> CCompileInsightTest::OpenCompiled(const QString& Path)
-{
-    auto pWindow = NewWindow(*m_pGUI, {Path});
-    pWindow->resize(1280, 800);
-    pWindow->show();
-    if (!QTest::qWaitForWindowExposed(pWindow.get()))
-        return nullptr;
-    auto* pLog = Find<QPlainTextEdit>(*pWindow, "ShaderEditLogOutput");
-    if (!QTest::qWaitFor([pLog] { return pLog->toPlainText().contains(QStringLiteral("Compile")); }, s_iWait))
-        return nullptr;
-    return pWindow;
+    ResetFixture();
 }
 
 void CCompileInsightTest::MessagesAreMarkedInTheText()
@@ -152,7 +121,7 @@ void CCompileInsightTest::MessagesAreMarkedInTheText()
     QByteArray Broken = s_pShader;
     Broken.replace("precision mediump float;\n", "#extension GL_OES_made_up : warn\nprecision mediump float;\n");
     Broken.replace("vec3(0.3, 0.6, 0.1)", "vec3(0.3, 0.6, undefinedName)");
-    auto pWindow = OpenCompiled(NewFile(QStringLiteral("marked.frag"), Broken));
+    auto pWindow = OpenCompiled(NewFile(QStringLiteral("marked.frag"), Broken), s_iWait);
     QVERIFY(pWindow);
     CShaderEditPanel* pPanel = pWindow->GetEditor()->GetCurrentPanel();
     const Settings::SCompiler& Colours = pWindow->GetEditController()->GetCompilerSettings();
@@ -195,7 +164,7 @@ void CCompileInsightTest::MessagesAreMarkedInTheText()
 
 void CCompileInsightTest::SourceLinesAndInstructionsFindEachOther()
 {
-    auto pWindow = OpenCompiled(NewFile(QStringLiteral("follow.frag"), s_pShader));
+    auto pWindow = OpenCompiled(NewFile(QStringLiteral("follow.frag"), s_pShader), s_iWait);
     QVERIFY(pWindow);
     CShaderEditPanel* pPanel = pWindow->GetEditor()->GetCurrentPanel();
     auto* pDisassembly = Find<QPlainTextEdit>(*pWindow, "OutputTextEdit");
@@ -243,7 +212,7 @@ void CCompileInsightTest::SourceLinesAndInstructionsFindEachOther()
 
 void CCompileInsightTest::LastGoodResultStaysWhileTheTextDoesNotCompile()
 {
-    auto pWindow = OpenCompiled(NewFile(QStringLiteral("stale.frag"), s_pShader));
+    auto pWindow = OpenCompiled(NewFile(QStringLiteral("stale.frag"), s_pShader), s_iWait);
     QVERIFY(pWindow);
     CShaderEditPanel* pPanel = pWindow->GetEditor()->GetCurrentPanel();
     auto* pLog = Find<QPlainTextEdit>(*pWindow, "ShaderEditLogOutput");
@@ -301,7 +270,7 @@ void CCompileInsightTest::LastGoodResultStaysWhileTheTextDoesNotCompile()
 
 void CCompileInsightTest::EachEditShowsWhatItCost()
 {
-    auto pWindow = OpenCompiled(NewFile(QStringLiteral("cost.frag"), s_pShader));
+    auto pWindow = OpenCompiled(NewFile(QStringLiteral("cost.frag"), s_pShader), s_iWait);
     QVERIFY(pWindow);
     CShaderEditPanel* pPanel = pWindow->GetEditor()->GetCurrentPanel();
     auto* pLog = Find<QPlainTextEdit>(*pWindow, "ShaderEditLogOutput");

@@ -98,7 +98,7 @@ int CyclesByHand(const QString& Executable, const QString& Path)
 }
 } // namespace
 
-class CIncludesAndCoresTest : public QObject
+class CIncludesAndCoresTest : public QObject, private CWindowFixture
 {
     Q_OBJECT
 
@@ -109,48 +109,17 @@ private slots:
     void AllCoresShowsEveryCoreAndFollowsEdits();
 
 private:
-    QString NewFile(const QString& Name, const QByteArray& Text);
-    std::unique_ptr<ZamShaderEditorWindow> OpenCompiled(const QString& Path);
-
-    QTemporaryDir m_Config;
-    QTemporaryDir m_Files;
-    std::unique_ptr<CGUIController> m_pGUI;
 };
 
 void CIncludesAndCoresTest::initTestCase()
 {
     RegisterCompileMetaTypes();
-    QVERIFY(m_Config.isValid() && m_Files.isValid());
+    QVERIFY(IsFixtureValid());
 }
 
 void CIncludesAndCoresTest::init()
 {
-    qputenv("XDG_CONFIG_HOME", m_Config.path().toUtf8());
-    m_pGUI.reset();
-    QDir(m_Config.path()).removeRecursively();
-    QDir().mkpath(m_Config.path());
-    m_pGUI = NewGUIController();
-}
-
-QString CIncludesAndCoresTest::NewFile(const QString& Name, const QByteArray& Text)
-{
-    const QString Path = m_Files.filePath(Name);
-    QDir().mkpath(QFileInfo(Path).absolutePath());
-    WriteAll(Path, Text);
-    return Path;
-}
-
-std::unique_ptr<ZamShaderEditorWindow> CIncludesAndCoresTest::OpenCompiled(const QString& Path)
-{
-    auto pWindow = NewWindow(*m_pGUI, {Path});
-    pWindow->resize(1280, 800);
-    pWindow->show();
-    if (!QTest::qWaitForWindowExposed(pWindow.get()))
-        return nullptr;
-    auto* pLog = pWindow->findChild<QPlainTextEdit*>(QStringLiteral("ShaderEditLogOutput"));
-    if (!QTest::qWaitFor([pLog] { return pLog->toPlainText().contains(QStringLiteral("Compile")); }, s_iWait))
-        return nullptr;
-    return pWindow;
+    ResetFixture();
 }
 
 void CIncludesAndCoresTest::IncludedHeadersCompileAndOpenAtTheirLines()
@@ -161,7 +130,7 @@ void CIncludesAndCoresTest::IncludedHeadersCompileAndOpenAtTheirLines()
     const QString Document = NewFile(QStringLiteral("project/lit.frag"), s_pDocument);
 
     // Without the include folder the header is missing, and the log says where it looked.
-    auto pWindow = OpenCompiled(Document);
+    auto pWindow = OpenCompiled(Document, s_iWait);
     QVERIFY(pWindow);
     CShaderEditController* pController = pWindow->GetEditController();
     auto* pLog = pWindow->findChild<QPlainTextEdit*>(QStringLiteral("ShaderEditLogOutput"));
@@ -229,7 +198,7 @@ void CIncludesAndCoresTest::IncludedHeadersCompileAndOpenAtTheirLines()
 void CIncludesAndCoresTest::AllCoresShowsEveryCoreAndFollowsEdits()
 {
     const QString Path = NewFile(QStringLiteral("blur.frag"), s_pBlur);
-    auto pWindow = OpenCompiled(Path);
+    auto pWindow = OpenCompiled(Path, s_iWait);
     QVERIFY(pWindow);
     auto* pDock = pWindow->findChild<QDockWidget*>(QStringLiteral("DockWidget_AllCores"));
     QVERIFY(pDock);

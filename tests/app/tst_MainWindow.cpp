@@ -52,7 +52,7 @@ QString PanelText(const ZamShaderEditorWindow& Window, int iTab)
 }
 } // namespace
 
-class CMainWindowTest : public QObject
+class CMainWindowTest : public QObject, private CWindowFixture
 {
     Q_OBJECT
 
@@ -72,33 +72,17 @@ private slots:
     void CompilersStartAfterTheFirstPicture();
 
 private:
-    QString NewFile(const QString& Name, const QByteArray& Text = s_pFragment);
-
-    QTemporaryDir m_Config;
-    QTemporaryDir m_Files;
-    std::unique_ptr<CGUIController> m_pGUI;
 };
 
 void CMainWindowTest::initTestCase()
 {
     RegisterCompileMetaTypes();
-    QVERIFY(m_Config.isValid() && m_Files.isValid());
+    QVERIFY(IsFixtureValid());
 }
 
 void CMainWindowTest::init()
 {
-    qputenv("XDG_CONFIG_HOME", m_Config.path().toUtf8());
-    m_pGUI.reset();
-    QDir(m_Config.path()).removeRecursively();
-    QDir().mkpath(m_Config.path());
-    m_pGUI = NewGUIController();
-}
-
-QString CMainWindowTest::NewFile(const QString& Name, const QByteArray& Text)
-{
-    const QString Path = m_Files.filePath(Name);
-    WriteAll(Path, Text);
-    return Path;
+    ResetFixture();
 }
 
 void CMainWindowTest::MenusToolBarAndActions()
@@ -293,7 +277,7 @@ void CMainWindowTest::CommandsFollowTheEditor()
 
 void CMainWindowTest::SessionAndCloseSequence()
 {
-    const QString First = NewFile(QStringLiteral("one.frag"));
+    const QString First = NewFile(QStringLiteral("one.frag"), s_pFragment);
     const QString Second = NewFile(QStringLiteral("two.vert"), "void main() { gl_Position = vec4(1.0); }\n");
     Settings::SGeneral General = m_pGUI->GetGeneralSettings();
     General.bOpenLastTabs = true;
@@ -360,8 +344,8 @@ void CMainWindowTest::DragAndDropOpensEachFile()
     pWindow->show();
     QVERIFY(QTest::qWaitForWindowExposed(pWindow.get()));
     QMimeData Data;
-    Data.setUrls({QUrl::fromLocalFile(NewFile(QStringLiteral("d1.frag"))), QUrl(QStringLiteral("https://example.com/x.frag")),
-                  QUrl::fromLocalFile(NewFile(QStringLiteral("d2 with blank.frag")))});
+    Data.setUrls({QUrl::fromLocalFile(NewFile(QStringLiteral("d1.frag"), s_pFragment)), QUrl(QStringLiteral("https://example.com/x.frag")),
+                  QUrl::fromLocalFile(NewFile(QStringLiteral("d2 with blank.frag"), s_pFragment))});
     const QPoint Centre = pWindow->rect().center();
     QDragEnterEvent Enter(Centre, Qt::CopyAction, &Data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(pWindow.get(), &Enter);
@@ -382,8 +366,8 @@ void CMainWindowTest::DragAndDropOpensEachFile()
 void CMainWindowTest::RecentFilesAndAppMessages()
 {
     auto pWindow = NewWindow(*m_pGUI);
-    const QString First = NewFile(QStringLiteral("r1.frag"));
-    const QString Second = NewFile(QStringLiteral("r2.frag"));
+    const QString First = NewFile(QStringLiteral("r1.frag"), s_pFragment);
+    const QString Second = NewFile(QStringLiteral("r2.frag"), s_pFragment);
     pWindow->OnOpenFile(First);
     // A message from a second start opens its file; the raise keyword opens nothing.
     pWindow->ReceiveAppMessage(Second);
