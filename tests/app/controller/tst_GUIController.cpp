@@ -1,6 +1,7 @@
 // The application controller and the recent-files list against real preference files in a
 // private configuration folder, reloaded the way the next start of the program reads them.
 
+#include "app/controller/ApplicationText.h"
 #include "app/controller/CGUIController.h"
 #include "app/controller/CRecentFiles.h"
 #include "Common/ZamPreferences/ZamPreferences.h"
@@ -30,15 +31,31 @@ QByteArray PreferenceFileBytes()
     return File.open(QIODevice::ReadOnly) ? File.readAll() : QByteArray();
 }
 
-QStringList MenuEntries(const QMenu& Menu)
+QList<QAction*> MenuEntries(const QMenu& Menu)
 {
-    QStringList Entries;
-    for (const QAction* pAction : Menu.actions())
+    QList<QAction*> Entries;
+    for (QAction* pAction : Menu.actions())
     {
         if (pAction->objectName() == QLatin1String("ARecentFile"))
-            Entries << pAction->text();
+            Entries << pAction;
     }
     return Entries;
+}
+
+QDockWidget* AddDock(QMainWindow& Window)
+{
+    auto* pDock = new QDockWidget(QStringLiteral("Dock"), &Window);
+    pDock->setObjectName(QStringLiteral("Dock"));
+    Window.addDockWidget(Qt::LeftDockWidgetArea, pDock);
+    return pDock;
+}
+
+SShaderEditControllerOptions EditOptions(CGUIController& GUI, const QString& SearchPath)
+{
+    SShaderEditControllerOptions Options;
+    Options.pPreferences = &GUI.GetPreferences();
+    Options.CompilerSearchPaths = QStringList{SearchPath};
+    return Options;
 }
 } // namespace
 
@@ -48,11 +65,11 @@ class CGUIControllerTest : public QObject
 
 private slots:
     void init();
-    void GeneralSettingsDefaultsAndMasks();
+    void OneStoreServesEveryControllerAcrossARestart();
     void LayoutAndTabsSurviveARestart();
-    void OneStoreServesEveryController();
     void AFailedSaveIsReportedOnce();
     void RecentFiles();
+    void TextsOutsideTheTableAreEmpty();
 
 private:
     QTemporaryDir m_Config;
@@ -68,33 +85,47 @@ void CGUIControllerTest::init()
     QDir().mkpath(m_Config.path());
 }
 
-void CGUIControllerTest::GeneralSettingsDefaultsAndMasks()
+void CGUIControllerTest::OneStoreServesEveryControllerAcrossARestart()
 {
-    auto pController = NewController();
-    const Settings::SGeneral& First = pController->GetGeneralSettings();
-    QCOMPARE(First.bOpenLastTabs, false);
-    QCOMPARE(ToQString(First.CompileOutputPath), QDir::toNativeSeparators(QDir::homePath()));
-    QVERIFY(First.CustomCommand.IsEmpty());
-    QVERIFY(First.LastDirectory.IsEmpty());
-    QVERIFY(!pController->HasWindowLayout());
+    {
+        auto pGUI = NewController();
+        CShaderEditController Edit(EditOptions(*pGUI, m_Files.path()));
+        CShaderHighlightController Highlight(&pGUI->GetPreferences());
 
-    Settings::SGeneral All;
-    All.bOpenLastTabs = true;
-    All.CompileOutputPath = ToZamString(QStringLiteral("/out"));
-    All.CustomCommand = ToZamString(QStringLiteral("\"cc\" %f%"));
-    All.LastDirectory = ToZamString(QStringLiteral("/first"));
-    pController->SetGeneralSettings(All, Settings::GeneralSetting_All);
+        Settings::SCompiler Compiler = Edit.GetCompilerSettings();
+        Compiler.bAutoCompile = false;
+        Edit.SetCompilerSettings(Compiler, Settings::CompilerSetting_AutoCompile);
+        QTextCharFormat Keyword = Highlight.GetFormat(3);
+        Keyword.setForeground(QColor(0x12, 0x34, 0x56));
+        Highlight.OnSyntaxColourChanged(3, Keyword);
+        Settings::SEditor Editor = Edit.GetEditorSettings();
+        Editor.iTabSpaceSize = 7;
+        Edit.SetEditorSettings(Editor, Settings::EditorSetting_TabSpaceSize);
 
-    // Mask 8 takes only the last directory; the rest stays as stored.
-    Settings::SGeneral Other;
-    Other.LastDirectory = ToZamString(QStringLiteral("/second"));
-    QSignalSpy Changed(pController.get(), &CGUIController::GeneralSettingsChanged);
-    pController->SetGeneralSettings(Other, Settings::GeneralSetting_LastDirectory);
-    pController->SetGeneralSettings(Other, 0);
-    QCOMPARE(Changed.count(), 2);
+        Settings::SGeneral All;
+        All.bOpenLastTabs = true;
+        All.CompileOutputPath = ToZamString(QStringLiteral("/out"));
+        All.CustomCommand = ToZamString(QStringLiteral("\"cc\" %f%"));
+        All.LastDirectory = ToZamString(QStringLiteral("/first"));
+        pGUI->SetGeneralSettings(All, Settings::GeneralSetting_All);
+        // A mask takes only its fields; the rest stays as stored.
+        Settings::SGeneral Other;
+        Other.LastDirectory = ToZamString(QStringLiteral("/second"));
+        pGUI->SetGeneralSettings(Other, Settings::GeneralSetting_LastDirectory);
+        pGUI->SetGeneralSettings(Other, 0);
+    }
+    const QByteArray Bytes = PreferenceFileBytes();
+    for (const char* pKey : {"<key>AutoCompile</key>", "<key>OpenLastTabs</key>", "<key>TabSpaceSize</key>",
+                             "<key>General</key>", "<key>Compiler</key>", "<key>Editor</key>"})
+        QVERIFY2(Bytes.count(pKey) == 1, pKey);
 
-    pController = NewController();
-    const Settings::SGeneral& Reloaded = pController->GetGeneralSettings();
+    auto pGUI = NewController();
+    CShaderEditController Edit(EditOptions(*pGUI, m_Files.path()));
+    CShaderHighlightController Highlight(&pGUI->GetPreferences());
+    QCOMPARE(Edit.GetCompilerSettings().bAutoCompile, false);
+    QCOMPARE(Edit.GetEditorSettings().iTabSpaceSize, 7);
+    QCOMPARE(Highlight.GetFormat(3).foreground().color(), QColor(0x12, 0x34, 0x56));
+    const Settings::SGeneral& Reloaded = pGUI->GetGeneralSettings();
     QCOMPARE(Reloaded.bOpenLastTabs, true);
     QCOMPARE(ToQString(Reloaded.CompileOutputPath), QStringLiteral("/out"));
     QCOMPARE(ToQString(Reloaded.CustomCommand), QStringLiteral("\"cc\" %f%"));
@@ -106,10 +137,9 @@ void CGUIControllerTest::LayoutAndTabsSurviveARestart()
     QByteArray SavedState;
     {
         auto pController = NewController();
+        QVERIFY(!pController->HasWindowLayout());
         QMainWindow Window;
-        auto* pDock = new QDockWidget(QStringLiteral("Dock"), &Window);
-        pDock->setObjectName(QStringLiteral("Dock"));
-        Window.addDockWidget(Qt::LeftDockWidgetArea, pDock);
+        QDockWidget* pDock = AddDock(Window);
         Window.resize(640, 480);
         pDock->hide();
         SavedState = Window.saveState(0);
@@ -123,9 +153,7 @@ void CGUIControllerTest::LayoutAndTabsSurviveARestart()
     auto pController = NewController();
     QVERIFY(pController->HasWindowLayout());
     QMainWindow Window;
-    auto* pDock = new QDockWidget(QStringLiteral("Dock"), &Window);
-    pDock->setObjectName(QStringLiteral("Dock"));
-    Window.addDockWidget(Qt::LeftDockWidgetArea, pDock);
+    QDockWidget* pDock = AddDock(Window);
     pController->RestoreWindowLayout(Window);
     QCOMPARE(Window.saveState(0), SavedState);
     QVERIFY(pDock->isHidden());
@@ -138,46 +166,6 @@ void CGUIControllerTest::LayoutAndTabsSurviveARestart()
     pController->StoreLastOpenTabs(CZamTArray<CZamTString>());
     QVERIFY(PreferenceFileBytes().contains("<key>LastOpenTabs</key>"));
     QCOMPARE(NewController()->LoadLastOpenTabs().GetSize(), 0u);
-}
-
-void CGUIControllerTest::OneStoreServesEveryController()
-{
-    {
-        auto pGUI = NewController();
-        SShaderEditControllerOptions Options;
-        Options.pPreferences = &pGUI->GetPreferences();
-        Options.CompilerSearchPaths = QStringList{m_Files.path()};
-        CShaderEditController Edit(Options);
-        CShaderHighlightController Highlight(&pGUI->GetPreferences());
-
-        Settings::SCompiler Compiler = Edit.GetCompilerSettings();
-        Compiler.bAutoCompile = false;
-        Edit.SetCompilerSettings(Compiler, Settings::CompilerSetting_AutoCompile);
-        QTextCharFormat Keyword = Highlight.GetFormat(3);
-        Keyword.setForeground(QColor(0x12, 0x34, 0x56));
-        Highlight.OnSyntaxColourChanged(3, Keyword);
-        Settings::SGeneral General;
-        General.bOpenLastTabs = true;
-        pGUI->SetGeneralSettings(General, Settings::GeneralSetting_OpenLastTabs);
-        Settings::SEditor Editor = Edit.GetEditorSettings();
-        Editor.iTabSpaceSize = 7;
-        Edit.SetEditorSettings(Editor, Settings::EditorSetting_TabSpaceSize);
-    }
-    const QByteArray Bytes = PreferenceFileBytes();
-    for (const char* pKey : {"<key>AutoCompile</key>", "<key>OpenLastTabs</key>", "<key>TabSpaceSize</key>",
-                             "<key>General</key>", "<key>Compiler</key>", "<key>Editor</key>"})
-        QVERIFY2(Bytes.count(pKey) == 1, pKey);
-
-    auto pGUI = NewController();
-    SShaderEditControllerOptions Options;
-    Options.pPreferences = &pGUI->GetPreferences();
-    Options.CompilerSearchPaths = QStringList{m_Files.path()};
-    CShaderEditController Edit(Options);
-    CShaderHighlightController Highlight(&pGUI->GetPreferences());
-    QCOMPARE(Edit.GetCompilerSettings().bAutoCompile, false);
-    QCOMPARE(Edit.GetEditorSettings().iTabSpaceSize, 7);
-    QCOMPARE(Highlight.GetFormat(3).foreground().color(), QColor(0x12, 0x34, 0x56));
-    QCOMPARE(pGUI->GetGeneralSettings().bOpenLastTabs, true);
 }
 
 void CGUIControllerTest::AFailedSaveIsReportedOnce()
@@ -235,32 +223,21 @@ void CGUIControllerTest::RecentFiles()
     Recent.Add(Paths[1]);
     Recent.Add(Paths[0]);
     Recent.Add(m_Files.filePath(QStringLiteral("missing.frag")));
-    QString Stored = Paths[0];
-    Stored.replace(QLatin1Char('/'), QLatin1Char('\\'));
-    QCOMPARE(Recent.GetEntries().size(), 2);
-    QCOMPARE(Recent.GetEntries().first(), Stored);
-    QCOMPARE(Store.GetStringArray(QStringLiteral("Open/Recent files")).first(), Stored);
-    QCOMPARE(MenuEntries(Menu).first(), QStringLiteral("1 ") + Stored.replace(QLatin1String("&"), QLatin1String("&&")));
+    const auto Stored = [](QString Path) { return Path.replace(QLatin1Char('/'), QLatin1Char('\\')); };
+    QCOMPARE(Recent.GetEntries(), (QStringList{Stored(Paths[0]), Stored(Paths[1])}));
+    QCOMPARE(Store.GetStringArray(QStringLiteral("Open/Recent files")).first(), Stored(Paths[0]));
+    QCOMPARE(MenuEntries(Menu).first()->text(),
+             QStringLiteral("1 ") + Stored(Paths[0]).replace(QLatin1String("&"), QLatin1String("&&")));
 
     // The eleventh distinct file pushes the oldest out.
     for (int i = 1; i < 11; ++i)
         Recent.Add(Paths[i]);
     QCOMPARE(Recent.GetEntries().size(), 10);
-    QVERIFY(!Recent.GetEntries().contains(QString(Paths[0]).replace(QLatin1Char('/'), QLatin1Char('\\'))));
+    QVERIFY(!Recent.GetEntries().contains(Stored(Paths[0])));
 
     // Choosing an entry gives back a path that opens here.
     QSignalSpy Chosen(&Recent, &CRecentFiles::triggered);
-    QAction* pTop = nullptr;
-    for (QAction* pAction : Menu.actions())
-    {
-        if (pAction->objectName() == QLatin1String("ARecentFile"))
-        {
-            pTop = pAction;
-            break;
-        }
-    }
-    QVERIFY(pTop);
-    pTop->trigger();
+    MenuEntries(Menu).first()->trigger();
     QCOMPARE(Chosen.count(), 1);
     QCOMPARE(Chosen.at(0).at(0).toString(), Paths[10]);
 
@@ -271,6 +248,16 @@ void CGUIControllerTest::RecentFiles()
     Reloaded.Load();
     QVERIFY(Reloaded.HasKey(QStringLiteral("Open/Recent files")));
     QVERIFY(Reloaded.GetStringArray(QStringLiteral("Open/Recent files")).isEmpty());
+}
+
+// A text index from outside the table, as a stale language file could give, reads as nothing.
+void CGUIControllerTest::TextsOutsideTheTableAreEmpty()
+{
+    QCOMPARE(GetApplicationText(-1), QString());
+    QCOMPARE(GetApplicationText(AppText_Count), QString());
+    QCOMPARE(GetApplicationText(AppText_Cancel), QStringLiteral("Cancel"));
+    QVERIFY(!SetApplicationLanguage(GetApplicationLanguageCount()));
+    QCOMPARE(GetApplicationLanguage(), 0);
 }
 
 QTEST_MAIN(CGUIControllerTest)
