@@ -135,33 +135,40 @@ void CCompilerProcessesTest::EndIsJudgedByTheOutput_data()
     QTest::addColumn<QByteArray>("Output");
     QTest::addColumn<int>("Status");
     QTest::addColumn<QString>("Log");
+    QTest::addColumn<QString>("TempDirectory"); // "" for the test's own
 
     const QString Critical = s_Unit + UIString(UIS_CompilerCriticalError) + "\n";
-    const QString Segv = QStringLiteral("The compiler was ended by signal %1 (%2).\n").arg(SIGSEGV).arg(strsignal(SIGSEGV));
-    const QString Abort = QStringLiteral("The compiler was ended by signal %1 (%2).\n").arg(SIGABRT).arg(strsignal(SIGABRT));
+    const QString Failed = s_Unit + UIString(UIS_CompileFailed) + "\n";
+    const QString Succeeded = s_Unit + UIString(UIS_CompileSucceeded) + "\n";
+    const auto EndedBy = [](int iSignal)
+    { return QStringLiteral("The compiler was ended by signal %1 (%2).\n").arg(iSignal).arg(strsignal(iSignal)); };
 
     // A crash is not a compiler that could not be started: its output decides, and the
     // signal is named. Without a single message, the raw output is the only reason there is.
     QTest::newRow("segfault mid-way") << Fake("segv") << QByteArray("parsing shader.tmp\n") << 1
-                                      << Critical + Segv + "parsing shader.tmp\n";
+                                      << Critical + EndedBy(SIGSEGV) + "parsing shader.tmp\n" << "";
     QTest::newRow("abort after a failure") << Fake("crash") << QByteArray("ERROR: 0:2: bad\nCompile failed.\n") << 1
-                                           << s_Unit + UIString(UIS_CompileFailed) + "\n" + Abort
-                                                  + "ERROR: 0:2: bad\n";
+                                           << Failed + EndedBy(SIGABRT) + "ERROR: 0:2: bad\n" << "";
     QTest::newRow("segfault after success") << Fake("segv") << QByteArray("Success.\n") << 0
-                                            << s_Unit + UIString(UIS_CompileSucceeded) + "\n" + Segv;
+                                            << Succeeded + EndedBy(SIGSEGV) << "";
 
     // A custom compiler's own words for failing reach the user.
     QTest::newRow("lower-case reason") << Fake("print") << QByteArray("error: cannot open 'common.glsl'\n") << 1
-                                       << Critical + "error: cannot open 'common.glsl'\n";
-    QTest::newRow("failed without a message")
-        << Fake("print") << QByteArray("fatal: out of registers\r\nCompile failed.") << 1
-        << s_Unit + UIString(UIS_CompileFailed) + "\nfatal: out of registers\nCompile failed.\n";
+                                       << Critical + "error: cannot open 'common.glsl'\n" << "";
+    QTest::newRow("failed without a message") << Fake("print") << QByteArray("fatal: out of registers\r\nCompile failed.")
+                                              << 1 << Failed + "fatal: out of registers\nCompile failed.\n" << "";
     QTest::newRow("messages are enough") << Fake("print") << QByteArray("note\nERROR: 0:3: x\nCompile failed.\n") << 1
-                                         << s_Unit + UIString(UIS_CompileFailed) + "\nERROR: 0:3: x\n";
-    QTest::newRow("success shows no output") << Fake("print") << QByteArray("chatter\nSuccess.\n") << 0
-                                             << s_Unit + UIString(UIS_CompileSucceeded) + "\n";
+                                         << Failed + "ERROR: 0:3: x\n" << "";
+    QTest::newRow("messages without a verdict") << Fake("print") << QByteArray("ERROR: 0:3: x\n") << 1 << Critical << "";
+    QTest::newRow("success without its line break") << Fake("print") << QByteArray("Success.") << 1
+                                                    << Critical + "Success.\n" << "";
+    QTest::newRow("success shows no output") << Fake("print") << QByteArray("chatter\nSuccess.\n") << 0 << Succeeded
+                                             << "";
     QTest::newRow("missing executable") << m_Temp.filePath("no-such-compiler") << QByteArray() << 3
-                                        << UIString(UIS_FailedToExecuteCompiler) + "\n";
+                                        << UIString(UIS_FailedToExecuteCompiler) + "\n" << "";
+    // A folder below a plain file cannot be made, not even by root.
+    QTest::newRow("temporary folder unusable") << Fake("print") << QByteArray() << 3
+                                               << UIString(UIS_CouldNotCreateTempFile) + "\n" << "/dev/null/sub/";
 }
 
 void CCompilerProcessesTest::EndIsJudgedByTheOutput()
@@ -170,12 +177,16 @@ void CCompilerProcessesTest::EndIsJudgedByTheOutput()
     QFETCH(QByteArray, Output);
     QFETCH(int, Status);
     QFETCH(QString, Log);
+    QFETCH(QString, TempDirectory);
 
     CScopedEnv Env("ZAM_FAKE_OUTPUT", Output);
-    CBackgroundCompile Compile(TargetFor(Executable, m_Temp.path()), "void main(){}\n");
+    CBackgroundCompile Compile(TargetFor(Executable, TempDirectory.isEmpty() ? m_Temp.path() : TempDirectory),
+                               "void main(){}\n");
     QTRY_VERIFY_WITH_TIMEOUT(Compile.IsDone(), 20000);
     QCOMPARE(static_cast<int>(Compile.GetStatus()), Status);
     QCOMPARE(LogOf(Compile.GetResult()), Log);
+    // Only a completed compile has a profile record.
+    QCOMPARE(Compile.GetResult().Profiles.GetSize(), Status == 0 ? 1u : 0u);
 }
 
 void CCompilerProcessesTest::CompilerReadsNoInput()
