@@ -69,10 +69,27 @@ const char kEffect[] = "[VERTEXSHADER]\n"                            // 1
                        "[EFFECT]\nNAME Flat\nVERTEXSHADER SceneVS\nFRAGMENTSHADER FlatFS\n[/EFFECT]\n"
                        "[EFFECT]\nNAME Textured\nVERTEXSHADER SceneVS\nFRAGMENTSHADER TexturedFS\n[/EFFECT]\n";
 
-QString Effect(const char* pLine31Tail)
+QString Effect(const char* pLine31Tail = "* 2.0")
 {
     return QString::fromLatin1(kEffect).arg(QLatin1String(pLine31Tail));
 }
+
+QString BrokenFragment()
+{
+    return QString::fromLatin1(kFragment).replace(QStringLiteral("c * 2.0"), QStringLiteral("c * missing"));
+}
+
+// The effect with FlatFS's code block replaced by Code.
+QString EffectWithFlatCode(const QString& Code)
+{
+    QString Text = Effect();
+    const qsizetype iCode = Text.indexOf(QStringLiteral("[GLSL_CODE]"), Text.indexOf(QStringLiteral("NAME FlatFS")));
+    const qsizetype iEnd = Text.indexOf(QStringLiteral("[/GLSL_CODE]\n"), iCode) + 13;
+    return Text.replace(iCode, iEnd - iCode, Code);
+}
+
+const QString kEffectSucceeded =
+    QStringLiteral("SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\nTexturedFS: Compile succeeded.\n");
 
 // The document lines (1-based) that have a cycle count.
 QList<int> CountedLines(const CZamTArray<int>& Counts)
@@ -106,15 +123,14 @@ private slots:
 
     void ShaderLogCountsProfileAndDisassembly();
     void EffectFileShaderByShader();
-    void ErrorsLandOnTheDocumentsLine();
-    void EffectCompiledToFiles();
+    void BackgroundCompileLog_data();
+    void BackgroundCompileLog();
+    void CompileToFiles_data();
+    void CompileToFiles();
+    void BundledCompilerEndsOptionsAtDoubleDash();
     void HundredRequestsForOnePanel();
     void TwoPanelsAtOnce();
-    void OpenCLKernel();
     void OpenCLKernelFindsItsLocalHeader();
-    void NamesThatLookLikeOptions();
-    void EffectShadersInFiles();
-    void ShaderWithoutSourceIsNamed();
     void CommandLineCompile_data();
     void CommandLineCompile();
 
@@ -128,7 +144,7 @@ private:
     };
     std::unique_ptr<CShaderEditController> MakeController(SDelivery& Delivery);
     void CompileAndWait(CShaderEditController& Controller, SDelivery& Delivery, const QString& Text,
-                        EShaderDocType eType);
+                        EShaderDocType eType, const QString& Folder = QString());
 
     QTemporaryDir m_Temp;
 };
@@ -137,6 +153,10 @@ void CCompilePipelineTest::initTestCase()
 {
     RegisterCompileMetaTypes();
     QVERIFY(QFileInfo(Program("glslcompiler_zc1")).isExecutable());
+    WriteTestFile(m_Temp.filePath("fx/shaders"), "flat.frag", kFragment);
+    WriteTestFile(m_Temp.filePath("files"), "scene.zfx", Effect().toUtf8());
+    WriteTestFile(m_Temp.filePath("files"), "-x.frag", kFragment);
+    QVERIFY(QDir().mkpath(m_Temp.filePath("files/out")));
 }
 
 void CCompilePipelineTest::init()
@@ -171,10 +191,10 @@ std::unique_ptr<CShaderEditController> CCompilePipelineTest::MakeController(SDel
 }
 
 void CCompilePipelineTest::CompileAndWait(CShaderEditController& Controller, SDelivery& Delivery, const QString& Text,
-                                          EShaderDocType eType)
+                                          EShaderDocType eType, const QString& Folder)
 {
     const int iBefore = Delivery.iResults;
-    Controller.OnCompilePanel(CZamTHash("panel"), Text, eType, CompileInvocation_Background);
+    Controller.CompilePanelIn(Folder, CZamTHash("panel"), Text, eType, CompileInvocation_Background);
     QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, iBefore + 1, 60000);
 }
 
@@ -207,11 +227,10 @@ void CCompilePipelineTest::EffectFileShaderByShader()
 {
     SDelivery Delivery;
     auto pController = MakeController(Delivery);
-    CompileAndWait(*pController, Delivery, Effect("* 2.0"), DocType_ZFXGLSLES);
+    CompileAndWait(*pController, Delivery, Effect(), DocType_ZFXGLSLES);
     const SCompileResult& Result = Delivery.Last;
     QCOMPARE(Result.iStatus, 0);
-    QCOMPARE(Delivery.LastLog, QStringLiteral("SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\n"
-                                              "TexturedFS: Compile succeeded.\n"));
+    QCOMPARE(Delivery.LastLog, kEffectSucceeded);
 
     // Counts land on the effect file's own lines, inside each shader's code.
     const CZamTArray<int>& Counts = Delivery.CountsByPanel[CZamTHash("panel").GetValue()];
@@ -240,49 +259,120 @@ void CCompilePipelineTest::EffectFileShaderByShader()
     QCOMPARE(Result.FindProfile("FlatFS")->iNonDependentTextureReads, 0);
 }
 
-void CCompilePipelineTest::ErrorsLandOnTheDocumentsLine()
+void CCompilePipelineTest::BackgroundCompileLog_data()
 {
-    SDelivery Delivery;
-    auto pController = MakeController(Delivery);
-    QString Broken = QString::fromLatin1(kFragment);
-    Broken.replace(QStringLiteral("c * 2.0"), QStringLiteral("c * missing"));
-    CompileAndWait(*pController, Delivery, Broken, DocType_GLSLESFragment);
-    QCOMPARE(Delivery.Last.iStatus, 1);
-    QVERIFY(Delivery.LastLog.startsWith(QStringLiteral("GLSL:ES Fragment Shader: Compile failed.\nERROR: 0:8:")));
-    QCOMPARE(Delivery.Last.Messages.first().iLine, 8);
+    QTest::addColumn<QString>("Text");
+    QTest::addColumn<int>("Type");
+    QTest::addColumn<QString>("Folder"); // the document's; "" for a never-saved one
+    QTest::addColumn<QString>("Log");    // how the log starts
+    QTest::addColumn<int>("Status");
+    QTest::addColumn<int>("ErrorLine"); // of the first message; 0 for none
 
-    // In an effect file, on the effect file's line; the other shaders still compile.
-    CompileAndWait(*pController, Delivery, Effect("* nowhere"), DocType_ZFXGLSLES);
-    QCOMPARE(Delivery.Last.iStatus, 1);
-    QVERIFY(Delivery.LastLog.startsWith(QStringLiteral("SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\n"
-                                                       "TexturedFS: Compile failed.\nERROR: 0:31:")));
-    QCOMPARE(Delivery.Last.Messages.first().iLine, 31);
+    const int iFragment = DocType_GLSLESFragment;
+    const int iEffect = DocType_ZFXGLSLES;
+    const QString Fx = m_Temp.filePath("fx");
+    // Errors land on the document's line, in an effect on the effect file's; the other shaders still compile.
+    QTest::newRow("fragment error") << BrokenFragment() << iFragment << QString()
+                                    << "GLSL:ES Fragment Shader: Compile failed.\nERROR: 0:8:" << 1 << 8;
+    QTest::newRow("effect error") << Effect("* nowhere") << iEffect << QString()
+                                  << "SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\n"
+                                     "TexturedFS: Compile failed.\nERROR: 0:31:"
+                                  << 1 << 31;
+    QTest::newRow("shader named like a switch") << Effect().replace(QStringLiteral("FlatFS"), QStringLiteral("-v"))
+                                                << iEffect << QString()
+                                                << "SceneVS: Compile succeeded.\n-v: Compile succeeded.\n"
+                                                   "TexturedFS: Compile succeeded.\n"
+                                                << 0 << 0;
+    // Said to be skipped, not left out in silence.
+    QTest::newRow("shader without source") << EffectWithFlatCode(QStringLiteral("[GLSL_CODE]\n[/GLSL_CODE]\n"))
+                                           << iEffect << QString()
+                                           << "SceneVS: Compile succeeded.\nFlatFS: no source to compile.\n"
+                                              "TexturedFS: Compile succeeded.\n"
+                                           << 0 << 0;
+    // FILE shaders are read from beside the effect, whatever folder the program runs in.
+    QTest::newRow("FILE shader") << EffectWithFlatCode(QStringLiteral("FILE shaders/flat.frag\n")) << iEffect << Fx
+                                 << kEffectSucceeded << 0 << 0;
+    QTest::newRow("FILE shader missing") << EffectWithFlatCode(QStringLiteral("FILE shaders/gone.frag\n")) << iEffect
+                                         << Fx << QStringLiteral("Error loading file '%1/shaders/gone.frag'").arg(Fx)
+                                         << 1 << 0;
 }
 
-void CCompilePipelineTest::EffectCompiledToFiles()
+void CCompilePipelineTest::BackgroundCompileLog()
 {
-    const QString Source = m_Temp.filePath("scene.zfx");
-    QFile File(Source);
-    QVERIFY(File.open(QIODevice::WriteOnly));
-    File.write(Effect("* 2.0").toUtf8());
-    File.close();
-    const QString Output = m_Temp.filePath("out");
-    QVERIFY(QDir().mkpath(Output));
+    QFETCH(QString, Text);
+    QFETCH(int, Type);
+    QFETCH(QString, Folder);
+    QFETCH(QString, Log);
+    QFETCH(int, Status);
+    QFETCH(int, ErrorLine);
 
     SDelivery Delivery;
     auto pController = MakeController(Delivery);
-    const QString Line = pController->GetCompileCommandLine(CompileOption_Profile, DocType_ZFXGLSLES, Output);
-    pController->OnCompileFile(CZamTHash(Source.toUtf8().constData()), ToZamString(Source),
-                               ToZamString(Line), DocType_ZFXGLSLES);
+    CompileAndWait(*pController, Delivery, Text, static_cast<EShaderDocType>(Type), Folder);
+    QVERIFY2(Delivery.LastLog.startsWith(Log), qPrintable(Delivery.LastLog));
+    QCOMPARE(Delivery.Last.iStatus, Status);
+    if (ErrorLine > 0)
+        QCOMPARE(Delivery.Last.Messages.first().iLine, ErrorLine);
+}
+
+void CCompilePipelineTest::CompileToFiles_data()
+{
+    QTest::addColumn<QString>("Source"); // in the files folder
+    QTest::addColumn<int>("Type");
+    QTest::addColumn<uint>("Option"); // of the built-in command; 0: the typed one
+    QTest::addColumn<QString>("Log");
+    QTest::addColumn<QStringList>("Outputs"); // in files/out
+    QTest::addColumn<int>("CountedLine");     // 0: none asked for
+
+    QTest::newRow("effect") << "scene.zfx" << int(DocType_ZFXGLSLES) << uint(CompileOption_Profile) << kEffectSucceeded
+                            << QStringList{"scene_SceneVS", "scene_SceneVS.prof", "scene_FlatFS", "scene_FlatFS.prof",
+                                           "scene_TexturedFS", "scene_TexturedFS.prof"}
+                            << 31;
+    // Names that look like options, with the built-in command and with one typed by hand.
+    QTest::newRow("dash name, built-in") << "-x.frag" << int(DocType_GLSLESFragment)
+                                         << uint(CompileOption_Disassembly) << "-x.frag: Compile succeeded.\n"
+                                         << QStringList{"-x.disasm"} << 0;
+    QTest::newRow("dash name, typed") << "-x.frag" << int(DocType_GLSLESFragment) << 0u
+                                      << "-x.frag: Compile succeeded.\n" << QStringList{"-x_typed"} << 0;
+}
+
+void CCompilePipelineTest::CompileToFiles()
+{
+    QFETCH(QString, Source);
+    QFETCH(int, Type);
+    QFETCH(uint, Option);
+    QFETCH(QString, Log);
+    QFETCH(QStringList, Outputs);
+    QFETCH(int, CountedLine);
+
+    const QString Folder = m_Temp.filePath("files");
+    const QString Path = Folder + "/" + Source;
+    const EShaderDocType eType = static_cast<EShaderDocType>(Type);
+    SDelivery Delivery;
+    auto pController = MakeController(Delivery);
+    const QString Template = Option ? pController->GetCompileCommandLine(Option, eType, Folder + "/out")
+                                    : QStringLiteral("\"%1\" -f %f% \"%b%\" \"out/%b%_typed\"").arg(Program("glslcompiler_zc1"));
+    pController->OnCompileFile(CZamTHash(Path.toUtf8().constData()), ToZamString(Path), ToZamString(Template), eType);
     QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 1, 60000);
-    QCOMPARE(Delivery.LastLog, QStringLiteral("SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\n"
-                                              "TexturedFS: Compile succeeded.\n"));
-    for (const char* pName : {"SceneVS", "FlatFS", "TexturedFS"})
-    {
-        QVERIFY2(QFileInfo::exists(Output + "/scene_" + pName), pName);
-        QVERIFY2(QFileInfo::exists(Output + "/scene_" + pName + ".prof"), pName);
-    }
-    QVERIFY(CountedLines(Delivery.Last.CycleCounts).contains(31));
+    QVERIFY2(Delivery.LastLog == Log, qPrintable(Template + "\n" + Delivery.LastLog));
+    for (const QString& Output : Outputs)
+        QVERIFY2(QFileInfo::exists(Folder + "/out/" + Output), qPrintable(Output));
+    if (CountedLine > 0)
+        QVERIFY(CountedLines(Delivery.Last.CycleCounts).contains(CountedLine));
+}
+
+// After "--" nothing is an option, not even a unit named -disasm.
+void CCompilePipelineTest::BundledCompilerEndsOptionsAtDoubleDash()
+{
+    const QString Folder = m_Temp.filePath("dash");
+    WriteTestFile(Folder, "-x.frag", kFragment);
+    QProcess Compiler;
+    Compiler.setWorkingDirectory(Folder);
+    Compiler.start(Program("glslcompiler_zc1"), {"-f", "-disasm", "--", "-x.frag", "-disasm", "./-x"});
+    QVERIFY(Compiler.waitForFinished(30000));
+    QCOMPARE(Compiler.exitCode(), 0);
+    QCOMPARE(Compiler.readAll(), QByteArray("Success.\n"));
+    QVERIFY(QFileInfo::exists(Folder + "/-x.disasm"));
 }
 
 void CCompilePipelineTest::HundredRequestsForOnePanel()
@@ -321,21 +411,6 @@ void CCompilePipelineTest::TwoPanelsAtOnce()
     QCOMPARE(CountedLines(Delivery.CountsByPanel[Long.GetValue()]), (QList<int>{7, 10, 11}));
 }
 
-void CCompilePipelineTest::OpenCLKernel()
-{
-    if (!QFileInfo(Program("clcompiler_zc1")).isExecutable())
-        QSKIP("the OpenCL compiler is not part of this build");
-    SDelivery Delivery;
-    auto pController = MakeController(Delivery);
-    CompileAndWait(*pController, Delivery,
-                   QStringLiteral("__kernel void twice(__global const float* a, __global float* b)\n{\n"
-                                  "    int i = get_global_id(0);\n    b[i] = a[i] * 2.0f;\n}\n"),
-                   DocType_OpenCLKernel);
-    QCOMPARE(Delivery.LastLog, QStringLiteral("OpenCL Kernel: Compile succeeded.\n"));
-    QVERIFY(Delivery.Last.CompilerString.startsWith(QStringLiteral("OpenCL 1.2")));
-    QVERIFY(CountedLines(Delivery.Last.CycleCounts).contains(4));
-}
-
 // A saved kernel includes a header beside it: the compile is given the document's folder. A
 // never-saved document has no folder, so the same text cannot find the header.
 void CCompilePipelineTest::OpenCLKernelFindsItsLocalHeader()
@@ -343,115 +418,23 @@ void CCompilePipelineTest::OpenCLKernelFindsItsLocalHeader()
     if (!QFileInfo(Program("clcompiler_zc1")).isExecutable())
         QSKIP("the OpenCL compiler is not part of this build");
     const QString Folder = m_Temp.filePath("my kernels");
-    QVERIFY(QDir().mkpath(Folder));
-    QFile Header(Folder + "/blur_weights.h");
-    QVERIFY(Header.open(QIODevice::WriteOnly));
-    Header.write("#define WEIGHT_CENTRE 0.5f\n#define WEIGHT_SIDE 0.25f\n");
-    Header.close();
+    WriteTestFile(Folder, "blur_weights.h", "#define WEIGHT_CENTRE 0.5f\n#define WEIGHT_SIDE 0.25f\n");
     const QString Kernel = QStringLiteral("#include \"blur_weights.h\"\n"
                                           "__kernel void blur(__global const float* a, __global float* b)\n{\n"
                                           "    int i = get_global_id(0);\n"
                                           "    b[i] = a[i] * WEIGHT_CENTRE + (a[i - 1] + a[i + 1]) * WEIGHT_SIDE;\n}\n");
-    const QString DocumentPath = Folder + "/blur.cl";
-    QCOMPARE(IncludeFolderFor(DocumentPath), Folder);
+    QCOMPARE(IncludeFolderFor(Folder + "/blur.cl"), Folder);
 
     SDelivery Delivery;
     auto pController = MakeController(Delivery);
-    pController->CompilePanelIn(IncludeFolderFor(DocumentPath), CZamTHash("blur.cl"), Kernel, DocType_OpenCLKernel,
-                                CompileInvocation_Background);
-    QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 1, 60000);
+    CompileAndWait(*pController, Delivery, Kernel, DocType_OpenCLKernel, IncludeFolderFor(Folder + "/blur.cl"));
     QCOMPARE(Delivery.LastLog, QStringLiteral("OpenCL Kernel: Compile succeeded.\n"));
+    QVERIFY(Delivery.Last.CompilerString.startsWith(QStringLiteral("OpenCL 1.2")));
     QVERIFY(CountedLines(Delivery.Last.CycleCounts).contains(5));
 
-    pController->CompilePanelIn(IncludeFolderFor(QString()), CZamTHash("New File"), Kernel, DocType_OpenCLKernel,
-                                CompileInvocation_Background);
-    QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 2, 60000);
+    CompileAndWait(*pController, Delivery, Kernel, DocType_OpenCLKernel, IncludeFolderFor(QString()));
     QCOMPARE(Delivery.LastLog, QStringLiteral("OpenCL Kernel: Compile failed.\n"
                                               "ERROR: 0:1: 'blur_weights.h' file not found\n"));
-}
-
-void CCompilePipelineTest::NamesThatLookLikeOptions()
-{
-    const QString Folder = m_Temp.filePath("dash");
-    QVERIFY(QDir().mkpath(Folder + "/out"));
-    QFile Source(Folder + "/-x.frag");
-    QVERIFY(Source.open(QIODevice::WriteOnly) && Source.write(kFragment) > 0);
-    Source.close();
-
-    // The bundled compiler: after "--" nothing is an option, not even a unit named -disasm.
-    QProcess Compiler;
-    Compiler.setWorkingDirectory(Folder);
-    Compiler.start(Program("glslcompiler_zc1"), {"-f", "-disasm", "--", "-x.frag", "-disasm", "./-x"});
-    QVERIFY(Compiler.waitForFinished(30000));
-    QCOMPARE(Compiler.exitCode(), 0);
-    QCOMPARE(Compiler.readAll(), QByteArray("Success.\n"));
-    QVERIFY(QFileInfo::exists(Folder + "/-x.disasm"));
-
-    // The editor: an effect shader named like a switch, compiled in the background.
-    SDelivery Delivery;
-    auto pController = MakeController(Delivery);
-    QString Effect = QString::fromLatin1(kEffect).arg(QLatin1String("* 2.0"));
-    Effect.replace(QStringLiteral("FlatFS"), QStringLiteral("-v"));
-    CompileAndWait(*pController, Delivery, Effect, DocType_ZFXGLSLES);
-    QVERIFY2(Delivery.LastLog.contains(QStringLiteral("\n-v: Compile succeeded.\n")), qPrintable(Delivery.LastLog));
-    QCOMPARE(Delivery.Last.iStatus, 0);
-
-    // Compiled to files, with the built-in command and with one typed by hand.
-    const QString Path = Folder + "/-x.frag";
-    const QStringList Templates = {
-        pController->GetCompileCommandLine(CompileOption_Disassembly, DocType_GLSLESFragment, Folder + "/out"),
-        QStringLiteral("\"%1\" -f %f% \"%b%\" \"out/%b%_typed\"").arg(Program("glslcompiler_zc1"))};
-    for (const QString& Template : Templates)
-    {
-        const int iBefore = Delivery.iResults;
-        pController->OnCompileFile(CZamTHash(Path.toUtf8().constData()), ToZamString(Path),
-                                   ToZamString(Template), DocType_GLSLESFragment);
-        QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, iBefore + 1, 60000);
-        QVERIFY2(Delivery.LastLog == QStringLiteral("-x.frag: Compile succeeded.\n"), qPrintable(Template + "\n" + Delivery.LastLog));
-    }
-    QVERIFY(QFileInfo::exists(Folder + "/out/-x.disasm"));
-    QVERIFY(QFileInfo::exists(Folder + "/out/-x_typed"));
-}
-
-// FILE shaders are read from beside the effect, whatever folder the program runs in.
-void CCompilePipelineTest::EffectShadersInFiles()
-{
-    const QString Folder = m_Temp.filePath("fx");
-    QVERIFY(QDir().mkpath(Folder + "/shaders"));
-    QFile Shader(Folder + "/shaders/flat.frag");
-    QVERIFY(Shader.open(QIODevice::WriteOnly) && Shader.write(kFragment) > 0);
-    Shader.close();
-    QString Effect = QString::fromLatin1(kEffect).arg(QLatin1String("* 2.0"));
-    const qsizetype iCode = Effect.indexOf(QStringLiteral("[GLSL_CODE]"), Effect.indexOf(QStringLiteral("NAME FlatFS")));
-    const qsizetype iEnd = Effect.indexOf(QStringLiteral("[/GLSL_CODE]\n"), iCode) + 13;
-    Effect.replace(iCode, iEnd - iCode, QStringLiteral("FILE shaders/flat.frag\n"));
-
-    SDelivery Delivery;
-    auto pController = MakeController(Delivery);
-    pController->CompilePanelIn(Folder, CZamTHash("fx"), Effect, DocType_ZFXGLSLES, CompileInvocation_Background);
-    QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 1, 60000);
-    QCOMPARE(Delivery.LastLog, QStringLiteral("SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\n"
-                                              "TexturedFS: Compile succeeded.\n"));
-
-    Effect.replace(QStringLiteral("shaders/flat.frag"), QStringLiteral("shaders/gone.frag"));
-    pController->CompilePanelIn(Folder, CZamTHash("fx"), Effect, DocType_ZFXGLSLES, CompileInvocation_Background);
-    QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 2, 60000);
-    QVERIFY2(Delivery.LastLog.startsWith(QStringLiteral("Error loading file '%1/shaders/gone.frag'").arg(Folder)),
-             qPrintable(Delivery.LastLog));
-}
-
-// A shader with nothing to compile is said to be skipped, not left out in silence.
-void CCompilePipelineTest::ShaderWithoutSourceIsNamed()
-{
-    QString Effect = QString::fromLatin1(kEffect).arg(QLatin1String("* 2.0"));
-    const qsizetype iCode = Effect.indexOf(QStringLiteral("[GLSL_CODE]\n"), Effect.indexOf(QStringLiteral("NAME FlatFS"))) + 12;
-    Effect.remove(iCode, Effect.indexOf(QStringLiteral("[/GLSL_CODE]"), iCode) - iCode);
-
-    SDelivery Delivery;
-    auto pController = MakeController(Delivery);
-    CompileAndWait(*pController, Delivery, Effect, DocType_ZFXGLSLES);
-    QCOMPARE(Delivery.LastLog, QStringLiteral("SceneVS: Compile succeeded.\nFlatFS: no source to compile.\n"
-                                              "TexturedFS: Compile succeeded.\n"));
 }
 
 void CCompilePipelineTest::CommandLineCompile_data()
@@ -465,9 +448,6 @@ void CCompilePipelineTest::CommandLineCompile_data()
     QTest::newRow("good and broken") << QStringList{"good.fsh", "broken.fsh"} << 1
                                      << "GLSL:ES Fragment Shader: Compile succeeded.\n"
                                         "GLSL:ES Fragment Shader: Compile failed.\nERROR: 0:8:";
-    QTest::newRow("effect file")
-        << QStringList{"scene.zfx"} << 0
-        << "SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\nTexturedFS: Compile succeeded.\n";
     QTest::newRow("missing file") << QStringList{"good.fsh", "absent.fsh"} << 1
                                   << "GLSL:ES Fragment Shader: Compile succeeded.\n";
     QTest::newRow("no file") << QStringList{} << 1 << "";
@@ -483,16 +463,8 @@ void CCompilePipelineTest::CommandLineCompile()
     if (!QFileInfo(Editor).isExecutable())
         QSKIP("the editor executable is not part of this build");
     const QString Folder = m_Temp.filePath("cli");
-    QDir().mkpath(Folder);
-    const auto Write = [&](const char* pName, const QByteArray& Text)
-    {
-        QFile File(Folder + "/" + pName);
-        return File.open(QIODevice::WriteOnly) && File.write(Text) == Text.size();
-    };
-    QString Broken = QString::fromLatin1(kFragment);
-    Broken.replace(QStringLiteral("c * 2.0"), QStringLiteral("c * missing"));
-    QVERIFY(Write("good.fsh", kFragment) && Write("broken.fsh", Broken.toUtf8()) &&
-            Write("scene.zfx", Effect("* 2.0").toUtf8()));
+    WriteTestFile(Folder, "good.fsh", kFragment);
+    WriteTestFile(Folder, "broken.fsh", BrokenFragment().toUtf8());
 
     // No display of any kind, and a configuration folder of its own to check for writes.
     const QString Config = m_Temp.filePath("cli-config");
