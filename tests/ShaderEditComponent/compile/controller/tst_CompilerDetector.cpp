@@ -16,22 +16,6 @@
 
 using namespace CompileTest;
 
-namespace
-{
-// Writes an executable script; the detections below need programs that misbehave in ways the
-// fake compiler does not.
-QString WriteScript(const QTemporaryDir& Folder, const QString& Name, const QByteArray& Body)
-{
-    const QString Path = Folder.filePath(Name);
-    QFile File(Path);
-    if (!File.open(QIODevice::WriteOnly) || File.write("#!/bin/sh\n" + Body + "\n") < 0)
-        return QString();
-    File.close();
-    File.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    return Path;
-}
-} // namespace
-
 class CCompilerDetectorTest : public QObject
 {
     Q_OBJECT
@@ -93,15 +77,15 @@ void CCompilerDetectorTest::BadExecutablesAreUnusable_data()
     QTest::addColumn<bool>("bRan");
 
     QTest::newRow("directory") << m_Temp.path() << QByteArray() << false;
-    const QString Plain = m_Temp.filePath(QStringLiteral("not-executable"));
-    QFile File(Plain);
-    QVERIFY(File.open(QIODevice::WriteOnly) && File.write("OPTIONS are:\n -v \n") > 0);
-    QTest::newRow("not executable") << Plain << QByteArray() << false;
+    QTest::newRow("not executable") << WriteTestFile(m_Temp.path(), "not-executable", "OPTIONS are:\n -v \n")
+                                    << QByteArray() << false;
     QTest::newRow("missing") << m_Temp.filePath(QStringLiteral("missing")) << QByteArray() << false;
     QTest::newRow("prints nothing") << Fake("print") << QByteArray(" ") << true;
     QTest::newRow("never exits") << Fake("hang") << QByteArray() << false;
-    QTest::newRow("prints 100 MB") << WriteScript(m_Temp, QStringLiteral("flood"), "head -c 104857600 /dev/zero")
-                                   << QByteArray() << true;
+    // A script: the fake compiler floods while compiling, not while asked for its banner.
+    const QString Flood = WriteTestFile(m_Temp.path(), "flood", "#!/bin/sh\nhead -c 104857600 /dev/zero\n");
+    QFile::setPermissions(Flood, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QTest::newRow("prints 100 MB") << Flood << QByteArray() << true;
 }
 
 void CCompilerDetectorTest::BadExecutablesAreUnusable()

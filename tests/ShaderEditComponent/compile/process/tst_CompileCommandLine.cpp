@@ -10,16 +10,14 @@ class CCompileCommandLineTest : public QObject
     Q_OBJECT
 
 private slots:
-    void CompilerCommand();
-    void IncludeFolderArgumentsFollowThePositionals();
+    void BuiltCommands();
     void Split_data();
     void Split();
     void HostileFileNameStaysOneArgument_data();
     void HostileFileNameStaysOneArgument();
-    void EffectShaderCommand();
 };
 
-void CCompileCommandLineTest::CompilerCommand()
+void CCompileCommandLineTest::BuiltCommands()
 {
     const SCompileCommand Command = BuildCompilerCommand(QStringLiteral("/opt/a b/cc"), QStringLiteral("/t/in.tmp"),
                                                          QString(), QStringLiteral("/t/o"), 1 | 8 | 32 | 64);
@@ -27,19 +25,22 @@ void CCompileCommandLineTest::CompilerCommand()
     QCOMPARE(Command.Arguments, (QStringList{"/t/in.tmp", "/t/o", "-v", "-profile", "-disasm"}));
     QCOMPARE(FormatCommandLine(Command), QStringLiteral("\"/opt/a b/cc\" \"/t/in.tmp\" \"/t/o\"  -v -profile -disasm"));
     QCOMPARE(SplitCommandLine(FormatCommandLine(Command)), QStringList{Command.Program} + Command.Arguments);
-}
 
-// An OpenCL document's folder rides after the positional arguments as "-I" and the folder,
-// one argument each however the folder is spelt.
-void CCompileCommandLineTest::IncludeFolderArgumentsFollowThePositionals()
-{
-    const SCompileCommand Command =
-        BuildCompilerCommand(QStringLiteral("/b/cl"), QStringLiteral("/t/in.tmp"), QStringLiteral("unit"),
-                             QStringLiteral("/t/o"), 8, IncludeFolderArguments(QStringLiteral("/src/-my kernels")));
-    QCOMPARE(Command.Arguments, (QStringList{"/t/in.tmp", "unit", "/t/o", "-I", "/src/-my kernels", "-profile"}));
+    // An OpenCL document's folder rides after the positional arguments as "-I" and the folder,
+    // one argument each however the folder is spelt.
+    QCOMPARE(BuildCompilerCommand(QStringLiteral("/b/cl"), QStringLiteral("/t/in.tmp"), QStringLiteral("unit"),
+                                  QStringLiteral("/t/o"), 8, IncludeFolderArguments(QStringLiteral("/src/-my kernels")))
+                 .Arguments,
+             (QStringList{"/t/in.tmp", "unit", "/t/o", "-I", "/src/-my kernels", "-profile"}));
     QCOMPARE(IncludeFolderArguments(QString()), QStringList());
     QCOMPARE(IncludeFolderFor(QStringLiteral("/src/k/a.cl")), QStringLiteral("/src/k"));
     QCOMPARE(IncludeFolderFor(QString()), QString());
+
+    QCOMPARE(ShaderCommandFromTemplate(
+                 QStringLiteral("\"cc\" \"%i%/%f%\" \"<ZFXShaders>\" \"/out/%b%_<ZFXShaders>\" %f% -profile"),
+                 QStringLiteral("/src/fx.zfx"), QStringLiteral("Blur"), QStringLiteral("/tmp/p/shader.fsh"))
+                 .Arguments,
+             (QStringList{"/tmp/p/shader.fsh", "Blur", "/out/fx_Blur", "/tmp/p/shader.fsh", "-profile"}));
 }
 
 void CCompileCommandLineTest::Split_data()
@@ -87,15 +88,6 @@ void CCompileCommandLineTest::HostileFileNameStaysOneArgument()
         CommandFromTemplate(Template, PlaceholdersForFile(QStringLiteral("/src/") + FileName));
     QCOMPARE(Command.Program, QStringLiteral("tool"));
     QCOMPARE(Command.Arguments, Arguments);
-}
-
-void CCompileCommandLineTest::EffectShaderCommand()
-{
-    const SCompileCommand Command = ShaderCommandFromTemplate(
-        QStringLiteral("\"cc\" \"%i%/%f%\" \"<ZFXShaders>\" \"/out/%b%_<ZFXShaders>\" %f% -profile"),
-        QStringLiteral("/src/fx.zfx"), QStringLiteral("Blur"), QStringLiteral("/tmp/p/shader.fsh"));
-    QCOMPARE(Command.Arguments,
-             (QStringList{"/tmp/p/shader.fsh", "Blur", "/out/fx_Blur", "/tmp/p/shader.fsh", "-profile"}));
 }
 
 QTEST_APPLESS_MAIN(CCompileCommandLineTest)
