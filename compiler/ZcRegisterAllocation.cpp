@@ -1,8 +1,7 @@
 #include "ZcRegisterAllocation.h"
 
 #include <algorithm>
-#include <functional>
-#include <queue>
+#include <cstdint>
 #include <vector>
 
 namespace ZamCompiler
@@ -135,6 +134,60 @@ std::vector<int> ByStart(const std::vector<SInterval>& aIntervals, std::size_t u
     return aOrder;
 }
 
+// Linear scan in order of start: a register whose interval ended at or before the start is
+// free again (one read for the last time can be the destination of the same instruction),
+// and the lowest free register is taken. Intervals are chained by their end, so freeing is a
+// step per position, and the free registers are bits, so the lowest is a bit scan.
+int AssignPhysical(std::vector<SInterval>& aIntervals, const std::vector<int>& aOrder, std::size_t uiPositions)
+{
+    std::vector<int> aEndingAt(uiPositions + 1, -1);
+    std::vector<int> aNextEnding(aIntervals.size(), -1);
+    std::vector<int> aEndedAlready; // ended where the scan has already freed
+    std::vector<std::uint64_t> aFree;
+    auto release = [&aFree](int iPhysical) {
+        aFree[static_cast<std::size_t>(iPhysical) / 64] |= std::uint64_t(1) << (iPhysical % 64);
+    };
+    int iPeak = 0;
+    int iFreedThrough = -1;
+    for (int iRegister : aOrder)
+    {
+        SInterval& interval = aIntervals[iRegister];
+        for (int iEnded : aEndedAlready)
+            release(aIntervals[iEnded].iPhysical);
+        aEndedAlready.clear();
+        for (; iFreedThrough < interval.iStart; ++iFreedThrough)
+        {
+            for (int iEnded = aEndingAt[iFreedThrough + 1]; iEnded >= 0; iEnded = aNextEnding[iEnded])
+                release(aIntervals[iEnded].iPhysical);
+        }
+        interval.iPhysical = -1;
+        for (std::size_t uiWord = 0; uiWord < aFree.size() && interval.iPhysical < 0; ++uiWord)
+        {
+            if (aFree[uiWord] == 0)
+                continue;
+            const int iBit = __builtin_ctzll(aFree[uiWord]);
+            aFree[uiWord] &= aFree[uiWord] - 1;
+            interval.iPhysical = static_cast<int>(uiWord) * 64 + iBit;
+        }
+        if (interval.iPhysical < 0)
+        {
+            interval.iPhysical = iPeak++;
+            if (static_cast<std::size_t>(iPeak) > aFree.size() * 64)
+                aFree.push_back(0);
+        }
+        if (interval.iEnd <= iFreedThrough)
+        {
+            aEndedAlready.push_back(iRegister);
+        }
+        else
+        {
+            aNextEnding[static_cast<std::size_t>(iRegister)] = aEndingAt[static_cast<std::size_t>(interval.iEnd)];
+            aEndingAt[static_cast<std::size_t>(interval.iEnd)] = iRegister;
+        }
+    }
+    return iPeak;
+}
+
 void Rewrite(STxeOperand& op, const std::vector<SInterval>& aIntervals)
 {
     if (op.eFile == File_Temp && op.iIndex >= 0 && op.iIndex < static_cast<int>(aIntervals.size()))
@@ -155,32 +208,7 @@ int AllocateRegisters(STxeProgram& program)
     ExtendOverLoops(aIntervals, aLoops, aByBegin);
 
     const std::vector<int> aOrder = ByStart(aIntervals, program.aInstructions.size());
-
-    // Active intervals by end; free registers lowest first.
-    using SActive = std::pair<int, int>; // (end, register)
-    std::priority_queue<SActive, std::vector<SActive>, std::greater<SActive>> active;
-    std::priority_queue<int, std::vector<int>, std::greater<int>> free;
-    int iPeak = 0;
-    for (int iRegister : aOrder)
-    {
-        SInterval& interval = aIntervals[iRegister];
-        // A register read for the last time can be the destination of the same instruction.
-        while (!active.empty() && active.top().first <= interval.iStart)
-        {
-            free.push(aIntervals[active.top().second].iPhysical);
-            active.pop();
-        }
-        if (free.empty())
-        {
-            interval.iPhysical = iPeak++;
-        }
-        else
-        {
-            interval.iPhysical = free.top();
-            free.pop();
-        }
-        active.emplace(interval.iEnd, iRegister);
-    }
+    const int iPeak = AssignPhysical(aIntervals, aOrder, program.aInstructions.size());
 
     for (STxeInstruction& instr : program.aInstructions)
     {
