@@ -1,6 +1,10 @@
-// The lowered TXE program must compute what the GLSL says: the interpreter runs it
-// with known uniforms and the outputs are compared with hand-worked values.
+// What lowered programs compute: the tests' TXE interpreter runs each shader with known
+// uniforms and the outputs are compared with hand-worked values. Among the shapes are those
+// the lowering once got wrong: functions that return calls, nested and early returns, returns
+// inside switches, the comma operator and run-time indexes. Integer results are compared as
+// exact 32-bit words, their expected values computed by C++ doing the same arithmetic.
 // Texture samples return (coordinate.x, coordinate.y, texture unit, 1).
+// Every built-in function compiles, or is refused with one message naming it at its line.
 
 #include "TxeMachine.h"
 #include "ZcCompilation.h"
@@ -8,8 +12,8 @@
 
 #include <QtTest>
 
-#include <array>
 #include <cmath>
+#include <cstring>
 #include <memory>
 
 using namespace ZamCompiler;
@@ -18,7 +22,6 @@ using namespace ZamCompilerTest;
 namespace
 {
 
-// Samples echo what reached the sampler, so a test sees coordinates and units.
 class CEchoSampler : public ITxeSampler
 {
 public:
@@ -29,21 +32,223 @@ public:
     SLanes Size(int, int) override { return {64, 32, 0, 0}; }
 };
 
-const char* const k_pEs1 = "precision highp float;\n"
-                           "uniform vec4 uA;\n"
-                           "uniform vec4 uB;\n"
-                           "uniform float uF;\n"
-                           "uniform vec4 uArr[3];\n"
-                           "uniform sampler2D uTex;\n"
-                           "uniform sampler2D uTex2;\n";
+const char* const k_pEs1 = "precision highp float;\nuniform vec4 uA;\nuniform vec4 uB;\nuniform float uF;\n"
+                           "uniform vec4 uArr[3];\nuniform sampler2D uTex;\nuniform sampler2D uTex2;\n";
+const char* const k_pEs3 = "#version 300 es\nprecision highp float;\nprecision highp int;\n"
+                           "uniform vec4 uA;\nuniform vec4 uB;\nuniform float uF;\nout vec4 o;\n";
+const char* const k_pEs31 = "#version 310 es\nprecision highp float;\nprecision highp int;\n";
+const char* const k_pMatrices =
+    "uniform vec4 uA;\nuniform mat2 uM2;\nuniform mat3 uM3;\nuniform mat4 uM4;\nout vec4 o;\n";
+const char* const k_pWords = "uniform uint uU;\nuniform int uI;\nout uvec4 o;\n";
 
-const char* const k_pEs3 = "#version 300 es\n"
-                           "precision highp float;\n"
-                           "precision highp int;\n"
-                           "uniform vec4 uA;\n"
-                           "uniform vec4 uB;\n"
-                           "uniform float uF;\n"
-                           "out vec4 o;\n";
+QString Shader(const QString& header, const QString& globals, const QString& body)
+{
+    return header + globals + "\nvoid main()\n{\n" + body + "\n}\n";
+}
+
+QString Es1(const QString& globals, const QString& body)
+{
+    return Shader(k_pEs1, globals, body);
+}
+
+QString Es3(const QString& globals, const QString& body)
+{
+    return Shader(k_pEs3, globals, body);
+}
+
+std::uint32_t FloatBits(float fValue)
+{
+    std::uint32_t uiBits = 0;
+    std::memcpy(&uiBits, &fValue, sizeof(uiBits));
+    return uiBits;
+}
+
+bool Lower(const QString& source, ETxeStage eStage, SCompilation& compilation, QStringList& diagnostics)
+{
+    const bool bCompiled =
+        CompileSource(source.toStdString(), eStage, CoreModel(Core_ZC1), DefaultSourceLimits(), compilation);
+    for (const SDiagnostic& diagnostic : compilation.aDiagnostics)
+        diagnostics << QString::fromStdString(FormatDiagnostic(diagnostic));
+    return bCompiled;
+}
+
+enum EStages
+{
+    Vertex = 1,
+    Fragment = 2,
+    Both = 3,
+};
+
+struct SBuiltinUse
+{
+    const char* pName;
+    const char* pVersion;
+    int iStages;
+    const char* pStatement; // adds to vec4 s
+};
+
+// Every built-in function of GLSL ES 1.00 and 3.00 and the integer functions of 3.10, each
+// called once; they all compile.
+// clang-format off
+const SBuiltinUse s_aCompiled[] = {
+    {"radians", "100", Both, "s.x += radians(f);"},
+    {"degrees", "100", Both, "s.x += degrees(f);"},
+    {"sin", "100", Both, "s.x += sin(f);"},
+    {"cos", "100", Both, "s.xy += cos(v2);"},
+    {"tan", "100", Both, "s.x += tan(f);"},
+    {"asin", "100", Both, "s.x += asin(f);"},
+    {"acos", "100", Both, "s.x += acos(f);"},
+    {"atan", "100", Both, "s.x += atan(f, v2.x) + atan(f);"},
+    {"pow", "100", Both, "s += pow(v4, v4);"},
+    {"exp", "100", Both, "s.x += exp(f);"},
+    {"log", "100", Both, "s.x += log(f);"},
+    {"exp2", "100", Both, "s.x += exp2(f);"},
+    {"log2", "100", Both, "s.x += log2(f);"},
+    {"sqrt", "100", Both, "s.x += sqrt(f);"},
+    {"inversesqrt", "100", Both, "s.x += inversesqrt(f);"},
+    {"abs", "100", Both, "s.xyz += abs(v3);"},
+    {"sign", "100", Both, "s.x += sign(f);"},
+    {"floor", "100", Both, "s.x += floor(f);"},
+    {"ceil", "100", Both, "s.x += ceil(f);"},
+    {"fract", "100", Both, "s.x += fract(f);"},
+    {"mod", "100", Both, "s.xy += mod(v2, f) + mod(v2, v2);"},
+    {"min", "100", Both, "s.xy += min(v2, f);"},
+    {"max", "100", Both, "s.xy += max(v2, v2);"},
+    {"clamp", "100", Both, "s.xy += clamp(v2, 0.0, 1.0);"},
+    {"mix", "100", Both, "s.xyz += mix(v3, v3 * 2.0, f);"},
+    {"step", "100", Both, "s.xy += step(f, v2);"},
+    {"smoothstep", "100", Both, "s.xy += smoothstep(0.0, 1.0, v2);"},
+    {"length", "100", Both, "s.x += length(v3);"},
+    {"distance", "100", Both, "s.x += distance(v3, v3.zyx);"},
+    {"dot", "100", Both, "s.x += dot(v4, v4);"},
+    {"cross", "100", Both, "s.xyz += cross(v3, v3.yzx);"},
+    {"normalize", "100", Both, "s.xyz += normalize(v3);"},
+    {"faceforward", "100", Both, "s.xyz += faceforward(v3, v3.yzx, v3.zxy);"},
+    {"reflect", "100", Both, "s.xyz += reflect(v3, v3.yzx);"},
+    {"refract", "100", Both, "s.xyz += refract(v3, v3.yzx, f);"},
+    {"matrixCompMult", "100", Both, "s.xy += matrixCompMult(m2, m2)[1];"},
+    {"lessThan", "100", Both, "s.xy += vec2(lessThan(v2, v2.yx));"},
+    {"lessThanEqual", "100", Both, "s.xy += vec2(lessThanEqual(v2, v2.yx));"},
+    {"greaterThan", "100", Both, "s.xy += vec2(greaterThan(v2, v2.yx));"},
+    {"greaterThanEqual", "100", Both, "s.xy += vec2(greaterThanEqual(v2, v2.yx));"},
+    {"equal", "100", Both, "s.xy += vec2(equal(v2, v2.yx));"},
+    {"notEqual", "100", Both, "s.xy += vec2(notEqual(v2, v2.yx));"},
+    {"any", "100", Both, "s.x += any(lessThan(v2, v2.yx)) ? 1.0 : 0.0;"},
+    {"all", "100", Both, "s.x += all(lessThan(v2, v2.yx)) ? 1.0 : 0.0;"},
+    {"not", "100", Both, "s.xy += vec2(not(lessThan(v2, v2.yx)));"},
+    {"texture2D", "100", Both, "s += texture2D(t2, v2);"},
+    {"texture2D", "100", Fragment, "s += texture2D(t2, v2, f);"},
+    {"texture2DProj", "100", Both, "s += texture2DProj(t2, v3) + texture2DProj(t2, v4);"},
+    {"texture2DLod", "100", Vertex, "s += texture2DLod(t2, v2, f);"},
+    {"texture2DProjLod", "100", Vertex, "s += texture2DProjLod(t2, v3, f);"},
+    {"textureCube", "100", Both, "s += textureCube(tc, v3);"},
+    {"textureCubeLod", "100", Vertex, "s += textureCubeLod(tc, v3, f);"},
+    {"dFdx", "100", Fragment, "s.x += dFdx(f) + dFdy(f) + fwidth(f);"},
+    {"sinh", "300 es", Both, "s.x += sinh(f) + cosh(f) + tanh(f);"},
+    {"asinh", "300 es", Both, "s.x += asinh(f) + acosh(f) + atanh(f);"},
+    {"trunc", "300 es", Both, "s.x += trunc(f) + round(f) + roundEven(f);"},
+    {"modf", "300 es", Both, "float w; s.x += modf(f, w) + w;"},
+    {"min", "300 es", Both, "s.x += float(min(i, 3) + max(i, 1) + clamp(i, 0, 2)) + float(min(u, 3u) + clamp(u, 1u, 2u));"},
+    {"mix", "300 es", Both, "s.xy += mix(v2, v2.yx, bvec2(true, false));"},
+    {"isnan", "300 es", Both, "s.x += isnan(f) || isinf(f) ? 1.0 : 0.0;"},
+    {"floatBitsToInt", "300 es", Both, "s.x += float(floatBitsToInt(f)) + float(floatBitsToUint(f));"},
+    {"intBitsToFloat", "300 es", Both, "s.x += intBitsToFloat(i) + uintBitsToFloat(u);"},
+    {"packSnorm2x16", "300 es", Both, "s.xy += unpackSnorm2x16(packSnorm2x16(v2));"},
+    {"packUnorm2x16", "300 es", Both, "s.xy += unpackUnorm2x16(packUnorm2x16(v2));"},
+    {"packHalf2x16", "300 es", Both, "s.xy += unpackHalf2x16(packHalf2x16(v2));"},
+    {"outerProduct", "300 es", Both, "s.xyz += outerProduct(v3, v2)[1];"},
+    {"transpose", "300 es", Both, "s.xyz += transpose(mat3x2(m3))[1];"},
+    {"determinant", "300 es", Both, "s.x += determinant(m2) + determinant(m3) + determinant(m4);"},
+    {"inverse", "300 es", Both, "s += inverse(m4)[1] + vec4(inverse(m3)[2], inverse(m2)[0].x);"},
+    {"abs", "300 es", Both, "s.x += float(abs(i) + sign(i));"},
+    {"textureSize", "300 es", Both, "s.xy += vec2(textureSize(t2, 0)) + vec2(textureSize(tc, 1));"},
+    {"texture", "300 es", Both, "s += texture(t2, v2) + texture(tc, v3) + texture(t3, v3) + texture(ta, v3) + vec4(texture(ts, v3));"},
+    {"texture", "300 es", Fragment, "s += texture(t2, v2, f);"},
+    {"textureProj", "300 es", Both, "s += textureProj(t2, v3) + textureProj(t2, v4);"},
+    {"textureLod", "300 es", Both, "s += textureLod(t2, v2, f) + textureLod(ta, v3, f);"},
+    {"textureOffset", "300 es", Both, "s += textureOffset(t2, v2, ivec2(1, -1));"},
+    {"texelFetch", "300 es", Both, "s += texelFetch(t2, ivec2(i), 0) + vec4(texelFetch(ti, ivec2(i), 0)) + vec4(texelFetch(tu, ivec2(i), 0));"},
+    {"texelFetchOffset", "300 es", Both, "s += texelFetchOffset(t2, ivec2(i), 0, ivec2(1));"},
+    {"textureProjOffset", "300 es", Both, "s += textureProjOffset(t2, v3, ivec2(1));"},
+    {"textureLodOffset", "300 es", Both, "s += textureLodOffset(t2, v2, f, ivec2(1));"},
+    {"textureProjLod", "300 es", Both, "s += textureProjLod(t2, v3, f) + textureProjLodOffset(t2, v4, f, ivec2(1));"},
+    {"textureGrad", "300 es", Both, "s += textureGrad(t2, v2, v2, v2) + textureGradOffset(t2, v2, v2, v2, ivec2(1));"},
+    {"textureProjGrad", "300 es", Both, "s += textureProjGrad(t2, v3, v2, v2) + textureProjGradOffset(t2, v4, v2, v2, ivec2(1));"},
+    {"dFdx", "300 es", Fragment, "s.xy += dFdx(v2) + dFdy(v2) + fwidth(v2);"},
+    {"frexp", "310 es", Both, "int e; s.x += frexp(f, e) + ldexp(f, e);"},
+    {"packUnorm4x8", "310 es", Both, "s += unpackUnorm4x8(packUnorm4x8(v4)) + unpackSnorm4x8(packSnorm4x8(v4));"},
+    {"uaddCarry", "310 es", Both, "uint c; uint b; s.x += float(uaddCarry(u, u, c) + usubBorrow(u, 1u, b) + c + b);"},
+    {"umulExtended", "310 es", Both, "uint h; uint l; int ih; int il; umulExtended(u, u, h, l); imulExtended(i, i, ih, il); s.x += float(h + l) + float(ih + il);"},
+    {"bitfieldExtract", "310 es", Both, "s.x += float(bitfieldExtract(i, 1, 3)) + float(bitfieldInsert(u, u, 2, 5));"},
+    {"bitfieldReverse", "310 es", Both, "s.x += float(bitfieldReverse(u)) + float(bitCount(i) + findLSB(u) + findMSB(i));"},
+};
+
+// Functions the code generator refuses: the message names the function at its line.
+const SBuiltinUse s_aRefused[] = {
+    {"textureGather", "310 es", Fragment, "s += textureGather(t2, v2);"},
+    {"textureGatherOffset", "310 es", Fragment, "s += textureGatherOffset(t2, v2, ivec2(1));"},
+    {"atomicCounterIncrement", "310 es", Fragment, "s.x += float(atomicCounterIncrement(ac));"},
+    {"atomicAdd", "310 es", Fragment, "s.x += float(atomicAdd(counts.n, 1u));"},
+    {"imageSize", "310 es", Fragment, "s.xy += vec2(imageSize(img));"},
+    {"imageLoad", "310 es", Fragment, "s += imageLoad(img, ivec2(i));"},
+    {"memoryBarrier", "310 es", Fragment, "memoryBarrier();"},
+    {"interpolateAtCentroid", "320 es", Fragment, "s.xy += interpolateAtCentroid(vIn);"},
+};
+// clang-format on
+
+QString BuiltinShader(const SBuiltinUse& use, bool bVertex, int& iLine)
+{
+    const QString version = use.pVersion;
+    QStringList lines = {"#version " + version};
+    if (version == "100" && !bVertex)
+        lines << "#extension GL_OES_standard_derivatives : enable";
+    lines << "precision highp float;"
+          << "precision highp int;"
+          << "uniform float f;"
+          << "uniform vec2 v2;"
+          << "uniform vec3 v3;"
+          << "uniform vec4 v4;"
+          << "uniform mat2 m2;"
+          << "uniform mat3 m3;"
+          << "uniform mat4 m4;"
+          << "uniform int i;"
+          << "uniform sampler2D t2;"
+          << "uniform samplerCube tc;";
+    if (version != "100")
+    {
+        lines << "precision highp sampler3D;"
+              << "precision highp sampler2DArray;"
+              << "precision highp sampler2DShadow;"
+              << "precision highp isampler2D;"
+              << "precision highp usampler2D;"
+              << "uniform uint u;"
+              << "uniform sampler3D t3;"
+              << "uniform sampler2DArray ta;"
+              << "uniform sampler2DShadow ts;"
+              << "uniform isampler2D ti;"
+              << "uniform usampler2D tu;";
+        lines << (bVertex ? "out vec4 vOut;" : "out vec4 o;");
+    }
+    if (version == "310 es" || version == "320 es")
+    {
+        lines << "layout(binding = 0) uniform atomic_uint ac;"
+              << "layout(std430, binding = 0) buffer Counts { uint n; } counts;"
+              << "layout(rgba8, binding = 1) readonly uniform highp image2D img;";
+    }
+    if (version == "320 es" && !bVertex)
+        lines << "in vec2 vIn;";
+    lines << "void main()"
+          << "{"
+          << "    vec4 s = vec4(0.0);";
+    iLine = lines.size() + 1;
+    lines << QString("    ") + use.pStatement;
+    if (version == "100")
+        lines << (bVertex ? "    gl_Position = s;" : "    gl_FragColor = s;");
+    else
+        lines << (bVertex ? "    gl_Position = s; vOut = s;" : "    o = s;");
+    lines << "}";
+    return lines.join('\n') + '\n';
+}
 
 } // namespace
 
@@ -54,143 +259,443 @@ class CCompilerSemanticsTest : public QObject
 private slots:
     void initTestCase() { m_pProcess = std::make_unique<CFrontEndProcess>(); }
     void cleanupTestCase() { m_pProcess.reset(); }
-    void loweredProgramComputesTheShader_data();
-    void loweredProgramComputesTheShader();
+
+    // uA = (1.5, -2, 0.25, 3), uB = (0.5, 4, -1, 2), uF = 0.75, uArr = (1, 2, ..., 12).
+    void loweredProgramComputesTheShader_data()
+    {
+        AddColumns();
+        using V = QVector<double>;
+        // clang-format off
+        QTest::addRow("arithmetic") << Es1("", "gl_FragColor = uA * 2.0 - uB / 4.0;") << V{2.875f, -5, 0.75f, 5.5f};
+        QTest::addRow("division") << Es1("", "gl_FragColor = uA / uB;") << V{3, -0.5f, -0.25f, 1.5f};
+        QTest::addRow("swizzled writes")
+            << Es1("", "vec4 c = vec4(0.0); c.wx = uA.xy; c.yz = uB.zw; gl_FragColor = c;") << V{-2, -1, 2, 1.5f};
+        QTest::addRow("rounding") << Es1("", "gl_FragColor = vec4(mod(7.5, uF * 4.0), floor(uA.y), fract(uA.x), ceil(uA.z));")
+                                  << V{1.5f, -2, 0.5f, 1};
+        QTest::addRow("interpolation")
+            << Es1("", "gl_FragColor = vec4(clamp(uA.x, 0.0, 1.0), mix(uB.x, uB.y, uF), smoothstep(0.0, 1.0, uF), step(uF, uA.z));")
+            << V{1, 3.125f, 0.84375f, 0};
+        QTest::addRow("geometry")
+            << Es1("", "vec3 n = normalize(vec3(uB.y, 0.0, 3.0));\n"
+                       "gl_FragColor = vec4(n, length(uA.xy)) + vec4(cross(vec3(uF, 0.0, 0.0), vec3(0.0, 1.0, 0.0)), dot(uA.xy, uB.xy));")
+            << V{0.8f, 0, 0.6f + 0.75f, -4.75f};
+        QTest::addRow("matrix and vector")
+            << Es1("", "mat2 m = mat2(uA.x, uA.y, uA.z, uA.w); gl_FragColor = vec4(m * uB.xy, uB.xy * m);")
+            << V{1.75f, 11, -7.25f, 12.125f};
+        QTest::addRow("matrix product")
+            << Es1("", "mat2 a = mat2(2.0 * uF); mat2 b = mat2(uB.x, uB.y, uB.z, uB.w); mat2 c = a * b; gl_FragColor = vec4(c[0], c[1]);")
+            << V{0.75f, 6, -1.5f, 3};
+        QTest::addRow("branches")
+            << Es1("", "vec4 c = uA; if (uF > 0.5) c.x = 10.0; else c.x = 20.0; if (uA.y > 0.0) { c.y = 1.0; } gl_FragColor = c;")
+            << V{10, -2, 0.25f, 3};
+        QTest::addRow("counted loop") << Es1("", "float s = 0.0; for (int i = 0; i < 5; i++) s += float(i); gl_FragColor = vec4(s);")
+                                      << V{10, 10, 10, 10};
+        QTest::addRow("break and continue")
+            << Es1("", "float s = 0.0;\n"
+                       "for (int i = 0; i < 10; i++) { if (i == 2) continue; if (i == 5) break; s += float(i); }\n"
+                       "gl_FragColor = vec4(s);")
+            << V{8, 8, 8, 8};
+        QTest::addRow("while") << Es1("", "float s = 1.0; int n = 0; while (s < 100.0) { s *= uB.y; n++; } gl_FragColor = vec4(s, float(n), 0.0, 0.0);")
+                               << V{256, 4, 0, 0};
+        QTest::addRow("do while") << Es1("", "int n = 0; do { n++; } while (n < 3); int m = 5; do { m++; } while (m < 3);\n"
+                                             "gl_FragColor = vec4(float(n), float(m), 0.0, 0.0);")
+                                  << V{3, 6, 0, 0};
+        QTest::addRow("functions")
+            << Es1("float f(float x) { if (x > 1.0) return 1.0; return x * 0.5; }\n"
+                   "void g(in float a, out float b, inout vec2 c) { b = a * 2.0; c += vec2(a); }",
+                   "float b; vec2 c = vec2(1.0, 2.0); g(uF, b, c); gl_FragColor = vec4(f(uA.x), f(uF), b, c.x + c.y);")
+            << V{1, 0.375f, 1.5f, 4.5f};
+        QTest::addRow("return inside a loop")
+            << Es1("float firstAbove(float t) { for (int i = 0; i < 8; i++) { if (float(i) * uF > t) return float(i); } return -1.0; }",
+                   "gl_FragColor = vec4(firstAbove(2.0), firstAbove(100.0), 0.0, 0.0);")
+            << V{3, -1, 0, 0};
+        QTest::addRow("globals written by a function")
+            << Es1("float g = 1.0;\nvoid bump() { g *= 3.0; }", "bump(); bump(); gl_FragColor = vec4(g);") << V{9, 9, 9, 9};
+        QTest::addRow("selection and logic")
+            << Es1("", "float x = uF > 0.5 ? uA.x : uB.x; bool t = uA.x > 1.0 && uB.y > 3.0; bool u = uA.y > 0.0 || uB.z > 0.0;\n"
+                       "gl_FragColor = vec4(x, t ? 1.0 : 0.0, u ? 1.0 : 0.0, (uA.x == 1.5) ? 2.0 : 3.0);")
+            << V{1.5f, 1, 0, 2};
+        QTest::addRow("effects only when needed")
+            << Es1("float n = 0.0;\nbool touch() { n += 1.0; return true; }",
+                   "bool a = uF > 1.0 && touch(); bool b = uF < 1.0 || touch(); bool c = uF < 1.0 && touch();\n"
+                   "gl_FragColor = vec4(n, float(a), float(b), float(c));")
+            << V{1, 0, 1, 1};
+        QTest::addRow("local array")
+            << Es1("", "float w[4]; for (int i = 0; i < 4; i++) w[i] = float(i) * uF;\n"
+                       "float s = 0.0; for (int i = 0; i < 4; i++) s += w[3 - i] * float(i);\n"
+                       "gl_FragColor = vec4(s, w[2], 0.0, 0.0);")
+            << V{3, 1.5f, 0, 0};
+        QTest::addRow("indexed uniform and vector")
+            << Es1("", "int k = int(uF * 4.0) - 1; vec4 v = uArr[k]; gl_FragColor = vec4(v[k], uArr[k - 1].w, 0.0, 0.0);")
+            << V{11, 8, 0, 0};
+        QTest::addRow("increments") << Es1("", "float i = 1.0; float a = i++; float b = ++i; gl_FragColor = vec4(a, b, i, 0.0);")
+                                    << V{1, 3, 3, 0};
+        QTest::addRow("vector comparisons")
+            << Es1("", "bvec4 b = lessThan(uA, uB); gl_FragColor = vec4(b) + vec4(any(b) ? 10.0 : 0.0, all(b) ? 10.0 : 0.0, 0.0, 0.0);")
+            << V{10, 1, 0, 0};
+        QTest::addRow("whole-value equality")
+            << Es1("", "gl_FragColor = vec4(uA == uA ? 1.0 : 0.0, uA != uB ? 1.0 : 0.0, uA.xy == vec2(1.5, -2.0) ? 1.0 : 0.0, 0.0);")
+            << V{1, 1, 1, 0};
+        QTest::addRow("transcendentals")
+            << Es1("", "gl_FragColor = vec4(pow(uB.y, 1.5), exp(0.0 * uF), log2(uB.y), inversesqrt(uB.y));") << V{8, 1, 2, 0.5f};
+        QTest::addRow("textures") << Es1("", "gl_FragColor = texture2D(uTex, uA.zw) + texture2D(uTex2, vec2(0.5 * uF));")
+                                  << V{0.625f, 3.375f, 1, 2};
+        QTest::addRow("discard") << Es1("", "if (uF > 0.5) discard; gl_FragColor = vec4(1.0);") << V{};
+        QTest::addRow("integers") << Es3("", "int a = int(uA.w); int b = 7;\n"
+                                             "o = vec4(float(b / 2), float(b % 3), float(a << 2), float((b & 3) | 8));")
+                                  << V{3, 1, 12, 11};
+        QTest::addRow("switch with fall-through")
+            << Es3("", "float r = 0.0;\n"
+                       "switch (int(uA.w)) { case 1: r = 1.0; break; case 3: r = 3.0; case 4: r += 4.0; break; default: r = -1.0; }\n"
+                       "float d = 0.0; switch (int(uB.y)) { case 1: d = 1.0; break; default: d = 5.0; }\n"
+                       "o = vec4(r, d, 0.0, 0.0);")
+            << V{7, 5, 0, 0};
+        QTest::addRow("constant array")
+            << Es3("const float k[3] = float[3](1.0, 2.0, 4.0);", "o = vec4(k[int(uA.w) - 1], k[0], 0.0, 0.0);") << V{4, 1, 0, 0};
+        QTest::addRow("a function returns a call")
+            << Es1("float g(vec2 p) { return length(p) + 1.0; }\n"
+                   "float f(vec2 p) { float a = p.x * 2.0; return g(p) * 0.5 + a; }",
+                   "gl_FragColor = vec4(f(uB.xy), f(uA.zw), 0.0, 1.0);")
+            << V{(std::sqrt(16.25) + 1.0) * 0.5 + 1.0, (std::sqrt(9.0625) + 1.0) * 0.5 + 0.5, 0, 1};
+        QTest::addRow("calls returned three levels deep")
+            << Es1("float h(float x) { return x * x; }\n"
+                   "float g(float x) { return h(x + 1.0) - h(x); }\n"
+                   "vec2 f(float x) { return vec2(g(x), g(g(x))) * 2.0; }",
+                   "gl_FragColor = vec4(f(uF), f(uA.y));")
+            << V{5, 12, -6, -10};
+        QTest::addRow("early returns of calls")
+            << Es1("float sq(float x) { return x * x; }\n"
+                   "float pick(float x) { if (x > 1.0) return sq(x) + 1.0; if (x < 0.0) return -sq(x); return sq(x + 1.0); }",
+                   "gl_FragColor = vec4(pick(uA.x), pick(uA.y), pick(uF), pick(uA.z));")
+            << V{3.25, -4, 3.0625, 1.5625};
+        QTest::addRow("a return of a call inside a loop")
+            << Es1("float weight(float i) { return i * uF; }\n"
+                   "float firstAbove(float t) { for (int i = 0; i < 8; i++) { if (weight(float(i)) > t) return weight(float(i)) * 2.0; } return -1.0; }",
+                   "gl_FragColor = vec4(firstAbove(2.0), firstAbove(100.0), 0.0, 0.0);")
+            << V{4.5, -1, 0, 0};
+        QTest::addRow("a return inside a switch")
+            << Es3("float half_(float x) { return x * 0.5; }\n"
+                   "float f(int k) { switch (k) { case 1: return half_(uB.y); case 2: return 7.0; default: break; } return -1.0; }",
+                   "o = vec4(f(1), f(2), f(3), 0.0);")
+            << V{2, 7, -1, 0};
+        QTest::addRow("statement")
+            << Es3("", "float a, b;\na = 1.0, b = uF * 2.0;\no = vec4(a, b, 0.0, 0.0);") << V{1, 1.5, 0, 0};
+        QTest::addRow("two loop counters")
+            << Es3("", "float s = 0.0;\nfor (int i = 0, j = 4; i < 4; ++i, --j) s += float(i * j);\no = vec4(s);")
+            << V{10, 10, 10, 10};
+        QTest::addRow("continue runs the whole increment")
+            << Es3("", "float s = 0.0; int k = 0;\n"
+                       "for (int i = 0, j = 10; i < 5; i++, j -= 2) { if (i == 2) continue; s += float(j); k++; }\n"
+                       "o = vec4(s, float(k), 0.0, 0.0);")
+            << V{24, 4, 0, 0};
+        QTest::addRow("inside an expression")
+            << Es3("", "float a = uF;\nfloat c = (a += 1.0, a * 2.0);\no = vec4(a, c, 0.0, 0.0);") << V{1.75, 3.5, 0, 0};
+        QTest::addRow("with effects in a conditional")
+            << Es3("", "float n = 0.0;\nfloat r = uF > 0.5 ? (n += 1.0, n * 10.0) : -1.0;\n"
+                       "float q = uF > 1.0 ? (n += 5.0, n) : -2.0;\no = vec4(n, r, q, 0.0);")
+            << V{1, 10, -2, 0};
+        QTest::addRow("as a call argument")
+            << Es1("float twice(float x) { return 2.0 * x; }", "float a = 0.0;\ngl_FragColor = vec4(twice((a = uB.y, a + 1.0)), a, 0.0, 0.0);")
+            << V{10, 4, 0, 0};
+            // Vectors and matrices in registers indexed at run time, read and written; k is 3.
+        QTest::addRow("vector lanes")
+            << Es3("", "int k = int(uF * 4.0);\nvec4 v = uA;\nv[k] = 9.0;\nv[k - 1] += 1.0;\no = v;") << V{1.5, -2, 1.25, 9};
+        QTest::addRow("integer lanes")
+            << Es3("", "int k = int(uF * 4.0);\nivec4 h = ivec4(1, 2, 3, 4);\nh[k] = h[k - 1] * 10;\nh[k - 3]++;\no = vec4(h);")
+            << V{2, 2, 3, 30};
+        QTest::addRow("matrix columns")
+            << Es3("", "int k = int(uF * 4.0);\nmat3 m = mat3(uA.xyz, uB.xyz, vec3(7.0, 8.0, 9.0));\nvec3 c = m[k - 1];\n"
+                       "m[k - 2] = vec3(0.5);\nm[k - 3].z = -1.0;\no = vec4(c.xy, m[1].y + m[k - 1][k - 2], m[0].z);")
+            << V{7, 8, 8.5, -1};
+        QTest::addRow("matrix parameter")
+            << Es3("vec3 column(mat3 m, int i) { return m[i] * 2.0; }",
+                   "int k = int(uF * 4.0);\no = vec4(column(mat3(uA.xyz, uB.xyz, uA.zwx), k - 2), 1.0);")
+            << V{1, 8, -2, 1};
+        // clang-format on
+    }
+    void loweredProgramComputesTheShader() { Check(QString(), 1e-4); }
+
+    // uM2, uM3 and uM4 are invertible matrices without structure (no zero, no symmetry).
+    void matrixFunctions_data()
+    {
+        AddColumns();
+        using V = QVector<double>;
+        // clang-format off
+        QTest::addRow("inverse times the matrix")
+            << "mat2 p2 = inverse(uM2) * uM2; mat3 p3 = uM3 * inverse(uM3); mat4 p4 = inverse(uM4) * uM4;\n"
+               "o = vec4(p2[0][0] + p2[1][1], p3[0][0] + p3[1][1] + p3[2][2], p4[0][0] + p4[1][1] + p4[2][2] + p4[3][3],\n"
+               "         abs(p2[0][1]) + abs(p3[2][0]) + abs(p3[1][2]) + abs(p4[3][0]) + abs(p4[1][3]) + abs(p4[2][1]));"
+            << V{2, 3, 4, 0};
+        // For M = diag(2, 4, 0.5) the normal matrix is diag(0.5, 0.25, 2).
+        QTest::addRow("normal matrix")
+            << "mat4 model = mat4(2.0, 0.0, 0.0, 0.0, 0.0, 4.0, 0.0, 0.0, 0.0, 0.0, 0.5, 0.0, uA.x, uA.y, uA.z, 1.0);\n"
+               "mat3 normalMatrix = transpose(inverse(mat3(model)));\n"
+               "o = vec4(normalMatrix * vec3(1.0, 1.0, 1.0), normalMatrix[2][0]);"
+            << V{0.5, 0.25, 2, 0};
+        // det(uM4) * det(inverse(uM4)) is 1; the 4x4 determinant of a scaled identity is the product.
+        QTest::addRow("determinants")
+            << "o = vec4(determinant(uM4) * determinant(inverse(uM4)), determinant(mat4(2.0)), "
+               "determinant(uM3) * determinant(inverse(uM3)), determinant(uM2) * determinant(inverse(uM2)));"
+            << V{1, 16, 1, 1};
+        // clang-format on
+    }
+    void matrixFunctions() { Check(QString(k_pEs31) + k_pMatrices, 1e-4); }
+
+    void floatDecomposition_data()
+    {
+        AddColumns();
+        using V = QVector<double>;
+        // clang-format off
+        QTest::addRow("frexp") << "int e1; int e2; int e3;\n"
+                                  "float m1 = frexp(uA.y * 4.0, e1); float m2 = frexp(uA.z, e2); float m3 = frexp(uA.z * 0.0, e3);\n"
+                                  "o = vec4(m1, float(e1), m2 + m3, float(e2 * 10 + e3));"
+                               << V{-0.5, 4, 0.5, -10};
+        QTest::addRow("frexp across powers of two")
+            << "int e1; int e2; float m1 = frexp(uA.w * 341.0 + 0.0 * uA.x, e1); float m2 = frexp(1023.99994, e2);\n"
+               "o = vec4(m1, float(e1), m2, float(e2));"
+            << V{1023.0 / 1024.0, 10, 1023.99994 / 1024.0, 10};
+        QTest::addRow("ldexp") << "o = vec4(ldexp(uA.x, 3), ldexp(uA.y, -1), ldexp(vec2(uA.z), ivec2(2, 0)));" << V{12, -1, 1, 0.25};
+        QTest::addRow("modf") << "float i1; vec2 i2; float f1 = modf(uA.x + 1.0, i1); vec2 f2 = modf(vec2(-2.25, uA.w), i2);\n"
+                                 "o = vec4(f1 + i1 * 10.0, f2.x, i2.x, i2.y + f2.y);"
+                              << V{20.5, -0.25, -2, 3};
+        // clang-format on
+    }
+    void floatDecomposition() { Check(QString(k_pEs31) + k_pMatrices, 1e-6); }
+
+    // uU = 0xF00DBEEF, uI = -12345.
+    void integerFunctions_data()
+    {
+        AddColumns();
+        using V = QVector<double>;
+        // clang-format off
+        const std::uint32_t u = 0xF00DBEEFu;
+        const std::int32_t i = -12345;
+        auto reversed = [](std::uint32_t x) {
+            std::uint32_t r = 0;
+            for (int k = 0; k < 32; ++k)
+                r |= ((x >> k) & 1u) << (31 - k);
+            return r;
+        };
+        QTest::addRow("bit counts and positions")
+            << "o = uvec4(bitCount(uU), uint(findLSB(uU) + 100 * findMSB(uU)), uint(findMSB(uI) + 100 * bitCount(uI)), uint(findLSB(0u) + 2));"
+            << V{double(__builtin_popcount(u)), double(__builtin_ctz(u) + 100 * 31), double(31 - __builtin_clz(~std::uint32_t(i)) + 100 * __builtin_popcount(std::uint32_t(i))), 1};
+        QTest::addRow("bitfields")
+            << "o = uvec4(bitfieldExtract(uU, 4, 12), uint(bitfieldExtract(int(uU), 24, 8)), bitfieldInsert(uU, 0x5u, 28, 3), bitfieldReverse(uU));"
+            << V{double((u >> 4) & 0xFFFu), double(std::uint32_t(std::int32_t(std::int8_t(u >> 24)))),
+                 double((u & ~(7u << 28)) | (5u << 28)), double(reversed(u))};
+        QTest::addRow("carry and borrow")
+            << "uint c1; uint c2; uint b1; uint b2;\n"
+               "uint s1 = uaddCarry(uU, 0x10000000u, c1); uint s2 = uaddCarry(uU, 1u, c2);\n"
+               "uint d1 = usubBorrow(5u, uU, b1); uint d2 = usubBorrow(uU, 5u, b2);\n"
+               "o = uvec4(s1, c1 * 10u + c2, d1, b1 * 10u + b2);"
+            << V{double(u + 0x10000000u), 10, double(5u - u), 10};
+        QTest::addRow("extended products")
+            << "uint hi; uint lo; int ihi; int ilo;\n"
+               "umulExtended(uU, 0x9E3779B9u, hi, lo); imulExtended(uI, 0x7FFFFFFF, ihi, ilo);\n"
+               "o = uvec4(hi, lo, uint(ihi), uint(ilo));"
+            << V{double((std::uint64_t(u) * 0x9E3779B9ull) >> 32), double(std::uint32_t(u * 0x9E3779B9u)),
+                 double(std::uint32_t((std::int64_t(i) * 0x7FFFFFFF) >> 32)), double(std::uint32_t(std::int64_t(i) * 0x7FFFFFFF))};
+        QTest::addRow("hash arithmetic wraps")
+            << "uint h = uU; h ^= h >> 16; h *= 0x7feb352du; h ^= h >> 15; h *= 0x846ca68bu; h ^= h >> 16;\n"
+               "o = uvec4(h, uint(uI * 3 - 7), ~uU, uint(-uI << 20));"
+            << [&] {
+                   std::uint32_t h = u;
+                   h ^= h >> 16;
+                   h *= 0x7feb352du;
+                   h ^= h >> 15;
+                   h *= 0x846ca68bu;
+                   h ^= h >> 16;
+                   return V{double(h), double(std::uint32_t(i * 3 - 7)), double(~u), double(std::uint32_t(-i) << 20)};
+               }();
+        QTest::addRow("float bits")
+            << "o = uvec4(floatBitsToUint(1.0 + 0.0 * float(uI)), uint(floatBitsToInt(-2.5 + 0.0 * float(uI))),\n"
+               "          uint(intBitsToFloat(0x40490fdb + uI * 0) * 1000.0), uint(uintBitsToFloat(uU & 0u | 0x3f000000u) * 8.0));"
+            << V{double(FloatBits(1.0f)), double(FloatBits(-2.5f)), 3141, 4};
+        QTest::addRow("half floats")
+            << "vec2 v = vec2(1.0, -2.0) + 0.0 * float(uI);\n"
+               "uint a = packHalf2x16(v); uint b = packHalf2x16(vec2(65504.0, 1.0e-6) + 0.0 * float(uI));\n"
+               "uint c = packHalf2x16(vec2(1.00048828125, 70000.0) + 0.0 * float(uI));\n"
+               "o = uvec4(a, b, c, uint(unpackHalf2x16(0xC0003555u + uU * 0u).x * 30000.0) + uint(-unpackHalf2x16(0xC0003555u).y));"
+            << V{double(0x3C00u | (0xC000u << 16)), double(0x7BFFu | (0x0011u << 16)), double(0x3C00u | (0x7C00u << 16)),
+                 std::floor(0.333251953125 * 30000.0) + 2};
+        QTest::addRow("packed formats")
+            << "vec4 v = vec4(1.0, 0.5, -0.25, 2.0) + 0.0 * float(uI);\n"
+               "uint a = packUnorm4x8(v); uint b = packSnorm2x16(v.zx);\n"
+               "vec4 back = unpackSnorm4x8(packSnorm4x8(v)) - v;\n"
+               "o = uvec4(a, b, uint(unpackUnorm2x16(b).x * 65535.0), uint(dot(abs(back.xyz), vec3(1.0)) * 10000.0));"
+            << V{double(255u | (128u << 8) | (0u << 16) | (255u << 24)), double((std::uint32_t(std::int32_t(-8192)) & 0xFFFFu) | (32767u << 16)),
+                 double(0xFFFFu & std::uint32_t(std::int32_t(-8192))),
+                 std::floor(10000.0 * (std::fabs(64.0 / 127.0 - 0.5) + std::fabs(-32.0 / 127.0 + 0.25)))};
+        // clang-format on
+    }
+    void integerFunctions() { Check(QString(k_pEs31) + k_pWords, 0.0); }
+
+    // A named block and an anonymous one with a runtime-sized array, bound by their names.
+    void storageBuffersAreRead()
+    {
+        const QString source = "#version 310 es\n"
+                               "precision highp float;\n"
+                               "layout(std430, binding = 0) readonly buffer Lights { vec4 count; vec4 colors[]; };\n"
+                               "layout(std430, binding = 1) buffer Params { float gain; int n; } params;\n"
+                               "out vec4 o;\n"
+                               "void main()\n"
+                               "{\n"
+                               "    vec4 c = vec4(0.0);\n"
+                               "    for (int i = 0; i < int(count.x); i++)\n"
+                               "        c += colors[i];\n"
+                               "    o = c * params.gain + vec4(float(params.n), colors[1].w, 0.0, 0.0);\n"
+                               "}\n";
+        SCompilation compilation;
+        QStringList diagnostics;
+        QVERIFY2(Lower(source, Stage_Fragment, compilation, diagnostics), qPrintable(diagnostics.join('\n')));
+        CTxeMachine machine(compilation.program);
+        machine.Set("Lights", {{3, 0, 0, 0}, {1, 2, 3, 4}, {10, 20, 30, 40}, {100, 200, 300, 400}, {-1, -1, -1, -1}});
+        machine.Set("params", {{0.5f, 0, 0, 0}, {7, 0, 0, 0}});
+        QVERIFY2(machine.Run(), machine.Error().c_str());
+        QCOMPARE(machine.Output(0), (SLanes{55.5f + 7.0f, 111.0f + 40.0f, 166.5f, 222.0f}));
+        int iLoads = 0;
+        for (const STxeInstruction& instr : compilation.program.aInstructions)
+            iLoads += instr.eOp == Op_Ldc ? 1 : 0;
+        QVERIFY2(iLoads >= 4, "every read of a storage buffer is a load");
+    }
+
+    // A refusal is one error at the construct's line, naming it as the user wrote it.
+    void compilesOrIsRefusedByName_data()
+    {
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<QString>("refusal"); // empty: it compiles
+        QTest::addColumn<bool>("bVertex");
+        auto add = [](const SBuiltinUse& use, bool bRefused)
+        {
+            for (const bool bVertex : {true, false})
+            {
+                if (!(use.iStages & (bVertex ? Vertex : Fragment)))
+                    continue;
+                int iLine = 0;
+                const QString source = BuiltinShader(use, bVertex, iLine);
+                const QString refusal = bRefused
+                                            ? QString("ERROR: 0:%1: '%2' : this built-in function is not supported by "
+                                                      "the TXE code generator")
+                                                  .arg(iLine)
+                                                  .arg(use.pName)
+                                            : QString();
+                QTest::addRow("%s %s %s", use.pName, use.pVersion, bVertex ? "vertex" : "fragment")
+                    << source << refusal << bVertex;
+            }
+        };
+        for (const SBuiltinUse& use : s_aCompiled)
+            add(use, false);
+        for (const SBuiltinUse& use : s_aRefused)
+            add(use, true);
+
+        const QString es310 = "#version 310 es\nprecision highp float;\nuniform int k;\nout vec4 o;\n";
+        const QString buffers = "layout(std430, binding = 0) buffer Params { float gain; } params;\n"
+                                "layout(std430, binding = 1) buffer Lights { vec4 count; vec4 colors[]; };\n";
+        const QString refused = " is not supported by the TXE code generator";
+        // clang-format off
+        QTest::addRow("continue in a switch")
+            << es310 + "void main()\n{\n    float s = 0.0;\n    for (int j = 0; j < 3; j++) {\n"
+                       "        switch (j) { case 1: continue; default: s += 1.0; }\n    }\n    o = vec4(s);\n}\n"
+            << "ERROR: 0:9: 'continue' : a continue inside a switch" + refused << false;
+        QTest::addRow("demote")
+            << "#version 310 es\n#extension GL_EXT_demote_to_helper_invocation : enable\nprecision highp float;\nout vec4 o;\n"
+               "void main()\n{\n    o = vec4(1.0);\n    if (gl_FragCoord.x > 2.0)\n        demote;\n}\n"
+            << "ERROR: 0:9: 'demote' : this statement" + refused << false;
+        QTest::addRow("writing a named storage buffer")
+            << es310 + buffers + "void main()\n{\n    params.gain = 2.0;\n    o = vec4(0.0);\n}\n"
+            << "ERROR: 0:9: 'params' : writing a shader storage buffer" + refused << false;
+        QTest::addRow("writing an anonymous storage buffer")
+            << es310 + buffers + "void main()\n{\n    o = vec4(0.0);\n    count = o;\n}\n"
+            << "ERROR: 0:10: 'Lights' : writing a shader storage buffer" + refused << false;
+        QTest::addRow("length of a runtime-sized array")
+            << es310 + buffers + "void main()\n{\n    o = vec4(float(colors.length()));\n}\n"
+            << "ERROR: 0:9: 'length' : the length of a runtime-sized array" + refused << false;
+        QTest::addRow("constant index past a runtime-sized array's elements")
+            << es310 + buffers + "void main()\n{\n    o = colors[2] + colors[16];\n}\n"
+            << "ERROR: 0:9: 'colors' : a constant index past the 16 elements a runtime-sized array is bound with" + refused << false;
+        QTest::addRow("writing an element chosen by two indexes")
+            << es310 + "uniform mat3 uM;\nvoid main()\n{\n    mat3 m = uM;\n    m[k][k - 1] = 1.0;\n    o = vec4(m[0], 1.0);\n}\n"
+            << "ERROR: 0:9: 'm' : writing an element chosen by two non-constant indexes" + refused << false;
+        QTest::addRow("non-constant index into an array of samplers")
+            << "#version 320 es\nprecision highp float;\nuniform int k;\nuniform sampler2D uTex[4];\nout vec4 o;\n"
+               "void main()\n{\n    o = texture(uTex[k], vec2(0.5));\n}\n"
+            << "ERROR: 0:8: 'uTex' : a non-constant index into an array of samplers" + refused << false;
+        QTest::addRow("non-constant index into a computed matrix")
+            << es310 + "uniform mat2 uM;\nvoid main()\n{\n    o = vec4((uM * 2.0)[k], 0.0, 0.0);\n}\n"
+            << "ERROR: 0:8: '[]' : a non-constant index into a computed mat2" + refused << false;
+        QTest::addRow("function without a body")
+            << es310 + "float g(float x);\nvoid main()\n{\n    o = vec4(g(3.0));\n}\n"
+            << "ERROR: 0:8: 'g' : the function is declared but has no body" << false;
+        QTest::addRow("recursion")
+            << es310 + "float f(float x) { return x > 1.0 ? f(x - 1.0) : x; }\nvoid main()\n{\n    o = vec4(f(3.0));\n}\n"
+            << "ERROR: 0:5: 'f' : recursion is not allowed" << false;
+        // clang-format on
+    }
+
+    void compilesOrIsRefusedByName()
+    {
+        QFETCH(QString, source);
+        QFETCH(QString, refusal);
+        QFETCH(bool, bVertex);
+        SCompilation compilation;
+        QStringList diagnostics;
+        const bool bCompiled = Lower(source, bVertex ? Stage_Vertex : Stage_Fragment, compilation, diagnostics);
+        if (refusal.isEmpty())
+        {
+            QVERIFY2(bCompiled, qPrintable(diagnostics.join('\n')));
+            return;
+        }
+        QVERIFY(!bCompiled);
+        QCOMPARE(diagnostics, QStringList{refusal});
+    }
 
 private:
+    static void AddColumns()
+    {
+        QTest::addColumn<QString>("shader");
+        QTest::addColumn<QVector<double>>("expected"); // empty: the fragment is discarded
+    }
+
+    // The row's shader is a whole source, or main's body under the header. A tolerance of 0
+    // compares the outputs as 32-bit words.
+    void Check(const QString& header, double dTolerance)
+    {
+        QFETCH(QString, shader);
+        QFETCH(QVector<double>, expected);
+        SCompilation compilation;
+        QStringList diagnostics;
+        QVERIFY2(
+            Lower(header.isEmpty() ? shader : Shader(header, "", shader), Stage_Fragment, compilation, diagnostics),
+            qPrintable(diagnostics.join('\n')));
+        CEchoSampler sampler;
+        CTxeMachine machine(compilation.program, &sampler);
+        machine.Set("uA", {{1.5f, -2.0f, 0.25f, 3.0f}});
+        machine.Set("uB", {{0.5f, 4.0f, -1.0f, 2.0f}});
+        machine.Set("uF", {{0.75f, 0, 0, 0}});
+        machine.Set("uArr", {{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 10, 11, 12}});
+        machine.Set("uM2", {{2.0f, 1.0f, 0, 0}, {-1.0f, 3.0f, 0, 0}});
+        machine.Set("uM3", {{2.0f, 0.5f, -1.0f, 0}, {1.0f, 3.0f, 0.25f, 0}, {-0.5f, 1.0f, 4.0f, 0}});
+        machine.Set("uM4", {{3.0f, 0.5f, -1.0f, 0.25f},
+                            {1.0f, 2.0f, 0.5f, -0.5f},
+                            {0.5f, -1.0f, 4.0f, 1.0f},
+                            {0.25f, 1.5f, -0.5f, 2.0f}});
+        machine.Set("uU", {{double(0xF00DBEEFu), 0, 0, 0}});
+        machine.Set("uI", {{-12345.0, 0, 0, 0}});
+        QVERIFY2(machine.Run(), machine.Error().c_str());
+        QCOMPARE(machine.Discarded(), expected.isEmpty());
+        const SLanes result = machine.Output(0);
+        for (int i = 0; i < expected.size(); ++i)
+        {
+            const double dGot = dTolerance > 0.0 ? result[i] : double(std::uint32_t(std::int64_t(result[i])));
+            QVERIFY2(
+                std::fabs(dGot - expected[i]) <= dTolerance,
+                qPrintable(
+                    QString("lane %1: got %2, expected %3").arg(i).arg(dGot, 0, 'g', 12).arg(expected[i], 0, 'g', 12)));
+        }
+    }
+
     std::unique_ptr<CFrontEndProcess> m_pProcess;
 };
-
-void CCompilerSemanticsTest::loweredProgramComputesTheShader_data()
-{
-    QTest::addColumn<QString>("source");
-    QTest::addColumn<QVector<float>>("expected"); // empty: the fragment is discarded
-
-    auto es1 = [](const QString& globals, const QString& body) {
-        return QString(k_pEs1) + globals + "\nvoid main()\n{\n" + body + "\n}\n";
-    };
-    auto es3 = [](const QString& globals, const QString& body) {
-        return QString(k_pEs3) + globals + "\nvoid main()\n{\n" + body + "\n}\n";
-    };
-    using V = QVector<float>;
-
-    QTest::addRow("arithmetic") << es1("", "gl_FragColor = uA * 2.0 - uB / 4.0;") << V{2.875f, -5, 0.75f, 5.5f};
-    QTest::addRow("division") << es1("", "gl_FragColor = uA / uB;") << V{3, -0.5f, -0.25f, 1.5f};
-    QTest::addRow("swizzled writes")
-        << es1("", "vec4 c = vec4(0.0); c.wx = uA.xy; c.yz = uB.zw; gl_FragColor = c;") << V{-2, -1, 2, 1.5f};
-    QTest::addRow("rounding") << es1("", "gl_FragColor = vec4(mod(7.5, uF * 4.0), floor(uA.y), fract(uA.x), ceil(uA.z));")
-                              << V{1.5f, -2, 0.5f, 1};
-    QTest::addRow("interpolation")
-        << es1("", "gl_FragColor = vec4(clamp(uA.x, 0.0, 1.0), mix(uB.x, uB.y, uF), smoothstep(0.0, 1.0, uF), step(uF, uA.z));")
-        << V{1, 3.125f, 0.84375f, 0};
-    QTest::addRow("geometry")
-        << es1("", "vec3 n = normalize(vec3(uB.y, 0.0, 3.0));\n"
-                   "gl_FragColor = vec4(n, length(uA.xy)) + vec4(cross(vec3(uF, 0.0, 0.0), vec3(0.0, 1.0, 0.0)), dot(uA.xy, uB.xy));")
-        << V{0.8f, 0, 0.6f + 0.75f, -4.75f};
-    QTest::addRow("matrix and vector")
-        << es1("", "mat2 m = mat2(uA.x, uA.y, uA.z, uA.w); gl_FragColor = vec4(m * uB.xy, uB.xy * m);")
-        << V{1.75f, 11, -7.25f, 12.125f};
-    QTest::addRow("matrix product")
-        << es1("", "mat2 a = mat2(2.0 * uF); mat2 b = mat2(uB.x, uB.y, uB.z, uB.w); mat2 c = a * b; gl_FragColor = vec4(c[0], c[1]);")
-        << V{0.75f, 6, -1.5f, 3};
-    QTest::addRow("branches")
-        << es1("", "vec4 c = uA; if (uF > 0.5) c.x = 10.0; else c.x = 20.0; if (uA.y > 0.0) { c.y = 1.0; } gl_FragColor = c;")
-        << V{10, -2, 0.25f, 3};
-    QTest::addRow("counted loop") << es1("", "float s = 0.0; for (int i = 0; i < 5; i++) s += float(i); gl_FragColor = vec4(s);")
-                                  << V{10, 10, 10, 10};
-    QTest::addRow("break and continue")
-        << es1("", "float s = 0.0;\n"
-                   "for (int i = 0; i < 10; i++) { if (i == 2) continue; if (i == 5) break; s += float(i); }\n"
-                   "gl_FragColor = vec4(s);")
-        << V{8, 8, 8, 8};
-    QTest::addRow("while") << es1("", "float s = 1.0; int n = 0; while (s < 100.0) { s *= uB.y; n++; } gl_FragColor = vec4(s, float(n), 0.0, 0.0);")
-                           << V{256, 4, 0, 0};
-    QTest::addRow("do while") << es1("", "int n = 0; do { n++; } while (n < 3); int m = 5; do { m++; } while (m < 3);\n"
-                                         "gl_FragColor = vec4(float(n), float(m), 0.0, 0.0);")
-                              << V{3, 6, 0, 0};
-    QTest::addRow("functions")
-        << es1("float f(float x) { if (x > 1.0) return 1.0; return x * 0.5; }\n"
-               "void g(in float a, out float b, inout vec2 c) { b = a * 2.0; c += vec2(a); }",
-               "float b; vec2 c = vec2(1.0, 2.0); g(uF, b, c); gl_FragColor = vec4(f(uA.x), f(uF), b, c.x + c.y);")
-        << V{1, 0.375f, 1.5f, 4.5f};
-    QTest::addRow("return inside a loop")
-        << es1("float firstAbove(float t) { for (int i = 0; i < 8; i++) { if (float(i) * uF > t) return float(i); } return -1.0; }",
-               "gl_FragColor = vec4(firstAbove(2.0), firstAbove(100.0), 0.0, 0.0);")
-        << V{3, -1, 0, 0};
-    QTest::addRow("globals written by a function")
-        << es1("float g = 1.0;\nvoid bump() { g *= 3.0; }", "bump(); bump(); gl_FragColor = vec4(g);") << V{9, 9, 9, 9};
-    QTest::addRow("selection and logic")
-        << es1("", "float x = uF > 0.5 ? uA.x : uB.x; bool t = uA.x > 1.0 && uB.y > 3.0; bool u = uA.y > 0.0 || uB.z > 0.0;\n"
-                   "gl_FragColor = vec4(x, t ? 1.0 : 0.0, u ? 1.0 : 0.0, (uA.x == 1.5) ? 2.0 : 3.0);")
-        << V{1.5f, 1, 0, 2};
-    QTest::addRow("effects only when needed")
-        << es1("float n = 0.0;\nbool touch() { n += 1.0; return true; }",
-               "bool a = uF > 1.0 && touch(); bool b = uF < 1.0 || touch(); bool c = uF < 1.0 && touch();\n"
-               "gl_FragColor = vec4(n, float(a), float(b), float(c));")
-        << V{1, 0, 1, 1};
-    QTest::addRow("local array")
-        << es1("", "float w[4]; for (int i = 0; i < 4; i++) w[i] = float(i) * uF;\n"
-                   "float s = 0.0; for (int i = 0; i < 4; i++) s += w[3 - i] * float(i);\n"
-                   "gl_FragColor = vec4(s, w[2], 0.0, 0.0);")
-        << V{3, 1.5f, 0, 0};
-    QTest::addRow("indexed uniform and vector")
-        << es1("", "int k = int(uF * 4.0) - 1; vec4 v = uArr[k]; gl_FragColor = vec4(v[k], uArr[k - 1].w, 0.0, 0.0);")
-        << V{11, 8, 0, 0};
-    QTest::addRow("increments") << es1("", "float i = 1.0; float a = i++; float b = ++i; gl_FragColor = vec4(a, b, i, 0.0);")
-                                << V{1, 3, 3, 0};
-    QTest::addRow("vector comparisons")
-        << es1("", "bvec4 b = lessThan(uA, uB); gl_FragColor = vec4(b) + vec4(any(b) ? 10.0 : 0.0, all(b) ? 10.0 : 0.0, 0.0, 0.0);")
-        << V{10, 1, 0, 0};
-    QTest::addRow("whole-value equality")
-        << es1("", "gl_FragColor = vec4(uA == uA ? 1.0 : 0.0, uA != uB ? 1.0 : 0.0, uA.xy == vec2(1.5, -2.0) ? 1.0 : 0.0, 0.0);")
-        << V{1, 1, 1, 0};
-    QTest::addRow("transcendentals")
-        << es1("", "gl_FragColor = vec4(pow(uB.y, 1.5), exp(0.0 * uF), log2(uB.y), inversesqrt(uB.y));") << V{8, 1, 2, 0.5f};
-    QTest::addRow("textures") << es1("", "gl_FragColor = texture2D(uTex, uA.zw) + texture2D(uTex2, vec2(0.5 * uF));")
-                              << V{0.625f, 3.375f, 1, 2};
-    QTest::addRow("discard") << es1("", "if (uF > 0.5) discard; gl_FragColor = vec4(1.0);") << V{};
-    QTest::addRow("integers") << es3("", "int a = int(uA.w); int b = 7;\n"
-                                         "o = vec4(float(b / 2), float(b % 3), float(a << 2), float((b & 3) | 8));")
-                              << V{3, 1, 12, 11};
-    QTest::addRow("switch with fall-through")
-        << es3("", "float r = 0.0;\n"
-                   "switch (int(uA.w)) { case 1: r = 1.0; break; case 3: r = 3.0; case 4: r += 4.0; break; default: r = -1.0; }\n"
-                   "float d = 0.0; switch (int(uB.y)) { case 1: d = 1.0; break; default: d = 5.0; }\n"
-                   "o = vec4(r, d, 0.0, 0.0);")
-        << V{7, 5, 0, 0};
-    QTest::addRow("constant array")
-        << es3("const float k[3] = float[3](1.0, 2.0, 4.0);", "o = vec4(k[int(uA.w) - 1], k[0], 0.0, 0.0);") << V{4, 1, 0, 0};
-}
-
-void CCompilerSemanticsTest::loweredProgramComputesTheShader()
-{
-    QFETCH(QString, source);
-    QFETCH(QVector<float>, expected);
-    SCompilation compilation;
-    const bool bCompiled =
-        CompileSource(source.toStdString(), Stage_Fragment, CoreModel(Core_ZC3), DefaultSourceLimits(), compilation);
-    if (!bCompiled)
-    {
-        for (const SDiagnostic& diagnostic : compilation.aDiagnostics)
-            qWarning("%s", FormatDiagnostic(diagnostic).c_str());
-    }
-    QVERIFY(bCompiled);
-
-    CEchoSampler sampler;
-    CTxeMachine machine(compilation.program, &sampler);
-    machine.Set("uA", {{1.5f, -2.0f, 0.25f, 3.0f}});
-    machine.Set("uB", {{0.5f, 4.0f, -1.0f, 2.0f}});
-    machine.Set("uF", {{0.75f, 0, 0, 0}});
-    machine.Set("uArr", {{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 10, 11, 12}});
-    QVERIFY2(machine.Run(), machine.Error().c_str());
-    QCOMPARE(machine.Discarded(), expected.isEmpty());
-    if (expected.isEmpty())
-        return;
-    const SLanes result = machine.Output(0);
-    for (int i = 0; i < 4; ++i)
-        QVERIFY2(std::fabs(result[i] - expected[i]) < 1e-4f,
-                 qPrintable(QString("lane %1: got %2, expected %3").arg(i).arg(result[i]).arg(expected[i])));
-}
 
 QTEST_GUILESS_MAIN(CCompilerSemanticsTest)
 #include "tst_compiler_semantics.moc"
