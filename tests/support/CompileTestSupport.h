@@ -13,6 +13,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include <csignal>
 #include <unistd.h>
 
 namespace CompileTest
@@ -47,6 +48,15 @@ inline bool IsRunning(qint64 iPid)
 {
     const QByteArray State = StatFields(QString::number(iPid)).value(0);
     return !State.isEmpty() && State != "Z" && State != "X";
+}
+
+// Ends the process whose pid the file holds, if it still runs: what a failed test left behind,
+// so that one failure does not cascade.
+inline void KillIfRunning(const QString& PidFile)
+{
+    const qint64 iPid = ReadPid(PidFile);
+    if (iPid > 0 && IsRunning(iPid))
+        ::kill(static_cast<pid_t>(iPid), SIGKILL);
 }
 
 struct SChildren

@@ -75,12 +75,8 @@ void CHeadlessCompileTest::cleanup()
         m_Host.kill();
         m_Host.waitForFinished();
     }
-    for (const QString& File : {m_PidFile, m_OwnPidFile})
-    {
-        const qint64 iPid = ReadPid(File);
-        if (iPid > 0 && IsRunning(iPid))
-            ::kill(static_cast<pid_t>(iPid), SIGKILL);
-    }
+    KillIfRunning(m_PidFile);
+    KillIfRunning(m_OwnPidFile);
 }
 
 void CHeadlessCompileTest::UseCompiler(const QString& Executable)

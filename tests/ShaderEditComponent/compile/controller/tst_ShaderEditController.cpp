@@ -93,10 +93,9 @@ private slots:
     void HostileProfiles_data();
     void HostileProfiles();
     void CompileToFileWithHostileName();
-    void CancelEndsEverythingWithin2s();
+    void CancelAndTearDownEndEverything();
     void FloodIsCutWithinMemoryCap();
     void ThousandCompileCancelCycles();
-    void TearDownWithCompilesInFlight();
     void SelectionRerunsDetection();
     void SelectionResolvesExecutable_data();
     void SelectionResolvesExecutable();
@@ -226,22 +225,36 @@ void CShaderEditControllerTest::CompileToFileWithHostileName()
     QVERIFY(pRun->Log.startsWith(Name + ": "));
 }
 
-// The compiler and the child it forked, both hanging.
-void CShaderEditControllerTest::CancelEndsEverythingWithin2s()
+// The compiler and the child it forked, both hanging: a cancel ends them within 2 s, and so
+// does closing the controller with compiles in flight.
+void CShaderEditControllerTest::CancelAndTearDownEndEverything()
 {
-    const QString PidFile = m_Temp.filePath("cancel.pid");
+    const QString PidFile = m_Temp.filePath("forkhang.pid");
     CScopedEnv Env("ZAM_FAKE_PID_FILE", PidFile.toUtf8());
     auto pRun = Make(Fake("forkhang"));
     pRun->Compile("p", QStringLiteral("a\n"));
     qint64 iForked = 0;
     QTRY_VERIFY_WITH_TIMEOUT((iForked = ReadPid(PidFile)) > 0, 10000);
-
     pRun->Controller.OnCancelCompile(CZamTHash("p"));
     QCOMPARE(pRun->Names.last(), QStringLiteral("End"));
     QTRY_VERIFY_WITH_TIMEOUT(CCompiler::GetLiveCount() == 0 && Children().iLiving + Children().iZombies == 0, 2000);
     QTRY_VERIFY_WITH_TIMEOUT(!IsRunning(iForked), 2000);
     QCOMPARE(pRun->iResults, 0); // superseded: no result
     QCOMPARE(pRun->Controller.GetCompilesInFlight(), 0);
+
+    QFile::remove(PidFile);
+    pRun->Compile("a", QStringLiteral("x\n"));
+    pRun->Compile("b", QStringLiteral("y\n"));
+    pRun->Compile("a", QStringLiteral("z\n"));
+    QTRY_VERIFY_WITH_TIMEOUT((iForked = ReadPid(PidFile)) > 0, 10000);
+    QCOMPARE(CCompiler::GetLiveCount(), 3);
+    QElapsedTimer Clock;
+    Clock.start();
+    pRun.reset();
+    QVERIFY(Clock.elapsed() < 2000);
+    QCOMPARE(CCompiler::GetLiveCount(), 0);
+    QCOMPARE(Children().iLiving, 0);
+    QTRY_VERIFY_WITH_TIMEOUT(!IsRunning(iForked), 2000);
 }
 
 void CShaderEditControllerTest::FloodIsCutWithinMemoryCap()
@@ -280,27 +293,6 @@ void CShaderEditControllerTest::ThousandCompileCancelCycles()
     pRun->Compile("p", QStringLiteral("x\n"));
     QTRY_COMPARE_WITH_TIMEOUT(pRun->iResults, 1, 30000);
     QCOMPARE(pRun->Last.iStatus, 0);
-}
-
-void CShaderEditControllerTest::TearDownWithCompilesInFlight()
-{
-    const QString PidFile = m_Temp.filePath("teardown.pid");
-    CScopedEnv Env("ZAM_FAKE_PID_FILE", PidFile.toUtf8());
-    auto pRun = Make(Fake("forkhang"));
-    pRun->Compile("a", QStringLiteral("x\n"));
-    pRun->Compile("b", QStringLiteral("y\n"));
-    pRun->Compile("a", QStringLiteral("z\n"));
-    qint64 iForked = 0;
-    QTRY_VERIFY_WITH_TIMEOUT((iForked = ReadPid(PidFile)) > 0, 10000);
-    QCOMPARE(CCompiler::GetLiveCount(), 3);
-
-    QElapsedTimer Clock;
-    Clock.start();
-    pRun.reset();
-    QVERIFY(Clock.elapsed() < 2000);
-    QCOMPARE(CCompiler::GetLiveCount(), 0);
-    QCOMPARE(Children().iLiving, 0);
-    QTRY_VERIFY_WITH_TIMEOUT(!IsRunning(iForked), 2000);
 }
 
 // A banner without options: the background flags go, announced when the answer arrives.

@@ -90,9 +90,6 @@ private slots:
     void OutputFilesMustBeRegularFiles();
 
 private:
-    // Ends what a failed test left running, so that one failure does not cascade.
-    void KillLeftovers();
-
     QTemporaryDir m_Temp;
     QString m_PidFile;
     QString m_OwnPidFile;
@@ -115,18 +112,9 @@ void CCompilerProcessesTest::init()
 
 void CCompilerProcessesTest::cleanup()
 {
-    KillLeftovers();
+    KillIfRunning(m_PidFile);
+    KillIfRunning(m_OwnPidFile);
     QTRY_COMPARE_WITH_TIMEOUT(Children().iLiving + Children().iZombies, 0, 5000);
-}
-
-void CCompilerProcessesTest::KillLeftovers()
-{
-    for (const QString& File : {m_PidFile, m_OwnPidFile})
-    {
-        const qint64 iPid = ReadPid(File);
-        if (iPid > 0 && IsRunning(iPid))
-            ::kill(static_cast<pid_t>(iPid), SIGKILL);
-    }
 }
 
 void CCompilerProcessesTest::EndIsJudgedByTheOutput_data()
