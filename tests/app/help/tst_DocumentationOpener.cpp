@@ -30,16 +30,18 @@ bool WriteFile(const QString& Path)
     return File.open(QIODevice::WriteOnly) && File.write("%PDF-1.4\n") > 0;
 }
 
-// Records everything the opener asks of the desktop and the user.
-struct SRecorder
+// An opener on a fresh store that records everything it asks of the desktop and the user.
+struct SOpening
 {
-    QStringList Opened;            // local paths handed to the viewer
-    QStringList Refused;           // paths the viewer is to fail on
-    QStringList Warnings;          // "title: text"
-    QStringList ChooserCalls;      // "title|filter"
-    QString Choice;                // what the user picks in the file chooser
+    std::unique_ptr<CZamPreferences> pStore = LoadStore();
+    CDocumentationOpener Opener{*pStore};
+    QStringList Opened;       // local paths handed to the viewer
+    QStringList Refused;      // paths the viewer is to fail on
+    QStringList Warnings;     // "title: text"
+    QStringList ChooserCalls; // "title|filter"
+    QString Choice;           // what the user picks in the file chooser
 
-    void Attach(CDocumentationOpener& Opener)
+    SOpening()
     {
         Opener.SetUrlOpener([this](const QUrl& Url) {
             Opened << Url.toLocalFile();
@@ -85,22 +87,21 @@ void CDocumentationOpenerTest::init()
 void CDocumentationOpenerTest::CandidatesInOrder()
 {
     const QString AppDir = QCoreApplication::applicationDirPath();
-    std::unique_ptr<CZamPreferences> pStore = LoadStore();
-    CDocumentationOpener Opener(*pStore);
+    SOpening Doc;
     const QString Beside = QDir::cleanPath(AppDir + QStringLiteral("/../Documentation/") + kFileName);
     const QString Installed = QDir::cleanPath(AppDir + QStringLiteral("/../share/doc/zamshadereditor/") + kFileName);
-    QCOMPARE(Opener.Candidates(QStringLiteral("../Documentation/"), kFileName), QStringList({Beside, Installed}));
+    QCOMPARE(Doc.Opener.Candidates(QStringLiteral("../Documentation/"), kFileName), QStringList({Beside, Installed}));
 
     // A relative directory is the executable's, not the working directory's.
     const QString Before = QDir::currentPath();
     QVERIFY(QDir::setCurrent(m_Files.path()));
-    QCOMPARE(Opener.Candidates(QStringLiteral("../Documentation/"), kFileName).value(0), Beside);
+    QCOMPARE(Doc.Opener.Candidates(QStringLiteral("../Documentation/"), kFileName).value(0), Beside);
     QVERIFY(QDir::setCurrent(Before));
 
-    pStore->SetString(kKey, QStringLiteral("/somewhere/chosen.pdf"));
-    QCOMPARE(Opener.Candidates(QStringLiteral("../Documentation/"), kFileName),
+    Doc.pStore->SetString(kKey, QStringLiteral("/somewhere/chosen.pdf"));
+    QCOMPARE(Doc.Opener.Candidates(QStringLiteral("../Documentation/"), kFileName),
              QStringList({QStringLiteral("/somewhere/chosen.pdf"), Beside, Installed}));
-    QCOMPARE(Opener.Candidates(m_Files.path(), kFileName).value(1), QDir(m_Files.path()).filePath(kFileName));
+    QCOMPARE(Doc.Opener.Candidates(m_Files.path(), kFileName).value(1), QDir(m_Files.path()).filePath(kFileName));
 }
 
 void CDocumentationOpenerTest::FirstCandidateThatOpensWins()
@@ -108,26 +109,22 @@ void CDocumentationOpenerTest::FirstCandidateThatOpensWins()
     const QString Folder = m_Files.filePath(QStringLiteral("docs"));
     const QString InFolder = QDir(Folder).filePath(kFileName);
     QVERIFY(WriteFile(InFolder));
-    std::unique_ptr<CZamPreferences> pStore = LoadStore();
+    SOpening Doc;
     // A remembered location that has gone since is skipped, and never handed to the viewer.
-    pStore->SetString(kKey, m_Files.filePath(QStringLiteral("moved-away.pdf")));
-
-    CDocumentationOpener Opener(*pStore);
-    SRecorder Recorder;
-    Recorder.Attach(Opener);
-    QVERIFY(Opener.Open(nullptr, Folder, kFileName));
-    QCOMPARE(Recorder.Opened, QStringList({InFolder}));
-    QVERIFY(Recorder.Warnings.isEmpty() && Recorder.ChooserCalls.isEmpty());
+    Doc.pStore->SetString(kKey, m_Files.filePath(QStringLiteral("moved-away.pdf")));
+    QVERIFY(Doc.Opener.Open(nullptr, Folder, kFileName));
+    QCOMPARE(Doc.Opened, QStringList({InFolder}));
+    QVERIFY(Doc.Warnings.isEmpty() && Doc.ChooserCalls.isEmpty());
 
     // A viewer that fails on the remembered file: the next candidate is tried.
     const QString Chosen = m_Files.filePath(QStringLiteral("chosen.pdf"));
     QVERIFY(WriteFile(Chosen));
-    pStore->SetString(kKey, Chosen);
-    Recorder.Opened.clear();
-    Recorder.Refused = {Chosen};
-    QVERIFY(Opener.Open(nullptr, Folder, kFileName));
-    QCOMPARE(Recorder.Opened, QStringList({Chosen, InFolder}));
-    QVERIFY(Recorder.Warnings.isEmpty());
+    Doc.pStore->SetString(kKey, Chosen);
+    Doc.Opened.clear();
+    Doc.Refused = {Chosen};
+    QVERIFY(Doc.Opener.Open(nullptr, Folder, kFileName));
+    QCOMPARE(Doc.Opened, QStringList({Chosen, InFolder}));
+    QVERIFY(Doc.Warnings.isEmpty());
 }
 
 void CDocumentationOpenerTest::MissingFileIsLocatedOnceAndRemembered()
@@ -137,61 +134,47 @@ void CDocumentationOpenerTest::MissingFileIsLocatedOnceAndRemembered()
     const QString Located = m_Files.filePath(QStringLiteral("elsewhere/The Manual.pdf"));
     QVERIFY(WriteFile(Located));
     {
-        std::unique_ptr<CZamPreferences> pStore = LoadStore();
-        CDocumentationOpener Opener(*pStore);
-        SRecorder Recorder;
-        Recorder.Attach(Opener);
-        Recorder.Choice = Located;
-        QVERIFY(Opener.Open(nullptr, Empty, kFileName));
-        QCOMPARE(Recorder.Warnings, QStringList({QStringLiteral("Documentation File Not Found: Please locate the file: ") + kFileName}));
-        QCOMPARE(Recorder.ChooserCalls,
-                 QStringList({QStringLiteral("Open Source File|Portable Document Format (*.pdf)")}));
-        QCOMPARE(Recorder.Opened, QStringList({Located}));
+        SOpening Doc;
+        Doc.Choice = Located;
+        QVERIFY(Doc.Opener.Open(nullptr, Empty, kFileName));
+        QCOMPARE(Doc.Warnings, QStringList({QStringLiteral("Documentation File Not Found: Please locate the file: ") + kFileName}));
+        QCOMPARE(Doc.ChooserCalls, QStringList({QStringLiteral("Open Source File|Portable Document Format (*.pdf)")}));
+        QCOMPARE(Doc.Opened, QStringList({Located}));
     }
     // A later run opens it directly, though the given directory still lacks it.
-    std::unique_ptr<CZamPreferences> pStore = LoadStore();
-    QCOMPARE(pStore->GetString(kKey), Located);
-    CDocumentationOpener Opener(*pStore);
-    SRecorder Recorder;
-    Recorder.Attach(Opener);
-    QVERIFY(Opener.Open(nullptr, Empty, kFileName));
-    QCOMPARE(Recorder.Opened, QStringList({Located}));
-    QVERIFY(Recorder.Warnings.isEmpty() && Recorder.ChooserCalls.isEmpty());
+    SOpening Doc;
+    QCOMPARE(Doc.pStore->GetString(kKey), Located);
+    QVERIFY(Doc.Opener.Open(nullptr, Empty, kFileName));
+    QCOMPARE(Doc.Opened, QStringList({Located}));
+    QVERIFY(Doc.Warnings.isEmpty() && Doc.ChooserCalls.isEmpty());
 }
 
 void CDocumentationOpenerTest::FailuresAreReported()
 {
     const QString Empty = m_Files.filePath(QStringLiteral("nothing-here"));
-    std::unique_ptr<CZamPreferences> pStore = LoadStore();
-    CDocumentationOpener Opener(*pStore);
-    SRecorder Recorder;
-    Recorder.Attach(Opener);
-
+    SOpening Doc;
     // The user cancels the chooser: nothing opened, nothing remembered.
-    QVERIFY(!Opener.Open(nullptr, Empty, kFileName));
-    QCOMPARE(Recorder.Warnings.size(), 1);
-    QCOMPARE(Recorder.ChooserCalls.size(), 1);
-    QVERIFY(Recorder.Opened.isEmpty());
+    QVERIFY(!Doc.Opener.Open(nullptr, Empty, kFileName));
+    QCOMPARE(Doc.Warnings.size(), 1);
+    QCOMPARE(Doc.ChooserCalls.size(), 1);
+    QVERIFY(Doc.Opened.isEmpty());
 
-    // The chosen file exists but no viewer takes it: told, and not remembered.
-    const QString Chosen = m_Files.filePath(QStringLiteral("broken.pdf"));
-    QVERIFY(WriteFile(Chosen));
-    Recorder.Choice = Chosen;
-    Recorder.Refused = {Chosen};
-    Recorder.Warnings.clear();
-    QVERIFY(!Opener.Open(nullptr, Empty, kFileName));
-    QCOMPARE(Recorder.Warnings.size(), 2);
-    QVERIFY(Recorder.Warnings[1].startsWith(QStringLiteral("File Open Failed: ")));
-    QVERIFY(Recorder.Warnings[1].contains(QStringLiteral("broken.pdf")));
-
-    // A chosen file that does not exist is a failure too, whatever the viewer would say.
-    Recorder.Choice = m_Files.filePath(QStringLiteral("typed-by-hand.pdf"));
-    Recorder.Refused.clear();
-    Recorder.Opened.clear();
-    Recorder.Warnings.clear();
-    QVERIFY(!Opener.Open(nullptr, Empty, kFileName));
-    QVERIFY(Recorder.Opened.isEmpty());
-    QVERIFY(Recorder.Warnings.value(1).startsWith(QStringLiteral("File Open Failed: ")));
+    // The chosen file exists but no viewer takes it, or it does not exist whatever the viewer
+    // would say: told, and not remembered.
+    const QString Broken = m_Files.filePath(QStringLiteral("broken.pdf"));
+    QVERIFY(WriteFile(Broken));
+    for (const QString& Chosen : {Broken, m_Files.filePath(QStringLiteral("typed-by-hand.pdf"))})
+    {
+        Doc.Choice = Chosen;
+        Doc.Refused = {Broken};
+        Doc.Opened.clear();
+        Doc.Warnings.clear();
+        QVERIFY(!Doc.Opener.Open(nullptr, Empty, kFileName));
+        QCOMPARE(Doc.Warnings.size(), 2);
+        QVERIFY2(Doc.Warnings[1].startsWith(QStringLiteral("File Open Failed: ")), qPrintable(Doc.Warnings[1]));
+        QVERIFY(Doc.Warnings[1].contains(QFileInfo(Chosen).fileName()));
+        QCOMPARE(Doc.Opened.isEmpty(), Chosen != Broken);
+    }
     QVERIFY(!LoadStore()->HasKey(kKey));
 }
 

@@ -110,9 +110,7 @@ void CHelpDialogsTest::AboutBoxShowAtStartupPersists()
         std::unique_ptr<CZamPreferences> pStore = LoadStore();
         CAboutBoxDialog Box(nullptr, kAppText, kSplash, *pStore, false);
         QCheckBox* pShow = Box.findChild<QCheckBox*>(QStringLiteral("ShowAtStartUpCB"));
-        QVERIFY(pShow);
-        QCOMPARE(pShow->text(), QStringLiteral("Show at startup"));
-        QVERIFY(pShow->isChecked());
+        QVERIFY(pShow && pShow->isChecked());
         QVERIFY(RunAndAnswer(Box));
         // Only looking at the box writes nothing.
         QVERIFY(!LoadStore()->HasKey(CAboutBoxDialog::ShowSplashKey()));
@@ -143,9 +141,7 @@ void CHelpDialogsTest::AboutBoxShowAtStartupPersists()
     QVERIFY(RunAndAnswer(Splash));
 
     // Stored once, in the About group.
-    QFile File(pStore->GetFilePath());
-    QVERIFY(File.open(QIODevice::ReadOnly));
-    const QByteArray Bytes = File.readAll();
+    const QByteArray Bytes = TestFiles::ReadAll(pStore->GetFilePath());
     QCOMPARE(Bytes.count("<key>About</key>"), 1);
     QCOMPARE(Bytes.count("<key>ShowSplash</key>"), 1);
 }
@@ -154,7 +150,6 @@ void CHelpDialogsTest::AboutBoxWidgetsAndLinks()
 {
     std::unique_ptr<CZamPreferences> pStore = LoadStore();
     CAboutBoxDialog Box(nullptr, kAppText, kSplash, *pStore, true);
-    QCOMPARE(Box.objectName(), QStringLiteral("AboutBoxClass"));
 
     // The splash image is the background, and the box has exactly its size.
     const QPixmap Splash(kSplash);
@@ -163,15 +158,6 @@ void CHelpDialogsTest::AboutBoxWidgetsAndLinks()
     QCOMPARE(Box.maximumSize(), Splash.size());
     QCOMPARE(Box.palette().brush(QPalette::Window).texture().size(), Splash.size());
 
-    const QStringList Labels = {QStringLiteral("AppVersionLabel"), QStringLiteral("UsesLabel"),
-                                QStringLiteral("VersionLabel"),    QStringLiteral("EmailLabel"),
-                                QStringLiteral("WebsiteLabel"),    QStringLiteral("label")};
-    for (const QString& Name : Labels)
-    {
-        const QLabel* pLabel = Box.findChild<QLabel*>(Name);
-        QVERIFY2(pLabel, qPrintable(Name));
-        QCOMPARE(pLabel->styleSheet(), QStringLiteral("color: rgb(255, 255, 255);"));
-    }
     const QString AppVersion = Box.findChild<QLabel*>(QStringLiteral("AppVersionLabel"))->text();
     const QRegularExpressionMatch Build =
         QRegularExpression(QStringLiteral("^ZamShaderEditor 2\\.0 \\(SDK build (\\d+\\.\\d+\\.\\d+)@(\\d+)\\)$")).match(AppVersion);
@@ -179,12 +165,8 @@ void CHelpDialogsTest::AboutBoxWidgetsAndLinks()
     QCOMPARE(Build.captured(1), QStringLiteral(ZAM_TEST_PROJECT_VERSION));
     if (QFileInfo::exists(TestFiles::SourceDir() + QStringLiteral("/.git")))
         QVERIFY(Build.captured(2).toInt() > 0);
-    QCOMPARE(Box.findChild<QLabel*>(QStringLiteral("UsesLabel"))->text(), QStringLiteral("Uses"));
     const QStringList Libraries = Box.findChild<QLabel*>(QStringLiteral("VersionLabel"))->text().split(QStringLiteral(" | "));
     QCOMPARE(Libraries.value(0), QStringLiteral("Qt version ") + QString::fromLatin1(qVersion()));
-    QVERIFY(Libraries.contains(QStringLiteral("TinyXML 2.6.2")));
-    QCOMPARE(Box.findChild<QPushButton*>(QStringLiteral("OkButton"))->text(), QStringLiteral("OK"));
-    QVERIFY(Box.findChild<QLabel*>(QStringLiteral("label"))->text().contains(QStringLiteral("Brenmoor Systems")));
 
     // Both links go to the desktop's opener as they stand in the labels.
     QList<QUrl> Opened;
@@ -209,14 +191,6 @@ void CHelpDialogsTest::FeedbackIdentifiesBuildAndMailLink()
     // Characters that a hand-built link would get wrong.
     const QString AppText = QStringLiteral("Zam & Co \u00FCber+50% #1?");
     CFeedbackDialog Dialog(nullptr, AppText);
-    QCOMPARE(Dialog.objectName(), QStringLiteral("FeedbackClass"));
-    QCOMPARE(Dialog.findChild<QLabel*>(QStringLiteral("ForumLabel"))->text(),
-             QStringLiteral("Post your feedback in the Zamrix Circle Forum:"));
-    QVERIFY(Dialog.findChild<QLabel*>(QStringLiteral("SupportEmailLabel"))->text().startsWith(QStringLiteral("Send your feedback to ")));
-    QCOMPARE(Dialog.findChild<QLabel*>(QStringLiteral("RequiredTextLabel"))->text(),
-             QStringLiteral("Please include the following text in your feedback"));
-    QCOMPARE(Dialog.findChild<QLabel*>(QStringLiteral("SelectAndCopyLabel"))->text(),
-             QStringLiteral("Select text [Ctrl+A] and copy [Ctrl + C]."));
     QVERIFY(LinkOf(Dialog.findChild<QLabel*>(QStringLiteral("ForumURL"))).startsWith(QStringLiteral("https://")));
 
     // The identification names the build, the toolkit and the system.
