@@ -43,7 +43,6 @@ class CInstanceMessageTest : public QObject
 
 private slots:
     void Decoding();
-    void HandOverFromArguments();
     void PrivateFolders();
     void PeerUser();
 };
@@ -77,21 +76,6 @@ void CInstanceMessageTest::Decoding()
         QVERIFY2(Refusal.Error.contains(Case.second), qPrintable(Case.first.toPercentEncoding() + ": " + Refusal.Error));
         QCOMPARE(Refusal.Text, QString());
     }
-}
-
-void CInstanceMessageTest::HandOverFromArguments()
-{
-    QTemporaryDir Folder;
-    QVERIFY(Folder.isValid());
-    const QString Shader = Folder.filePath(QStringLiteral("lit.frag"));
-    QFile File(Shader);
-    QVERIFY(File.open(QIODevice::WriteOnly));
-
-    QCOMPARE(HandOverMessage({"zamshadereditor"}), QStringLiteral("raisebanana"));
-    QCOMPARE(HandOverMessage({"zamshadereditor", Shader, Folder.filePath("missing.frag")}), Shader);
-    QCOMPARE(HandOverMessage({"zamshadereditor", Folder.filePath("missing.frag"), Shader}), QString());
-    QCOMPARE(HandOverMessage({"zamshadereditor", QString()}), QString());
-    // (Relative names, resolved in the second start's folder, are checked between processes.)
 }
 
 void CInstanceMessageTest::PrivateFolders()

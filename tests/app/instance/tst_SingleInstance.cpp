@@ -253,11 +253,10 @@ private slots:
     void initTestCase();
     void HandOverBetweenProcesses_data();
     void HandOverBetweenProcesses();
-    void ConcurrentStarts();
-    void BusyFirstInstance();
+    void ConcurrentFirstStarts();
+    void ManySecondStartsAtOnce();
     void CrashedFirstInstance();
-    void MalformedMessages();
-    void SlowAndSilentSenders();
+    void BadSendersLeaveTheInstanceServing();
     void OtherUsersAreKeptOut();
 };
 
@@ -313,7 +312,7 @@ void CSingleInstanceTest::HandOverBetweenProcesses()
     QCOMPARE(Next.SortedReport(), QStringList({"message " + Shader}));
 }
 
-void CSingleInstanceTest::ConcurrentStarts()
+void CSingleInstanceTest::ConcurrentFirstStarts()
 {
     CSession Session;
     // Five first starts at once: one becomes the instance, the others hand their file to it.
@@ -356,38 +355,32 @@ void CSingleInstanceTest::ConcurrentStarts()
     QCOMPARE(Received, AsMessages(Handed));
     Winner.closeWriteChannel();
     QVERIFY(Winner.waitForFinished(WaitMs));
-
-    // Twenty second starts at once, each with its own file: all twenty arrive.
-    CFirstInstance First(Session);
-    QVERIFY(First.WaitForLines(0));
-    const QStringList Files = MakeFiles(Session, QStringLiteral("shader"), 20);
-    ProcessList Seconds = StartEach(Session, Files);
-    for (const auto& pSecond : Seconds)
-        QCOMPARE(SecondStartFault(*pSecond), QString());
-    QVERIFY(First.WaitForLines(20));
-    QCOMPARE(First.SortedReport(), AsMessages(Files));
 }
 
-void CSingleInstanceTest::BusyFirstInstance()
+void CSingleInstanceTest::ManySecondStartsAtOnce()
 {
     CSession Session;
     CFirstInstance First(Session);
     QVERIFY(First.WaitForLines(0));
-    const QString Release = Session.Path(QStringLiteral("compile-finished"));
-    First.Command(QStringLiteral("block ") + Release);
-    QVERIFY(First.WaitForLines(1));
+    const QStringList Files = MakeFiles(Session, QStringLiteral("shader"), 20);
+    for (const auto& pSecond : StartEach(Session, Files))
+        QCOMPARE(SecondStartFault(*pSecond), QString());
+    QVERIFY(First.WaitForLines(20));
+    QCOMPARE(First.SortedReport(), AsMessages(Files));
 
     // The instance's event loop stays blocked until the release file exists, so every second
     // start below finishes while nobody accepts: the kernel queues the connections.
-    const QStringList Files = MakeFiles(Session, QStringLiteral("queued"), 20);
-    ProcessList Seconds = StartEach(Session, Files);
-    for (const auto& pSecond : Seconds)
+    const QString Release = Session.Path(QStringLiteral("compile-finished"));
+    First.Command(QStringLiteral("block ") + Release);
+    QVERIFY(First.WaitForLines(21));
+    const QStringList Queued = MakeFiles(Session, QStringLiteral("queued"), 20);
+    for (const auto& pSecond : StartEach(Session, Queued))
         QCOMPARE(SecondStartFault(*pSecond), QString());
-    QCOMPARE(First.Collect().size(), 2);
+    QCOMPARE(First.Collect().size(), 22);
 
     QVERIFY(!Session.MakeFile(QStringLiteral("compile-finished")).isEmpty());
-    QVERIFY(First.WaitForLines(22));
-    QStringList Expected = AsMessages(Files);
+    QVERIFY(First.WaitForLines(43));
+    QStringList Expected = AsMessages(Files + Queued);
     Expected << "blocking " + Release << "unblocked " + Release;
     Expected.sort();
     QCOMPARE(First.SortedReport(), Expected);
@@ -418,35 +411,13 @@ void CSingleInstanceTest::CrashedFirstInstance()
     QVERIFY(SegmentExists(Session.Path(), Key));
 }
 
-void CSingleInstanceTest::MalformedMessages()
-{
-    CSession Session;
-    CFirstInstance First(Session);
-    QVERIFY(First.WaitForLines(0));
-    const QString Shader = Session.MakeFile(QStringLiteral("valid.frag"));
-    const QByteArray Path = QFile::encodeName(Shader);
-
-    QVERIFY(SendRaw(Session.ServerPath(), "/tmp/\xFF\xFE\xC0\xAF.frag"));
-    QVERIFY(SendRaw(Session.ServerPath(), Path + QByteArray("\0.frag", 6)));
-    QVERIFY(SendRaw(Session.ServerPath(), QByteArray()));
-    // The instance cuts the connection once the limit is passed, so the write may fail.
-    SendRaw(Session.ServerPath(), QByteArray(1024 * 1024, 'a'));
-    QVERIFY(First.WaitForError(QStringLiteral("not valid UTF-8")));
-    QVERIFY(First.WaitForError(QStringLiteral("NUL byte")));
-    QVERIFY(First.WaitForError(QStringLiteral("longer than 65536 bytes")));
-
-    QCOMPARE(RunSecondStart(Session, {Shader}), QString());
-    QVERIFY(First.WaitForLines(1));
-    QCOMPARE(First.SortedReport(), QStringList({"message " + Shader}));
-    QCOMPARE(First.Process().state(), QProcess::Running);
-}
-
-void CSingleInstanceTest::SlowAndSilentSenders()
+void CSingleInstanceTest::BadSendersLeaveTheInstanceServing()
 {
     CSession Session;
     CFirstInstance First(Session);
     QVERIFY(First.WaitForLines(0));
 
+    // A silent connection and a slow one stay open meanwhile.
     QLocalSocket Silent;
     Silent.connectToServer(Session.ServerPath());
     QVERIFY(Silent.waitForConnected(WaitMs));
@@ -458,8 +429,18 @@ void CSingleInstanceTest::SlowAndSilentSenders()
     Slow.write(Long.left(1000));
     QVERIFY(Slow.waitForBytesWritten(WaitMs));
 
-    // Neither holds up a normal second start.
-    const QString Shader = Session.MakeFile(QStringLiteral("meanwhile.frag"));
+    const QString Shader = Session.MakeFile(QStringLiteral("valid.frag"));
+    const QByteArray Path = QFile::encodeName(Shader);
+    QVERIFY(SendRaw(Session.ServerPath(), "/tmp/\xFF\xFE\xC0\xAF.frag"));
+    QVERIFY(SendRaw(Session.ServerPath(), Path + QByteArray("\0.frag", 6)));
+    QVERIFY(SendRaw(Session.ServerPath(), QByteArray()));
+    // The instance cuts the connection once the limit is passed, so the write may fail.
+    SendRaw(Session.ServerPath(), QByteArray(1024 * 1024, 'a'));
+    QVERIFY(First.WaitForError(QStringLiteral("not valid UTF-8")));
+    QVERIFY(First.WaitForError(QStringLiteral("NUL byte")));
+    QVERIFY(First.WaitForError(QStringLiteral("longer than 65536 bytes")));
+
+    // None of them holds up a normal second start.
     QCOMPARE(RunSecondStart(Session, {Shader}), QString());
     QVERIFY(First.WaitForLines(1));
     QCOMPARE(First.SortedReport(), QStringList({"message " + Shader}));
@@ -473,6 +454,7 @@ void CSingleInstanceTest::SlowAndSilentSenders()
     // The silent one is dropped after its time.
     QVERIFY(Silent.state() == QLocalSocket::UnconnectedState || Silent.waitForDisconnected(WaitMs));
     QVERIFY(First.WaitForError(QStringLiteral("no complete message within 5000 ms")));
+    QCOMPARE(First.Process().state(), QProcess::Running);
 }
 
 void CSingleInstanceTest::OtherUsersAreKeptOut()
