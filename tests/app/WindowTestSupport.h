@@ -45,6 +45,16 @@ inline std::unique_ptr<ZamShaderEditorWindow> NewWindow(CGUIController& GUI, con
     return std::make_unique<ZamShaderEditorWindow>(Options);
 }
 
+template <typename T> T* Child(const QWidget& Window, const char* pName)
+{
+    return Window.findChild<T*>(QLatin1String(pName));
+}
+
+inline QPlainTextEdit* LogOf(const QWidget& Window)
+{
+    return Child<QPlainTextEdit>(Window, "ShaderEditLogOutput");
+}
+
 // What the window tests set up alike: a preference folder made anew for every test, a folder
 // for the test's files, and the process's controller on them. Test classes derive from it.
 class CWindowFixture
@@ -76,7 +86,7 @@ protected:
         pWindow->show();
         if (!QTest::qWaitForWindowExposed(pWindow.get()))
             return nullptr;
-        auto* pLog = pWindow->findChild<QPlainTextEdit*>(QStringLiteral("ShaderEditLogOutput"));
+        QPlainTextEdit* pLog = LogOf(*pWindow);
         if (!pLog || !QTest::qWaitFor([pLog] { return pLog->toPlainText().contains(QStringLiteral("Compile")); }, iWaitMs))
             return nullptr;
         return pWindow;

@@ -94,15 +94,6 @@ private slots:
     void SourceLinesAndInstructionsFindEachOther();
     void LastGoodResultStaysWhileTheTextDoesNotCompile();
     void EachEditShowsWhatItCost();
-
-private:
-    template <typename T> T* Find(const ZamShaderEditorWindow& Window, const char* pName)
-    {
-        T* pWidget = Window.findChild<T*>(QLatin1String(pName));
-        if (!pWidget)
-            qFatal("no %s", pName);
-        return pWidget;
-    }
 };
 
 void CCompileInsightTest::initTestCase()
@@ -136,6 +127,12 @@ void CCompileInsightTest::MessagesAreMarkedInTheText()
     const QPoint OnLine10(6, pPanel->cursorRect(QTextCursor(pPanel->document()->findBlockByNumber(9))).center().y());
     QCOMPARE(pPanel->GutterToolTip(CLineNumberArea::Kind_LineNumbers, OnLine10), pPanel->GetCompileMessages(9));
     QCOMPARE(pGutter->grab().toImage().pixelColor(0, OnLine10.y()).name(), Red);
+    // A double-click on the log's error line takes the cursor there.
+    QPlainTextEdit* pLog = LogOf(*pWindow);
+    const QRect LogLine = pLog->cursorRect(QTextCursor(pLog->document()->find(QStringLiteral("ERROR: 0:10:")).block()));
+    QTest::mouseDClick(pLog->viewport(), Qt::LeftButton, Qt::NoModifier, LogLine.center() + QPoint(20, 0));
+    QCOMPARE(pPanel->textCursor().blockNumber(), 9);
+    QVERIFY(pPanel->hasFocus());
 
     // A line added above moves the marks at once, before the next result arrives.
     QSignalSpy Results(pWindow->GetEditController(), &CShaderEditController::PanelResultChanged);
@@ -167,7 +164,7 @@ void CCompileInsightTest::SourceLinesAndInstructionsFindEachOther()
     auto pWindow = OpenCompiled(NewFile(QStringLiteral("follow.frag"), s_pShader), s_iWait);
     QVERIFY(pWindow);
     CShaderEditPanel* pPanel = pWindow->GetEditor()->GetCurrentPanel();
-    auto* pDisassembly = Find<QPlainTextEdit>(*pWindow, "OutputTextEdit");
+    auto* pDisassembly = Child<QPlainTextEdit>(*pWindow, "OutputTextEdit");
     QTRY_VERIFY_WITH_TIMEOUT(pDisassembly->toPlainText().contains(QStringLiteral("; index")), s_iWait);
 
     // The cursor on line 9 lights that line's instructions, and the view shows the first.
@@ -197,7 +194,7 @@ void CCompileInsightTest::SourceLinesAndInstructionsFindEachOther()
     const QString Effect = QDir(SourceDir()).filePath(QStringLiteral("examples/bloom_postprocess.zfx"));
     pWindow->OnOpenFile(Effect);
     CShaderEditPanel* pEffect = pWindow->GetEditor()->GetCurrentPanel();
-    auto* pSelector = Find<QComboBox>(*pWindow, "ShaderSelectCombo");
+    auto* pSelector = Child<QComboBox>(*pWindow, "ShaderSelectCombo");
     QTRY_COMPARE_WITH_TIMEOUT(pSelector->count(), 3, s_iWait);
     QCOMPARE(pSelector->currentText(), QStringLiteral("FullScreenVS"));
     PutCursorOnLine(pEffect, 79); // fragColour = ... in BrightPassFS, whose code starts at line 57
@@ -215,9 +212,9 @@ void CCompileInsightTest::LastGoodResultStaysWhileTheTextDoesNotCompile()
     auto pWindow = OpenCompiled(NewFile(QStringLiteral("stale.frag"), s_pShader), s_iWait);
     QVERIFY(pWindow);
     CShaderEditPanel* pPanel = pWindow->GetEditor()->GetCurrentPanel();
-    auto* pLog = Find<QPlainTextEdit>(*pWindow, "ShaderEditLogOutput");
-    auto* pDisassembly = Find<QPlainTextEdit>(*pWindow, "OutputTextEdit");
-    auto* pCycles = Find<QLabel>(*pWindow, "EmulatedCycles");
+    QPlainTextEdit* pLog = LogOf(*pWindow);
+    auto* pDisassembly = Child<QPlainTextEdit>(*pWindow, "OutputTextEdit");
+    auto* pCycles = Child<QLabel>(*pWindow, "EmulatedCycles");
     auto* pASMStale = pDisassembly->parentWidget()->findChild<QLabel*>(QStringLiteral("StaleLabel"));
     auto* pProfileStale = pCycles->window()
                               ->findChild<QWidget*>(QStringLiteral("ProfileWindow"))
@@ -273,10 +270,10 @@ void CCompileInsightTest::EachEditShowsWhatItCost()
     auto pWindow = OpenCompiled(NewFile(QStringLiteral("cost.frag"), s_pShader), s_iWait);
     QVERIFY(pWindow);
     CShaderEditPanel* pPanel = pWindow->GetEditor()->GetCurrentPanel();
-    auto* pLog = Find<QPlainTextEdit>(*pWindow, "ShaderEditLogOutput");
-    auto* pCycles = Find<QLabel>(*pWindow, "EmulatedCycles");
-    auto* pStatus = Find<QLabel>(*pWindow, "CompileChangeLabel");
-    auto* pChange = Find<QLabel>(*pWindow, "ChangeLabel");
+    QPlainTextEdit* pLog = LogOf(*pWindow);
+    auto* pCycles = Child<QLabel>(*pWindow, "EmulatedCycles");
+    auto* pStatus = Child<QLabel>(*pWindow, "CompileChangeLabel");
+    auto* pChange = Child<QLabel>(*pWindow, "ChangeLabel");
     QTRY_VERIFY_WITH_TIMEOUT(pLog->toPlainText().contains(QStringLiteral("Compile succeeded")), s_iWait);
     // A first result has nothing to compare with.
     QVERIFY(pStatus->text().isEmpty());

@@ -133,7 +133,7 @@ void CIncludesAndCoresTest::IncludedHeadersCompileAndOpenAtTheirLines()
     auto pWindow = OpenCompiled(Document, s_iWait);
     QVERIFY(pWindow);
     CShaderEditController* pController = pWindow->GetEditController();
-    auto* pLog = pWindow->findChild<QPlainTextEdit*>(QStringLiteral("ShaderEditLogOutput"));
+    QPlainTextEdit* pLog = LogOf(*pWindow);
     QVERIFY2(pLog->toPlainText().contains(QStringLiteral("ERROR: 0:4: '#include' : not found in ")),
              qPrintable(pLog->toPlainText()));
 
@@ -200,10 +200,10 @@ void CIncludesAndCoresTest::AllCoresShowsEveryCoreAndFollowsEdits()
     const QString Path = NewFile(QStringLiteral("blur.frag"), s_pBlur);
     auto pWindow = OpenCompiled(Path, s_iWait);
     QVERIFY(pWindow);
-    auto* pDock = pWindow->findChild<QDockWidget*>(QStringLiteral("DockWidget_AllCores"));
+    auto* pDock = Child<QDockWidget>(*pWindow, "DockWidget_AllCores");
     QVERIFY(pDock);
     QVERIFY(!pDock->isVisible());
-    auto* pTable = pWindow->findChild<QTableWidget*>(QStringLiteral("AllCoresTable"));
+    auto* pTable = Child<QTableWidget>(*pWindow, "AllCoresTable");
     const CAllCoresCompile* pCores = pWindow->findChild<CAllCoresCompile*>();
     QVERIFY(pTable && pCores);
     QCOMPARE(pTable->rowCount(), 0);
