@@ -1,7 +1,6 @@
 // The preferences window with its four pages, driven through its widgets against the real
 // controllers and the real preference file, including files a save must not lose.
 
-#include "app/controller/ApplicationText.h"
 #include "app/dialogs/CPreferencesDialog.h"
 #include "DialogTestSupport.h"
 #include "ShaderEditComponent/preferences/CCompilerPreferencesWidget.h"
@@ -11,10 +10,8 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QLineEdit>
-#include <QMetaMethod>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTabWidget>
 #include <QtTest>
 
 #include <sys/stat.h>
@@ -30,7 +27,6 @@ private slots:
     void initTestCase();
     void init();
     void cleanup();
-    void InterfaceAndTexts();
     void OkStoresEachPageWithItsMask();
     void CancelStoresNothing();
     void OkFollowsEveryPage();
@@ -85,35 +81,6 @@ QPushButton* CPreferencesDialogTest::Button(CPreferencesDialog& Dialog, QDialogB
 bool CPreferencesDialogTest::Settle(CPreferencesDialog& Dialog)
 {
     return QTest::qWaitFor([&] { return !Dialog.GetCompilerPage()->IsCheckingCompiler(); }, 10000);
-}
-
-void CPreferencesDialogTest::InterfaceAndTexts()
-{
-    const QMetaObject& Meta = CPreferencesDialog::staticMetaObject;
-    QStringList Found;
-    for (int i = Meta.methodOffset(); i < Meta.methodCount(); ++i)
-        Found << QString::fromLatin1(Meta.method(i).methodSignature());
-    QCOMPARE(Found,
-             (QStringList{"CompileInBackgroundChanged(bool)", "CloseWithMiddleMouseChanged(bool)",
-                          "OpenPreviousTabsChanged(bool)", "Save()", "Retranslate()", "OnRetranslate()", "OnSave()"}));
-
-    auto pDialog = Open();
-    QCOMPARE(pDialog->windowTitle(), QStringLiteral("Preferences"));
-    auto* pTabs = Child<QTabWidget>(*pDialog, "preferencesTabWidget");
-    QStringList Tabs;
-    for (int i = 0; i < pTabs->count(); ++i)
-        Tabs << pTabs->tabText(i);
-    QCOMPARE(Tabs, (QStringList{"General", "Compiler Settings", "Editor Settings", "Editor Colours"}));
-    QCOMPARE(Child<QCheckBox>(*pDialog, "closeTabsMiddleMouseCheckbox")->text(),
-             QStringLiteral("Close tabs with middle mouse button"));
-    QCOMPARE(Child<QCheckBox>(*pDialog, "compileInBackgroundCheckbox")->text(),
-             QStringLiteral("Compile shaders in background when possible"));
-    QCOMPARE(Child<QCheckBox>(*pDialog, "saveSessionCheckbox")->text(),
-             QStringLiteral("Save session on exit and reload on start"));
-    QCOMPARE(Button(*pDialog, QDialogButtonBox::Ok)->text(), QStringLiteral("OK"));
-    QCOMPARE(Button(*pDialog, QDialogButtonBox::Cancel)->text(), QStringLiteral("Cancel"));
-    QCOMPARE(Child<QLineEdit>(*pDialog, "GLSLESPath")->parentWidget()->parentWidget()->objectName(),
-             QStringLiteral("tabCompiler"));
 }
 
 void CPreferencesDialogTest::OkStoresEachPageWithItsMask()
