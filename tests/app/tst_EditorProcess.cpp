@@ -103,7 +103,6 @@ class CEditorProcessTest : public QObject
 private slots:
     void InformationNeedsNoDisplay();
     void SecondStartsHandOverToTheEditor();
-    void SeveralFilesOpenTogether();
 };
 
 void CEditorProcessTest::InformationNeedsNoDisplay()
@@ -127,36 +126,10 @@ void CEditorProcessTest::InformationNeedsNoDisplay()
     }
 }
 
-void CEditorProcessTest::SecondStartsHandOverToTheEditor()
-{
-    CUser User;
-    const QString Shader = User.File(QStringLiteral("handed over.frag"));
-    QProcess First;
-    QVERIFY(User.StartFirst(First));
-
-    QCOMPARE(User.RunSecond({Shader}), 0);
-    // The running editor opened it: it is now its most recent file.
-    QVERIFY(QTest::qWaitFor([&] { return User.Preferences().contains(StoredPath(Shader)); }, s_iWaitMs));
-    // A missing file changes nothing, and that start still ends cleanly.
-    QCOMPARE(User.RunSecond({User.File(QStringLiteral("x")) + QStringLiteral(".missing")}), 0);
-    QVERIFY(First.state() == QProcess::Running);
-
-    // After a crash of the running editor the next start is the editor itself.
-    ::kill(static_cast<pid_t>(First.processId()), SIGKILL);
-    QVERIFY(First.waitForFinished(s_iWaitMs));
-    QProcess Next;
-    QVERIFY(User.StartFirst(Next));
-    const QString Later = User.File(QStringLiteral("later.frag"));
-    QCOMPARE(User.RunSecond({Later}), 0);
-    QVERIFY(QTest::qWaitFor([&] { return User.Preferences().contains(StoredPath(Later)); }, s_iWaitMs));
-    Next.kill();
-    Next.waitForFinished(s_iWaitMs);
-}
-
 // What a file manager does with several selected files and an Exec line that takes one: a
 // start per file; the first becomes the editor, the others hand their files to it. A start
 // naming two files opens only the first.
-void CEditorProcessTest::SeveralFilesOpenTogether()
+void CEditorProcessTest::SecondStartsHandOverToTheEditor()
 {
     CUser User;
     const QString First = User.File(QStringLiteral("first.frag"));
@@ -165,17 +138,29 @@ void CEditorProcessTest::SeveralFilesOpenTogether()
     User.Start(Editor, {First, Ignored});
     QVERIFY(QTest::qWaitFor([&] { return User.Preferences().contains(StoredPath(First)); }, s_iWaitMs));
 
-    const QString Third = User.File(QStringLiteral("third.frag"));
+    // The running editor opens each: it is then among its recent files.
+    const QString Third = User.File(QStringLiteral("third file.frag"));
     const QString Fourth = User.File(QStringLiteral("fourth.frag"));
     QCOMPARE(User.RunSecond({Third}), 0);
     QCOMPARE(User.RunSecond({Fourth}), 0);
+    // A missing file changes nothing, and that start still ends cleanly.
+    QCOMPARE(User.RunSecond({User.File(QStringLiteral("x")) + QStringLiteral(".missing")}), 0);
     QVERIFY(QTest::qWaitFor(
         [&] { return User.Preferences().contains(StoredPath(Third)) && User.Preferences().contains(StoredPath(Fourth)); },
         s_iWaitMs));
     QVERIFY(!User.Preferences().contains(StoredPath(Ignored)));
     QVERIFY(Editor.state() == QProcess::Running);
-    Editor.kill();
-    Editor.waitForFinished(s_iWaitMs);
+
+    // After a crash of the running editor the next start is the editor itself.
+    ::kill(static_cast<pid_t>(Editor.processId()), SIGKILL);
+    QVERIFY(Editor.waitForFinished(s_iWaitMs));
+    QProcess Next;
+    QVERIFY(User.StartFirst(Next));
+    const QString Later = User.File(QStringLiteral("later.frag"));
+    QCOMPARE(User.RunSecond({Later}), 0);
+    QVERIFY(QTest::qWaitFor([&] { return User.Preferences().contains(StoredPath(Later)); }, s_iWaitMs));
+    Next.kill();
+    Next.waitForFinished(s_iWaitMs);
 }
 
 QTEST_GUILESS_MAIN(CEditorProcessTest)

@@ -92,7 +92,6 @@ void CDesktopFilesTest::DesktopEntryAndMetainfoValidate()
     // hands its file to the running editor, so every selected file opens.
     QCOMPARE(EntryValue(Entry, "Exec"), QStringLiteral("zamshadereditor %f"));
     QCOMPARE(EntryValue(Entry, "Icon"), DesktopApplicationId());
-    QCOMPARE(EntryValue(Entry, "Categories"), QStringLiteral("Development;IDE;"));
     QCOMPARE(ElementValues(Metainfo, "id"), QStringList{DesktopApplicationId()});
     QCOMPARE(ElementValues(Metainfo, "launchable"), QStringList{DesktopApplicationId() + ".desktop"});
 
