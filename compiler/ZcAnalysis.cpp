@@ -179,12 +179,24 @@ std::vector<int> CostInstructions(const STxeProgram& program, const SCoreModel& 
 
 std::map<int, long long> LineCycles(const STxeProgram& program, const std::vector<int>& aCosts, int iLastLine)
 {
-    std::map<int, long long> mapLines;
+    // Summed by line number first, then entered in ascending order: every insertion lands
+    // at the end of the map, with no search.
+    std::vector<long long> aSums(static_cast<std::size_t>(std::max(0, iLastLine)) + 1, 0);
+    std::vector<bool> aHasCode(aSums.size(), false);
     for (std::size_t i = 0; i < program.aInstructions.size() && i < aCosts.size(); ++i)
     {
         const int iLine = program.aInstructions[i].iLine;
         if (iLine >= 1 && iLine <= iLastLine)
-            mapLines[iLine] += aCosts[i];
+        {
+            aSums[static_cast<std::size_t>(iLine)] += aCosts[i];
+            aHasCode[static_cast<std::size_t>(iLine)] = true;
+        }
+    }
+    std::map<int, long long> mapLines;
+    for (std::size_t uiLine = 1; uiLine < aSums.size(); ++uiLine)
+    {
+        if (aHasCode[uiLine])
+            mapLines.emplace_hint(mapLines.end(), static_cast<int>(uiLine), aSums[uiLine]);
     }
     return mapLines;
 }

@@ -30,8 +30,8 @@ void* ThreadEntry(void* pArgument)
 
 } // namespace
 
-bool CompileSource(const std::string& source, ETxeStage eStage, const SCoreModel& core, const SSourceLimits& limits,
-                   SCompilation& compilation, const SPreprocessorOptions& options)
+bool CompileProgram(const std::string& source, ETxeStage eStage, const SCoreModel& core, const SSourceLimits& limits,
+                    SCompilation& compilation, const SPreprocessorOptions& options)
 {
     compilation = SCompilation();
     if (!CheckSourceText(source, limits, compilation.aDiagnostics))
@@ -53,9 +53,22 @@ bool CompileSource(const std::string& source, ETxeStage eStage, const SCoreModel
     // Pairing looks at true dependencies, so cost before registers are shared.
     compilation.aCosts = CostInstructions(compilation.program, core);
     compilation.iTemporaries = AllocateRegisters(compilation.program);
-    compilation.mapLineCycles = LineCycles(compilation.program, compilation.aCosts, static_cast<int>(uiLines));
+    return true;
+}
+
+void AnalyseProgram(const std::string& source, SCompilation& compilation)
+{
+    compilation.mapLineCycles = LineCycles(compilation.program, compilation.aCosts, CountLines(source));
     compilation.paths = PathCycles(compilation.program, compilation.aCosts);
     compilation.bSucceeded = true;
+}
+
+bool CompileSource(const std::string& source, ETxeStage eStage, const SCoreModel& core, const SSourceLimits& limits,
+                   SCompilation& compilation, const SPreprocessorOptions& options)
+{
+    if (!CompileProgram(source, eStage, core, limits, compilation, options))
+        return false;
+    AnalyseProgram(source, compilation);
     return true;
 }
 

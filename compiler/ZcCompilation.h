@@ -34,6 +34,13 @@ struct SCompilation
 bool CompileSource(const std::string& source, ETxeStage eStage, const SCoreModel& core, const SSourceLimits& limits,
                    SCompilation& compilation, const SPreprocessorOptions& options = SPreprocessorOptions());
 
+// CompileSource in two halves. The first leaves the program, its costs and its registers
+// final, so the listing can be formatted on another thread while the second works out the
+// figures per line and per path (it writes no other member).
+bool CompileProgram(const std::string& source, ETxeStage eStage, const SCoreModel& core, const SSourceLimits& limits,
+                    SCompilation& compilation, const SPreprocessorOptions& options = SPreprocessorOptions());
+void AnalyseProgram(const std::string& source, SCompilation& compilation);
+
 // Runs the function on a thread with a generous stack; false if no thread could be made.
 bool RunWithLargeStack(void (*pFunction)(void*), void* pContext);
 

@@ -19,6 +19,44 @@ namespace ZamCompiler
 namespace
 {
 
+// The listing is the longest output to build: a second thread formats it from the moment the
+// registers are final, while the figures per line and path are worked out and the program
+// file and the profile are built and written. Every path out joins the thread.
+class CListingJob
+{
+public:
+    CListingJob(const SCompilation& compilation, const SCoreModel& core)
+    {
+        try
+        {
+            m_thread = std::thread([this, &compilation, &core] { m_text = FormatDisassembly(compilation, core); });
+        }
+        catch (const std::system_error&)
+        {
+            m_text = FormatDisassembly(compilation, core);
+        }
+    }
+    CListingJob(const CListingJob&) = delete;
+    CListingJob& operator=(const CListingJob&) = delete;
+    ~CListingJob() { Wait(); }
+
+    const std::string& Text()
+    {
+        Wait();
+        return m_text;
+    }
+
+private:
+    void Wait()
+    {
+        if (m_thread.joinable())
+            m_thread.join();
+    }
+
+    std::string m_text;
+    std::thread m_thread;
+};
+
 struct SCompileJob
 {
     const std::string* pSource;
@@ -26,13 +64,18 @@ struct SCompileJob
     const SCoreModel* pCore;
     const SPreprocessorOptions* pOptions;
     SCompilation* pCompilation;
+    std::optional<CListingJob>* pListing; // null when no listing was asked for
 };
 
 void CompileJob(void* pContext)
 {
     SCompileJob* pJob = static_cast<SCompileJob*>(pContext);
-    CompileSource(*pJob->pSource, pJob->eStage, *pJob->pCore, DefaultSourceLimits(), *pJob->pCompilation,
-                  *pJob->pOptions);
+    if (!CompileProgram(*pJob->pSource, pJob->eStage, *pJob->pCore, DefaultSourceLimits(), *pJob->pCompilation,
+                        *pJob->pOptions))
+        return;
+    if (pJob->pListing)
+        pJob->pListing->emplace(*pJob->pCompilation, *pJob->pCore);
+    AnalyseProgram(*pJob->pSource, *pJob->pCompilation);
 }
 
 // The headers a compile read, one path a line, so a caller can tell which files it depends on.
@@ -248,49 +291,9 @@ int ReadCompileRequest(const std::vector<std::string>& aArgs, const std::string&
 namespace
 {
 
-// The listing is the longest output to build: a second thread formats it while the
-// program file and the profile are built and written. Every path out joins the thread.
-class CListingJob
-{
-public:
-    CListingJob(const SCompilation& compilation, const SCoreModel& core)
-    {
-        try
-        {
-            m_thread = std::thread([this, &compilation, &core] { m_text = FormatDisassembly(compilation, core); });
-        }
-        catch (const std::system_error&)
-        {
-            m_text = FormatDisassembly(compilation, core);
-        }
-    }
-    CListingJob(const CListingJob&) = delete;
-    CListingJob& operator=(const CListingJob&) = delete;
-    ~CListingJob() { Wait(); }
-
-    const std::string& Text()
-    {
-        Wait();
-        return m_text;
-    }
-
-private:
-    void Wait()
-    {
-        if (m_thread.joinable())
-            m_thread.join();
-    }
-
-    std::string m_text;
-    std::thread m_thread;
-};
-
 int WriteOutputs(const SCommandLine& commandLine, const SCompilation& compilation, const SCoreModel& core,
-                 std::string& output)
+                 std::optional<CListingJob>& listing, std::string& output)
 {
-    std::optional<CListingJob> listing;
-    if (commandLine.bDisasm)
-        listing.emplace(compilation, core);
     std::string error;
     if (!WriteFile(commandLine.outputBase, EncodeProgram(compilation, core), error))
         return Fail(output, "cannot write '" + commandLine.outputBase + "': " + error);
@@ -323,9 +326,10 @@ int RunGlslCompiler(const std::string& programPath, const std::vector<std::strin
     options.aIncludeFolders = commandLine.aIncludeFolders;
     options.aDefines = commandLine.aDefines;
     SCompilation compilation;
+    std::optional<CListingJob> listing;
     {
         CFrontEndProcess process;
-        SCompileJob job{&source, eStage, &core, &options, &compilation};
+        SCompileJob job{&source, eStage, &core, &options, &compilation, commandLine.bDisasm ? &listing : nullptr};
         if (!RunWithLargeStack(&CompileJob, &job))
             return Fail(output, "cannot start the compiler thread");
     }
@@ -342,7 +346,7 @@ int RunGlslCompiler(const std::string& programPath, const std::vector<std::strin
         return 1;
     }
 
-    const int iWritten = WriteOutputs(commandLine, compilation, core, output);
+    const int iWritten = WriteOutputs(commandLine, compilation, core, listing, output);
     if (iWritten != 0)
         return iWritten;
     if (commandLine.bPerfSim)
