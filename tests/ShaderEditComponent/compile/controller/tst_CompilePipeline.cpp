@@ -127,7 +127,6 @@ private slots:
     void BackgroundCompileLog();
     void CompileToFiles_data();
     void CompileToFiles();
-    void BundledCompilerEndsOptionsAtDoubleDash();
     void HundredRequestsForOnePanel();
     void TwoPanelsAtOnce();
     void OpenCLKernelFindsItsLocalHeader();
@@ -142,10 +141,10 @@ private:
         QString LastLog;
         int iResults = 0;
     };
-    std::unique_ptr<CShaderEditController> MakeController(SDelivery& Delivery);
-    void CompileAndWait(CShaderEditController& Controller, SDelivery& Delivery, const QString& Text,
-                        EShaderDocType eType, const QString& Folder = QString());
+    void CompileAndWait(const QString& Text, EShaderDocType eType, const QString& Folder = QString());
 
+    std::unique_ptr<CShaderEditController> m_pController; // a fresh one for each test
+    SDelivery m_Delivery;
     QTemporaryDir m_Temp;
 };
 
@@ -162,54 +161,48 @@ void CCompilePipelineTest::initTestCase()
 void CCompilePipelineTest::init()
 {
     QFile::remove(CZamPreferences(QStringLiteral("ZamShaderEditor")).GetFilePath());
+    m_Delivery = SDelivery();
+    SShaderEditControllerOptions Options;
+    Options.CompilerSearchPaths = {BinDir()};
+    m_pController = std::make_unique<CShaderEditController>(Options);
+    m_pController->WaitForCompilerDetection();
+    connect(m_pController.get(), &CShaderEditController::CompileCycleCountChanged, this,
+            [this](const CZamTHash& PanelID, const CZamTArray<int>& Counts)
+            { m_Delivery.CountsByPanel[PanelID.GetValue()] = Counts; });
+    connect(m_pController.get(), &CShaderEditController::CompileProfileChanged, this,
+            [this](const SCompileResult& Result)
+            {
+                m_Delivery.Last = Result;
+                ++m_Delivery.iResults;
+            });
+    connect(m_pController.get(), &CShaderEditController::CompileOutputChanged, this,
+            [this](const QString& Log) { m_Delivery.LastLog = Log; });
 }
 
 void CCompilePipelineTest::cleanup()
 {
+    m_pController.reset();
     QTRY_COMPARE_WITH_TIMEOUT(CCompiler::GetLiveCount(), 0, 5000);
     QTRY_COMPARE_WITH_TIMEOUT(Children().iLiving + Children().iZombies, 0, 5000);
 }
 
-std::unique_ptr<CShaderEditController> CCompilePipelineTest::MakeController(SDelivery& Delivery)
+void CCompilePipelineTest::CompileAndWait(const QString& Text, EShaderDocType eType, const QString& Folder)
 {
-    SShaderEditControllerOptions Options;
-    Options.CompilerSearchPaths = {BinDir()};
-    auto pController = std::make_unique<CShaderEditController>(Options);
-    pController->WaitForCompilerDetection();
-    connect(pController.get(), &CShaderEditController::CompileCycleCountChanged, this,
-            [&Delivery](const CZamTHash& PanelID, const CZamTArray<int>& Counts)
-            { Delivery.CountsByPanel[PanelID.GetValue()] = Counts; });
-    connect(pController.get(), &CShaderEditController::CompileProfileChanged, this,
-            [&Delivery](const SCompileResult& Result)
-            {
-                Delivery.Last = Result;
-                ++Delivery.iResults;
-            });
-    connect(pController.get(), &CShaderEditController::CompileOutputChanged, this,
-            [&Delivery](const QString& Log) { Delivery.LastLog = Log; });
-    return pController;
-}
-
-void CCompilePipelineTest::CompileAndWait(CShaderEditController& Controller, SDelivery& Delivery, const QString& Text,
-                                          EShaderDocType eType, const QString& Folder)
-{
-    const int iBefore = Delivery.iResults;
-    Controller.CompilePanelIn(Folder, CZamTHash("panel"), Text, eType, CompileInvocation_Background);
-    QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, iBefore + 1, 60000);
+    const int iBefore = m_Delivery.iResults;
+    m_pController->CompilePanelIn(Folder, CZamTHash("panel"), Text, eType, CompileInvocation_Background);
+    QTRY_COMPARE_WITH_TIMEOUT(m_Delivery.iResults, iBefore + 1, 60000);
 }
 
 void CCompilePipelineTest::ShaderLogCountsProfileAndDisassembly()
 {
-    SDelivery Delivery;
-    auto pController = MakeController(Delivery);
-    QCOMPARE(pController->GetCompilerDetection().Compiler, QStringLiteral("ZC1 rev 1"));
-    QCOMPARE(pController->GetCompilerFlags(), CShaderEditController::BackgroundOptions);
+    QCOMPARE(m_pController->GetCompilerDetection().Compiler, QStringLiteral("ZC1 rev 1"));
+    QCOMPARE(m_pController->GetCompilerFlags(), CShaderEditController::BackgroundOptions);
 
-    CompileAndWait(*pController, Delivery, QString::fromLatin1(kFragment), DocType_GLSLESFragment);
-    const SCompileResult& Result = Delivery.Last;
+    CompileAndWait(QString::fromLatin1(kFragment), DocType_GLSLESFragment);
+    const SCompileResult& Result = m_Delivery.Last;
     QCOMPARE(Result.iStatus, 0);
-    QCOMPARE(Delivery.LastLog, QStringLiteral("GLSL:ES Fragment Shader: Compile succeeded.\n"));
-    QCOMPARE(CountedLines(Delivery.CountsByPanel[CZamTHash("panel").GetValue()]), (QList<int>{7, 8}));
+    QCOMPARE(m_Delivery.LastLog, QStringLiteral("GLSL:ES Fragment Shader: Compile succeeded.\n"));
+    QCOMPARE(CountedLines(m_Delivery.CountsByPanel[CZamTHash("panel").GetValue()]), (QList<int>{7, 8}));
 
     QCOMPARE(Result.Profiles.GetSize(), 1u);
     const SCompileResult::SProfile& Profile = Result.Profiles[0];
@@ -225,15 +218,13 @@ void CCompilePipelineTest::ShaderLogCountsProfileAndDisassembly()
 
 void CCompilePipelineTest::EffectFileShaderByShader()
 {
-    SDelivery Delivery;
-    auto pController = MakeController(Delivery);
-    CompileAndWait(*pController, Delivery, Effect(), DocType_ZFXGLSLES);
-    const SCompileResult& Result = Delivery.Last;
+    CompileAndWait(Effect(), DocType_ZFXGLSLES);
+    const SCompileResult& Result = m_Delivery.Last;
     QCOMPARE(Result.iStatus, 0);
-    QCOMPARE(Delivery.LastLog, kEffectSucceeded);
+    QCOMPARE(m_Delivery.LastLog, kEffectSucceeded);
 
     // Counts land on the effect file's own lines, inside each shader's code.
-    const CZamTArray<int>& Counts = Delivery.CountsByPanel[CZamTHash("panel").GetValue()];
+    const CZamTArray<int>& Counts = m_Delivery.CountsByPanel[CZamTHash("panel").GetValue()];
     const QList<int> Lines = CountedLines(Counts);
     QVERIFY(Lines.contains(8) && Lines.contains(19) && Lines.contains(31));
     for (int iLine : Lines)
@@ -306,13 +297,11 @@ void CCompilePipelineTest::BackgroundCompileLog()
     QFETCH(int, Status);
     QFETCH(int, ErrorLine);
 
-    SDelivery Delivery;
-    auto pController = MakeController(Delivery);
-    CompileAndWait(*pController, Delivery, Text, static_cast<EShaderDocType>(Type), Folder);
-    QVERIFY2(Delivery.LastLog.startsWith(Log), qPrintable(Delivery.LastLog));
-    QCOMPARE(Delivery.Last.iStatus, Status);
+    CompileAndWait(Text, static_cast<EShaderDocType>(Type), Folder);
+    QVERIFY2(m_Delivery.LastLog.startsWith(Log), qPrintable(m_Delivery.LastLog));
+    QCOMPARE(m_Delivery.Last.iStatus, Status);
     if (ErrorLine > 0)
-        QCOMPARE(Delivery.Last.Messages.first().iLine, ErrorLine);
+        QCOMPARE(m_Delivery.Last.Messages.first().iLine, ErrorLine);
 }
 
 void CCompilePipelineTest::CompileToFiles_data()
@@ -348,67 +337,47 @@ void CCompilePipelineTest::CompileToFiles()
     const QString Folder = m_Temp.filePath("files");
     const QString Path = Folder + "/" + Source;
     const EShaderDocType eType = static_cast<EShaderDocType>(Type);
-    SDelivery Delivery;
-    auto pController = MakeController(Delivery);
-    const QString Template = Option ? pController->GetCompileCommandLine(Option, eType, Folder + "/out")
+    const QString Template = Option ? m_pController->GetCompileCommandLine(Option, eType, Folder + "/out")
                                     : QStringLiteral("\"%1\" -f %f% \"%b%\" \"out/%b%_typed\"").arg(Program("glslcompiler_zc1"));
-    pController->OnCompileFile(CZamTHash(Path.toUtf8().constData()), ToZamString(Path), ToZamString(Template), eType);
-    QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 1, 60000);
-    QVERIFY2(Delivery.LastLog == Log, qPrintable(Template + "\n" + Delivery.LastLog));
+    m_pController->OnCompileFile(CZamTHash(Path.toUtf8().constData()), ToZamString(Path), ToZamString(Template), eType);
+    QTRY_COMPARE_WITH_TIMEOUT(m_Delivery.iResults, 1, 60000);
+    QVERIFY2(m_Delivery.LastLog == Log, qPrintable(Template + "\n" + m_Delivery.LastLog));
     for (const QString& Output : Outputs)
         QVERIFY2(QFileInfo::exists(Folder + "/out/" + Output), qPrintable(Output));
     if (CountedLine > 0)
-        QVERIFY(CountedLines(Delivery.Last.CycleCounts).contains(CountedLine));
-}
-
-// After "--" nothing is an option, not even a unit named -disasm.
-void CCompilePipelineTest::BundledCompilerEndsOptionsAtDoubleDash()
-{
-    const QString Folder = m_Temp.filePath("dash");
-    WriteTestFile(Folder, "-x.frag", kFragment);
-    QProcess Compiler;
-    Compiler.setWorkingDirectory(Folder);
-    Compiler.start(Program("glslcompiler_zc1"), {"-f", "-disasm", "--", "-x.frag", "-disasm", "./-x"});
-    QVERIFY(Compiler.waitForFinished(30000));
-    QCOMPARE(Compiler.exitCode(), 0);
-    QCOMPARE(Compiler.readAll(), QByteArray("Success.\n"));
-    QVERIFY(QFileInfo::exists(Folder + "/-x.disasm"));
+        QVERIFY(CountedLines(m_Delivery.Last.CycleCounts).contains(CountedLine));
 }
 
 void CCompilePipelineTest::HundredRequestsForOnePanel()
 {
-    SDelivery Delivery;
-    auto pController = MakeController(Delivery);
     const CZamTHash Panel("typing.fsh");
     for (int i = 0; i < 100; ++i)
     {
         QString Text = QString::fromLatin1(kFragment);
         Text.replace(QStringLiteral("c * 2.0"), QStringLiteral("c * value%1").arg(i));
-        pController->OnCancelCompile(Panel);
-        pController->OnCompilePanel(Panel, Text, DocType_GLSLESFragment, CompileInvocation_Background);
+        m_pController->OnCancelCompile(Panel);
+        m_pController->OnCompilePanel(Panel, Text, DocType_GLSLESFragment, CompileInvocation_Background);
     }
-    QTRY_VERIFY_WITH_TIMEOUT(Delivery.LastLog.contains("value99"), 60000);
-    QTRY_COMPARE_WITH_TIMEOUT(pController->GetCompilesInFlight(), 0, 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(m_Delivery.LastLog.contains("value99"), 60000);
+    QTRY_COMPARE_WITH_TIMEOUT(m_pController->GetCompilesInFlight(), 0, 5000);
     QTRY_COMPARE_WITH_TIMEOUT(CCompiler::GetLiveCount(), 0, 5000);
     QCOMPARE(Children().iLiving + Children().iZombies, 0);
-    QVERIFY(!Delivery.LastLog.contains("value98"));
+    QVERIFY(!m_Delivery.LastLog.contains("value98"));
 }
 
 void CCompilePipelineTest::TwoPanelsAtOnce()
 {
-    SDelivery Delivery;
-    auto pController = MakeController(Delivery);
     const CZamTHash Short("short.fsh");
     const CZamTHash Long("long.fsh");
     QString Longer = QString::fromLatin1(kFragment);
     Longer.replace(QStringLiteral("    gl_FragColor = c * 2.0;\n"),
                    QStringLiteral("\n\n    c = c * c + c;\n    gl_FragColor = c * 2.0;\n"));
-    pController->OnCompilePanel(Short, QString::fromLatin1(kFragment), DocType_GLSLESFragment,
+    m_pController->OnCompilePanel(Short, QString::fromLatin1(kFragment), DocType_GLSLESFragment,
                                 CompileInvocation_Background);
-    pController->OnCompilePanel(Long, Longer, DocType_GLSLESFragment, CompileInvocation_Background);
-    QTRY_COMPARE_WITH_TIMEOUT(Delivery.iResults, 2, 60000);
-    QCOMPARE(CountedLines(Delivery.CountsByPanel[Short.GetValue()]), (QList<int>{7, 8}));
-    QCOMPARE(CountedLines(Delivery.CountsByPanel[Long.GetValue()]), (QList<int>{7, 10, 11}));
+    m_pController->OnCompilePanel(Long, Longer, DocType_GLSLESFragment, CompileInvocation_Background);
+    QTRY_COMPARE_WITH_TIMEOUT(m_Delivery.iResults, 2, 60000);
+    QCOMPARE(CountedLines(m_Delivery.CountsByPanel[Short.GetValue()]), (QList<int>{7, 8}));
+    QCOMPARE(CountedLines(m_Delivery.CountsByPanel[Long.GetValue()]), (QList<int>{7, 10, 11}));
 }
 
 // A saved kernel includes a header beside it: the compile is given the document's folder. A
@@ -425,15 +394,13 @@ void CCompilePipelineTest::OpenCLKernelFindsItsLocalHeader()
                                           "    b[i] = a[i] * WEIGHT_CENTRE + (a[i - 1] + a[i + 1]) * WEIGHT_SIDE;\n}\n");
     QCOMPARE(IncludeFolderFor(Folder + "/blur.cl"), Folder);
 
-    SDelivery Delivery;
-    auto pController = MakeController(Delivery);
-    CompileAndWait(*pController, Delivery, Kernel, DocType_OpenCLKernel, IncludeFolderFor(Folder + "/blur.cl"));
-    QCOMPARE(Delivery.LastLog, QStringLiteral("OpenCL Kernel: Compile succeeded.\n"));
-    QVERIFY(Delivery.Last.CompilerString.startsWith(QStringLiteral("OpenCL 1.2")));
-    QVERIFY(CountedLines(Delivery.Last.CycleCounts).contains(5));
+    CompileAndWait(Kernel, DocType_OpenCLKernel, IncludeFolderFor(Folder + "/blur.cl"));
+    QCOMPARE(m_Delivery.LastLog, QStringLiteral("OpenCL Kernel: Compile succeeded.\n"));
+    QVERIFY(m_Delivery.Last.CompilerString.startsWith(QStringLiteral("OpenCL 1.2")));
+    QVERIFY(CountedLines(m_Delivery.Last.CycleCounts).contains(5));
 
-    CompileAndWait(*pController, Delivery, Kernel, DocType_OpenCLKernel, IncludeFolderFor(QString()));
-    QCOMPARE(Delivery.LastLog, QStringLiteral("OpenCL Kernel: Compile failed.\n"
+    CompileAndWait(Kernel, DocType_OpenCLKernel, IncludeFolderFor(QString()));
+    QCOMPARE(m_Delivery.LastLog, QStringLiteral("OpenCL Kernel: Compile failed.\n"
                                               "ERROR: 0:1: 'blur_weights.h' file not found\n"));
 }
 
@@ -443,13 +410,9 @@ void CCompilePipelineTest::CommandLineCompile_data()
     QTest::addColumn<int>("ExitCode");
     QTest::addColumn<QString>("Out");
 
-    QTest::newRow("good shader, other core")
-        << QStringList{"good.fsh"} << 0 << "GLSL:ES Fragment Shader: Compile succeeded.\n";
-    QTest::newRow("good and broken") << QStringList{"good.fsh", "broken.fsh"} << 1
-                                     << "GLSL:ES Fragment Shader: Compile succeeded.\n"
-                                        "GLSL:ES Fragment Shader: Compile failed.\nERROR: 0:8:";
-    QTest::newRow("missing file") << QStringList{"good.fsh", "absent.fsh"} << 1
-                                  << "GLSL:ES Fragment Shader: Compile succeeded.\n";
+    QTest::newRow("good, broken and missing") << QStringList{"good.fsh", "broken.fsh", "absent.fsh"} << 1
+                                              << "GLSL:ES Fragment Shader: Compile succeeded.\n"
+                                                 "GLSL:ES Fragment Shader: Compile failed.\nERROR: 0:8:";
     QTest::newRow("no file") << QStringList{} << 1 << "";
 }
 
@@ -482,8 +445,7 @@ void CCompilePipelineTest::CommandLineCompile()
     QCOMPARE(Process.exitCode(), ExitCode);
     const QString Printed = QString::fromUtf8(Process.readAllStandardOutput());
     QVERIFY2(Printed.left(Out.size()) == Out, qPrintable(Printed));
-    if (Files.contains("absent.fsh") || Files.isEmpty())
-        QVERIFY(!Process.readAllStandardError().isEmpty());
+    QVERIFY(!Process.readAllStandardError().isEmpty());
     QVERIFY(!QFileInfo::exists(Config + "/Brenmoor Systems"));
 }
 
