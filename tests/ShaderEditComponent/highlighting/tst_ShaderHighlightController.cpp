@@ -7,11 +7,12 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <functional>
 #include <memory>
 
 namespace
 {
-// A fresh, loaded store of its own for every test case.
+// A fresh, loaded store of its own for every case.
 std::unique_ptr<CZamPreferences> NewStore()
 {
     static int s_iCount = 0;
@@ -44,50 +45,12 @@ class CShaderHighlightControllerTest : public QObject
     Q_OBJECT
 
 private slots:
-    void MissingFileGivesBuiltInScheme();
-    void OnlyStoredGroupsAreCustomised();
-    void ColourKeysFallBackPerField_data();
-    void ColourKeysFallBackPerField();
-    void BoldIsSavedAboveNormalWeight_data();
-    void BoldIsSavedAboveNormalWeight();
-    void SavesCustomisedEntriesAndFont();
-    void FontFaceComesBeforeSize_data();
-    void FontFaceComesBeforeSize();
-    void SlotsAnnounceChanges();
+    void StoredFieldsCustomiseTheirElementOnly();
+    void BadEntriesFallBackPerField();
+    void ChangesAreAnnouncedSavedAndReadBack();
 };
 
-// The file's keys are built from the element names, so order and names are a file format.
-void CShaderHighlightControllerTest::MissingFileGivesBuiltInScheme()
-{
-    QFile::remove(CZamPreferences(QStringLiteral("ZamShaderEditor")).GetFilePath());
-    CShaderHighlightController Controller;
-    QCOMPARE(CShaderHighlightController::ElementCount, 36u);
-    const QVector<QPair<unsigned int, const char*>> Anchors = {{0, "None"},
-                                                               {1, "Error"},
-                                                               {7, "ZFX/Comment"},
-                                                               {8, "GLSL/Code"},
-                                                               {15, "GLSL:ES/Code"},
-                                                               {17, "GLSL:ES/Built-in Function"},
-                                                               {26, "HLSL/Preprocessor"},
-                                                               {29, "OpenCL/Code"},
-                                                               {35, "OpenCL/Number"}};
-    for (const auto& Anchor : Anchors)
-        QCOMPARE(Controller.GetElementName(Anchor.first).GetString(), Anchor.second);
-    QVERIFY(Controller.GetElementName(36).IsEmpty());
-    for (unsigned int i = 0; i < CShaderHighlightController::ElementCount; ++i)
-    {
-        QVERIFY(!Controller.IsCustomised(i));
-        QCOMPARE(Controller.GetFormat(i), Controller.GetDefaultFormat(i));
-        QCOMPARE(Controller.GetFormat(i).fontUnderline(), i == 1);
-        QCOMPARE(Controller.GetFormat(i).fontWeight(), int(QFont::Normal));
-    }
-    QCOMPARE(Foreground(Controller.GetFormat(16)), 0xFF0000FFu);
-    QCOMPARE(Background(Controller.GetFormat(6)), 0xFFF4F4F4u);
-    QCOMPARE(Controller.GetFont().family(), QStringLiteral("Courier"));
-    QCOMPARE(Controller.GetFont().pointSize(), 12);
-}
-
-void CShaderHighlightControllerTest::OnlyStoredGroupsAreCustomised()
+void CShaderHighlightControllerTest::StoredFieldsCustomiseTheirElementOnly()
 {
     auto pStore = NewStore();
     pStore->SetArgb(QStringLiteral("Colours/GLSL/Keyword/Foreground"), 0xFF112233u);
@@ -96,174 +59,134 @@ void CShaderHighlightControllerTest::OnlyStoredGroupsAreCustomised()
     CShaderHighlightController Controller(pStore.get());
 
     for (unsigned int i = 0; i < CShaderHighlightController::ElementCount; ++i)
-        QCOMPARE(Controller.IsCustomised(i), i == 9 || i == 0);
-    const QTextCharFormat& Keyword = Controller.GetFormat(9);
+    {
+        const bool bStored = i == HighlightElement_GLSLKeyword || i == HighlightElement_None;
+        QCOMPARE(Controller.IsCustomised(i), bStored);
+        if (!bStored)
+            QCOMPARE(Controller.GetFormat(i), Controller.GetDefaultFormat(i));
+    }
+    QVERIFY(Controller.GetFormat(HighlightElement_Error).fontUnderline());
+    // The fields not stored keep their built-in values.
+    const QTextCharFormat& Keyword = Controller.GetFormat(HighlightElement_GLSLKeyword);
     QCOMPARE(Foreground(Keyword), 0xFF112233u);
     QCOMPARE(Background(Keyword), 0xFFFFFFFFu);
     QCOMPARE(Keyword.fontWeight(), int(QFont::Normal));
     QVERIFY(!Keyword.fontUnderline());
-    QCOMPARE(Controller.GetFormat(0).fontWeight(), int(QFont::Bold));
-    QVERIFY(Controller.GetFormat(0).fontUnderline());
-    QCOMPARE(Foreground(Controller.GetFormat(0)), 0xFF000000u);
-    QCOMPARE(Controller.GetFormat(10), Controller.GetDefaultFormat(10));
+    const QTextCharFormat& None = Controller.GetFormat(HighlightElement_None);
+    QCOMPARE(None.fontWeight(), int(QFont::Bold));
+    QVERIFY(None.fontUnderline());
+    QCOMPARE(Foreground(None), 0xFF000000u);
 }
 
-void CShaderHighlightControllerTest::ColourKeysFallBackPerField_data()
+void CShaderHighlightControllerTest::BadEntriesFallBackPerField()
 {
-    QTest::addColumn<QString>("Kind");
-    QTest::addColumn<QString>("Value");
-    QTest::addColumn<quint32>("uiExpected");
-    const quint32 uiBuiltIn = 0xFFF4F4F4u; // "ZFX/Tag" background
-    QTest::newRow("signed spelling") << "integer" << QString::number(qint32(0xFF123456u)) << 0xFF123456u;
-    QTest::newRow("unsigned spelling") << "integer" << QString::number(0xFF123456u) << 0xFF123456u;
-    QTest::newRow("above 32 bits") << "integer"
-                                   << "4294967296" << uiBuiltIn;
-    QTest::newRow("below 32 bits") << "integer"
-                                   << "-2147483649" << uiBuiltIn;
-    QTest::newRow("string") << "string"
-                            << "red" << uiBuiltIn;
-    QTest::newRow("bool") << "bool"
-                          << "true" << uiBuiltIn;
-    QTest::newRow("missing") << "missing"
-                             << "" << uiBuiltIn;
-}
-
-void CShaderHighlightControllerTest::ColourKeysFallBackPerField()
-{
-    QFETCH(QString, Kind);
-    QFETCH(QString, Value);
-    QFETCH(quint32, uiExpected);
-    auto pStore = NewStore();
+    // A colour of the wrong kind or out of 32 bits: the built-in "ZFX/Tag" background, while
+    // the element's other stored field still counts.
+    const quint32 uiBuiltIn = 0xFFF4F4F4u;
     const QString Key = QStringLiteral("Colours/ZFX/Tag/Background");
-    if (Kind == QLatin1String("integer"))
-        pStore->SetInteger(Key, Value.toLongLong());
-    else if (Kind == QLatin1String("string"))
-        pStore->SetString(Key, Value);
-    else if (Kind == QLatin1String("bool"))
-        pStore->SetBool(Key, true);
-    pStore->SetBool(QStringLiteral("Colours/ZFX/Tag/Underline"), true);
-    QVERIFY(pStore->Save());
-    auto pReopened = Reopen(*pStore);
-    CShaderHighlightController Controller(pReopened.get());
+    const QList<QPair<std::function<void(CZamPreferences&)>, quint32>> Colours = {
+        {[&](CZamPreferences& Store) { Store.SetInteger(Key, qint32(0xFF123456u)); }, 0xFF123456u},
+        {[&](CZamPreferences& Store) { Store.SetInteger(Key, 0xFF123456u); }, 0xFF123456u},
+        {[&](CZamPreferences& Store) { Store.SetInteger(Key, 4294967296ll); }, uiBuiltIn},
+        {[&](CZamPreferences& Store) { Store.SetInteger(Key, -2147483649ll); }, uiBuiltIn},
+        {[&](CZamPreferences& Store) { Store.SetString(Key, QStringLiteral("red")); }, uiBuiltIn},
+        {[&](CZamPreferences& Store) { Store.SetBool(Key, true); }, uiBuiltIn},
+        {[](CZamPreferences&) {}, uiBuiltIn},
+    };
+    for (int iRow = 0; iRow < Colours.size(); ++iRow)
+    {
+        auto pStore = NewStore();
+        Colours[iRow].first(*pStore);
+        pStore->SetBool(QStringLiteral("Colours/ZFX/Tag/Underline"), true);
+        QVERIFY(pStore->Save());
+        auto pReopened = Reopen(*pStore);
+        CShaderHighlightController Controller(pReopened.get());
+        const QTextCharFormat& Tag = Controller.GetFormat(HighlightElement_ZFXTag);
+        QVERIFY2(Background(Tag) == Colours[iRow].second, qPrintable(QStringLiteral("colour row %1").arg(iRow)));
+        QCOMPARE(Foreground(Tag), 0xFF0064B4u);
+        QVERIFY(Tag.fontUnderline());
+    }
 
-    QVERIFY(Controller.IsCustomised(6));
-    QCOMPARE(Background(Controller.GetFormat(6)), uiExpected);
-    QCOMPARE(Foreground(Controller.GetFormat(6)), 0xFF0064B4u);
-    QVERIFY(Controller.GetFormat(6).fontUnderline());
+    // The size counts only with a face, and only within reason.
+    struct SFontRow
+    {
+        QVariant Face; // invalid: key absent
+        QVariant Size;
+        const char* pFace;
+        int iSize;
+    };
+    const SFontRow Fonts[] = {
+        {QVariant(), QVariant(), "Courier", 12},           {QVariant(), QVariant(20), "Courier", 12},
+        {QVariant("Mono"), QVariant(), "Mono", 12},        {QVariant("Mono"), QVariant(20), "Mono", 20},
+        {QVariant(7), QVariant(20), "Courier", 12},        {QVariant("Mono"), QVariant("big"), "Mono", 12},
+        {QVariant("Mono"), QVariant(0), "Mono", 12},       {QVariant("Mono"), QVariant(-4), "Mono", 12},
+        {QVariant("Mono"), QVariant(1000000), "Mono", 12},
+    };
+    for (const SFontRow& Row : Fonts)
+    {
+        auto pStore = NewStore();
+        for (const auto& [Name, Value] : {qMakePair(QStringLiteral("Editor/FontFace"), Row.Face),
+                                          qMakePair(QStringLiteral("Editor/FontSize"), Row.Size)})
+        {
+            if (Value.typeId() == QMetaType::QString)
+                pStore->SetString(Name, Value.toString());
+            else if (Value.isValid())
+                pStore->SetInteger(Name, Value.toLongLong());
+        }
+        CShaderHighlightController Controller(pStore.get());
+        const QString Name = Row.Face.toString() + QLatin1Char('/') + Row.Size.toString();
+        QVERIFY2(Controller.GetFont().family() == QLatin1String(Row.pFace), qPrintable(Name));
+        QVERIFY2(Controller.GetFont().pointSize() == Row.iSize, qPrintable(Name));
+    }
 }
 
-void CShaderHighlightControllerTest::BoldIsSavedAboveNormalWeight_data()
-{
-    QTest::addColumn<int>("iWeight");
-    QTest::addColumn<bool>("bBold");
-    QTest::newRow("light") << int(QFont::Light) << false;
-    QTest::newRow("normal") << int(QFont::Normal) << false;
-    QTest::newRow("just above normal") << int(QFont::Normal) + 1 << true;
-    QTest::newRow("medium") << int(QFont::Medium) << true;
-    QTest::newRow("bold") << int(QFont::Bold) << true;
-}
-
-void CShaderHighlightControllerTest::BoldIsSavedAboveNormalWeight()
-{
-    QFETCH(int, iWeight);
-    QFETCH(bool, bBold);
-    auto pStore = NewStore();
-    CShaderHighlightController Controller(pStore.get());
-    QTextCharFormat Format = Controller.GetDefaultFormat(12);
-    Format.setFontWeight(iWeight);
-    Controller.OnSyntaxColourChanged(12, Format);
-    QCOMPARE(Reopen(*pStore)->GetBool(QStringLiteral("Colours/GLSL/Preprocessor/Bold"), !bBold), bBold);
-}
-
-void CShaderHighlightControllerTest::SavesCustomisedEntriesAndFont()
+void CShaderHighlightControllerTest::ChangesAreAnnouncedSavedAndReadBack()
 {
     auto pStore = NewStore();
     {
         CShaderHighlightController Controller(pStore.get());
+        QSignalSpy Colours(&Controller, &CShaderHighlightController::SyntaxColoursChanged);
+        QSignalSpy Font(&Controller, &CShaderHighlightController::FontChanged);
         QTextCharFormat Format;
         Format.setForeground(QColor::fromRgba(0xFF010203u));
         Format.setBackground(QColor::fromRgba(0xFF040506u));
         Format.setFontUnderline(true);
-        Controller.OnSyntaxColourChanged(31, Format);
-        Controller.OnSetFont(QFont(QStringLiteral("Mono"), 15));
+        Controller.OnSyntaxColourChanged(HighlightElement_Count, Format);
+        QCOMPARE(Colours.count(), 0);
+        Controller.OnSyntaxColourChanged(HighlightElement_OpenCLBuiltInFunction, Format);
+        QCOMPARE(Colours.count(), 1);
+        QCOMPARE(Controller.GetFormat(HighlightElement_OpenCLBuiltInFunction), Format);
+        const QFont Chosen(QStringLiteral("Mono"), 15);
+        Controller.OnSetFont(Chosen);
+        QCOMPARE(Font.count(), 1);
+        QCOMPARE(Font.at(0).at(0).value<QFont>(), Chosen);
+        // Bold is saved for any weight above normal.
+        for (const auto& [iWeight, bBold] : {qMakePair(int(QFont::Light), false), qMakePair(int(QFont::Normal), false),
+                                             qMakePair(int(QFont::Normal) + 1, true)})
+        {
+            QTextCharFormat Weighted = Controller.GetDefaultFormat(HighlightElement_GLSLPreprocessor);
+            Weighted.setFontWeight(iWeight);
+            Controller.OnSyntaxColourChanged(HighlightElement_GLSLPreprocessor, Weighted);
+            QCOMPARE(Reopen(*pStore)->GetBool(QStringLiteral("Colours/GLSL/Preprocessor/Bold"), !bBold), bBold);
+        }
     }
     auto pSaved = Reopen(*pStore);
-    QCOMPARE(pSaved->GetArgb(QStringLiteral("Colours/OpenCL/Built-in Function/Foreground"), 0), 0xFF010203u);
-    QCOMPARE(pSaved->GetArgb(QStringLiteral("Colours/OpenCL/Built-in Function/Background"), 0), 0xFF040506u);
-    QCOMPARE(pSaved->GetBool(QStringLiteral("Colours/OpenCL/Built-in Function/Underline"), false), true);
-    QCOMPARE(pSaved->GetBool(QStringLiteral("Colours/OpenCL/Built-in Function/Bold"), true), false);
+    const QString Group = QStringLiteral("Colours/OpenCL/Built-in Function/");
+    QCOMPARE(pSaved->GetArgb(Group + QStringLiteral("Foreground"), 0), 0xFF010203u);
+    QCOMPARE(pSaved->GetArgb(Group + QStringLiteral("Background"), 0), 0xFF040506u);
+    QCOMPARE(pSaved->GetBool(Group + QStringLiteral("Underline"), false), true);
+    QCOMPARE(pSaved->GetBool(Group + QStringLiteral("Bold"), true), false);
     QVERIFY(!pSaved->HasGroup(QStringLiteral("Colours/Error")));
     QCOMPARE(pSaved->GetString(QStringLiteral("Editor/FontFace")), QStringLiteral("Mono"));
     QCOMPARE(pSaved->GetInteger(QStringLiteral("Editor/FontSize"), 0), 15);
 
     CShaderHighlightController Loaded(pSaved.get());
-    QVERIFY(Loaded.IsCustomised(31));
-    QCOMPARE(Foreground(Loaded.GetFormat(31)), 0xFF010203u);
-    QCOMPARE(Background(Loaded.GetFormat(31)), 0xFF040506u);
-    QVERIFY(Loaded.GetFormat(31).fontUnderline());
+    QVERIFY(Loaded.IsCustomised(HighlightElement_OpenCLBuiltInFunction));
+    QCOMPARE(Foreground(Loaded.GetFormat(HighlightElement_OpenCLBuiltInFunction)), 0xFF010203u);
+    QCOMPARE(Background(Loaded.GetFormat(HighlightElement_OpenCLBuiltInFunction)), 0xFF040506u);
+    QVERIFY(Loaded.GetFormat(HighlightElement_OpenCLBuiltInFunction).fontUnderline());
     QCOMPARE(Loaded.GetFont().family(), QStringLiteral("Mono"));
     QCOMPARE(Loaded.GetFont().pointSize(), 15);
-}
-
-void CShaderHighlightControllerTest::FontFaceComesBeforeSize_data()
-{
-    QTest::addColumn<QVariant>("Face"); // invalid: key absent
-    QTest::addColumn<QVariant>("Size");
-    QTest::addColumn<QString>("ExpectedFace");
-    QTest::addColumn<int>("iExpectedSize");
-    QTest::newRow("nothing stored") << QVariant() << QVariant() << "Courier" << 12;
-    QTest::newRow("size without face") << QVariant() << QVariant(20) << "Courier" << 12;
-    QTest::newRow("face without size") << QVariant("Mono") << QVariant() << "Mono" << 12;
-    QTest::newRow("face and size") << QVariant("Mono") << QVariant(20) << "Mono" << 20;
-    QTest::newRow("mistyped face") << QVariant(7) << QVariant(20) << "Courier" << 12;
-    QTest::newRow("mistyped size") << QVariant("Mono") << QVariant("big") << "Mono" << 12;
-    QTest::newRow("zero size") << QVariant("Mono") << QVariant(0) << "Mono" << 12;
-    QTest::newRow("negative size") << QVariant("Mono") << QVariant(-4) << "Mono" << 12;
-    QTest::newRow("absurd size") << QVariant("Mono") << QVariant(1000000) << "Mono" << 12;
-}
-
-void CShaderHighlightControllerTest::FontFaceComesBeforeSize()
-{
-    QFETCH(QVariant, Face);
-    QFETCH(QVariant, Size);
-    QFETCH(QString, ExpectedFace);
-    QFETCH(int, iExpectedSize);
-    auto pStore = NewStore();
-    for (const auto& Entry :
-         {qMakePair(QStringLiteral("Editor/FontFace"), Face), qMakePair(QStringLiteral("Editor/FontSize"), Size)})
-    {
-        if (Entry.second.typeId() == QMetaType::QString)
-            pStore->SetString(Entry.first, Entry.second.toString());
-        else if (Entry.second.isValid())
-            pStore->SetInteger(Entry.first, Entry.second.toLongLong());
-    }
-    CShaderHighlightController Controller(pStore.get());
-    QCOMPARE(Controller.GetFont().family(), ExpectedFace);
-    QCOMPARE(Controller.GetFont().pointSize(), iExpectedSize);
-}
-
-void CShaderHighlightControllerTest::SlotsAnnounceChanges()
-{
-    auto pStore = NewStore();
-    CShaderHighlightController Controller(pStore.get());
-    QSignalSpy Colours(&Controller, &CShaderHighlightController::SyntaxColoursChanged);
-    QSignalSpy Font(&Controller, &CShaderHighlightController::FontChanged);
-
-    QTextCharFormat Format;
-    Format.setForeground(Qt::red);
-    Controller.OnSyntaxColourChanged(36, Format);
-    QCOMPARE(Colours.count(), 0);
-    Controller.OnSyntaxColourChanged(20, Format);
-    QCOMPARE(Colours.count(), 1);
-    QVERIFY(Controller.IsCustomised(20));
-    QCOMPARE(Controller.GetFormat(20), Format);
-    QCOMPARE(Controller.GetDefaultFormat(20).foreground().color(), QColor::fromRgba(0xFF006C00u));
-
-    const QFont Chosen(QStringLiteral("Serif"), 9);
-    Controller.OnSetFont(Chosen);
-    QCOMPARE(Font.count(), 1);
-    QCOMPARE(Font.at(0).at(0).value<QFont>(), Chosen);
-    QCOMPARE(Controller.GetFont(), Chosen);
 }
 
 QTEST_MAIN(CShaderHighlightControllerTest)
