@@ -42,10 +42,8 @@ private slots:
     void OpenSwitchesToAnOpenFile();
     void ModifiedMarkerAndSaveAs();
     void TitlesShowTheWholeName();
-    void LineColumnAndCursorMatches();
-    void FindResultsAndSelection();
-    void CompileTrafficReachesTheRightPanel();
-    void FollowsTheControllersSettings();
+    void HighlightsFollowTheSettings();
+    void FollowsTheController();
 
 private:
     struct SDelivered
@@ -111,7 +109,6 @@ void CShaderEditorTest::NewFileNames_data()
     QTest::newRow("not the largest") << QStringList{"New File (4)", "New File (2)"} << "New File (3)";
     QTest::newRow("modified marker") << QStringList{"New File (2)*"} << "New File (3)";
     QTest::newRow("other files do not count") << QStringList{"New File (4)", "a.vsh"} << "New File (5)";
-    QTest::newRow("only other files") << QStringList{"a.vsh", "b.fsh"} << "New File";
     QTest::newRow("case matters") << QStringList{"new file (7)"} << "New File";
 }
 
@@ -306,21 +303,15 @@ void CShaderEditorTest::MiddleClickAsksToo()
     m_pEditor->OnNewFile(DocType_PlainText);
     QTabBar* pBar = m_pEditor->findChild<QTabWidget*>()->tabBar();
     const QPoint FirstTab = pBar->tabRect(0).center();
-
     QTest::mouseClick(pBar, Qt::MiddleButton, Qt::NoModifier, FirstTab);
     QCOMPARE(m_pEditor->GetTabCount(), 2); // the setting is off by default
-    QVERIFY(m_Delegate.Asked.isEmpty());
 
     Settings::SEditor Editor;
     Editor.bCloseTabsMiddleMouse = true;
     m_pEditor->OnEditorSettingsChanged(Editor);
-    m_Delegate.eAnswer = QMessageBox::Cancel;
-    QTest::mouseClick(pBar, Qt::MiddleButton, Qt::NoModifier, FirstTab);
-    QCOMPARE(m_Delegate.Asked.size(), 1);
-    QCOMPARE(m_pEditor->GetTabCount(), 2);
-
     m_Delegate.eAnswer = QMessageBox::Discard;
     QTest::mouseClick(pBar, Qt::MiddleButton, Qt::NoModifier, FirstTab);
+    QCOMPARE(m_Delegate.Asked, QStringList{"New File"});
     QCOMPARE(TabTitles(), QStringList{"New File (1)"});
 }
 
@@ -387,25 +378,16 @@ void CShaderEditorTest::TitlesShowTheWholeName()
     Type(QStringLiteral("z"));
     m_pEditor->GetCurrentPanel()->Undo();
     QCOMPARE(TabTitles(), QStringList({"a*b.fsh", "star*"}));
-
-    // A never-saved document is asked about by its whole title, without the marker.
-    m_pEditor->OnNewFile(DocType_PlainText);
-    Type(QStringLiteral("typed"));
-    m_Delegate.eAnswer = QMessageBox::Cancel;
-    m_pEditor->OnCloseCurrentTab();
-    QCOMPARE(m_Delegate.Asked, QStringList{"New File"});
 }
 
-void CShaderEditorTest::LineColumnAndCursorMatches()
+// Cursor matches and find results are drawn only while their settings say so.
+void CShaderEditorTest::HighlightsFollowTheSettings()
 {
+    QVERIFY(!m_pEditor->GetTextEdit());
     m_pEditor->OnNewFile(DocType_GLSLESVertex);
     CShaderEditPanel* pPanel = m_pEditor->GetCurrentPanel();
-    QSignalSpy Line(m_pEditor.get(), &CShaderEditor::LineChanged);
-    QSignalSpy Column(m_pEditor.get(), &CShaderEditor::ColChanged);
+    QCOMPARE(m_pEditor->GetTextEdit(), pPanel);
     SetMarkedText(pPanel, QStringLiteral("gl_Position = 1234;\n x = gl_Position + gl_Position2 + gl_|Position;\n1234"));
-    QCOMPARE(Line.last().at(0).toInt(), 2);
-    QCOMPARE(Column.last().at(0).toInt(), 38);
-
     auto Highlighted = [pPanel]()
     {
         QStringList Words;
@@ -415,92 +397,70 @@ void CShaderEditorTest::LineColumnAndCursorMatches()
     };
     QTRY_COMPARE(Highlighted(), QStringList({"gl_Position", "gl_Position", "gl_Position"}));
     QCOMPARE(pPanel->extraSelections().at(0).format.background().color(), Settings::SEditor().CursorMatchColour);
-
     QTextCursor Cursor = pPanel->textCursor();
     Cursor.setPosition(static_cast<int>(pPanel->toPlainText().lastIndexOf(QLatin1String("234"))));
     pPanel->setTextCursor(Cursor);
     QTRY_VERIFY(Highlighted().isEmpty()); // numbers are never matched
-
     Cursor.setPosition(2);
     pPanel->setTextCursor(Cursor);
     QTRY_COMPARE(Highlighted().size(), 3);
+
     Settings::SEditor Editor;
     Editor.bPerformCursorMatch = false;
     m_pEditor->OnEditorSettingsChanged(Editor);
     QVERIFY(Highlighted().isEmpty());
-}
-
-void CShaderEditorTest::FindResultsAndSelection()
-{
-    QVERIFY(!m_pEditor->GetTextEdit());
-    QVERIFY(m_pEditor->GetSelectedText().isEmpty());
-    m_pEditor->OnNewFile(DocType_PlainText);
-    CShaderEditPanel* pPanel = m_pEditor->GetCurrentPanel();
-    SetMarkedText(pPanel, QStringLiteral("one <two| three"));
-    QCOMPARE(m_pEditor->GetTextEdit(), pPanel);
-    QCOMPARE(m_pEditor->GetSelectedText(), QStringLiteral("two"));
-    QCOMPARE(m_pEditor->GetFindResultFormat().background().color(), Settings::SEditor().FindResultColour);
-
     QTextEdit::ExtraSelection Found;
-    Found.cursor = pPanel->document()->find(QStringLiteral("three"));
+    Found.cursor = pPanel->document()->find(QStringLiteral("1234"));
     m_pEditor->ShowFindResults({Found});
-    QCOMPARE(pPanel->extraSelections().size(), 1);
-    m_pEditor->ClearFindResults();
-    QCOMPARE(pPanel->extraSelections().size(), 0);
-
-    Settings::SEditor Editor;
+    QCOMPARE(Highlighted(), QStringList{"1234"});
     Editor.bHighlightFindResults = false;
     m_pEditor->OnEditorSettingsChanged(Editor);
+    QVERIFY(Highlighted().isEmpty());
     m_pEditor->ShowFindResults({Found});
-    QCOMPARE(pPanel->extraSelections().size(), 0);
+    QVERIFY(Highlighted().isEmpty());
+    SetMarkedText(pPanel, QStringLiteral("one <two| three"));
+    QCOMPARE(m_pEditor->GetSelectedText(), QStringLiteral("two"));
 }
 
-void CShaderEditorTest::CompileTrafficReachesTheRightPanel()
-{
-    const QString Path = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("c.vsh"),
-                                                  "void main() { gl_Position = vec4(1.0); }\n\n");
-    QVERIFY(m_pEditor->OnOpenFile(Path));
-    m_pEditor->OnNewFile(DocType_GLSLESFragment);
-    QSignalSpy Requests(m_pEditor.get(), &CShaderEditor::RecompileContents);
-    QSignalSpy Cancels(m_pEditor.get(), &CShaderEditor::CancelCompile);
-    Type(QStringLiteral("v"));
-    QCOMPARE(Requests.count(), 1);
-    QCOMPARE(Cancels.count(), 1);
-    QCOMPARE(Requests.at(0).at(0).value<CZamTHash>(), CZamTHash(""));
-
-    CZamTArray<int> Counts;
-    Counts.Append(-1);
-    Counts.Append(12);
-    m_pEditor->OnCompileCycleCountChanged(CZamTHash(QDir::toNativeSeparators(Path).toUtf8().constData()), Counts);
-    QCOMPARE(m_pEditor->GetPanel(0)->GetCycleCounts().GetSize(), 2u);
-    QCOMPARE(m_pEditor->GetPanel(1)->GetCycleCounts().GetSize(), 0u);
-}
-
-void CShaderEditorTest::FollowsTheControllersSettings()
+// Settings, compile requests and cycle counts travel between the controller and the panel
+// they belong to.
+void CShaderEditorTest::FollowsTheController()
 {
     CShaderEditController Controller;
     m_pEditor->SetController(&Controller);
+    const QString Path = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("c.vsh"),
+                                                  "void main() { gl_Position = vec4(1.0); }\n\n");
+    QVERIFY(m_pEditor->OnOpenFile(Path));
     m_pEditor->OnNewFile(DocType_GLSLESVertex);
     Settings::SEditor Editor = Controller.GetEditorSettings();
     Editor.bTreatTabAsSpace = true;
     Editor.iTabSpaceSize = 2;
     Controller.SetEditorSettings(Editor,
                                  Settings::EditorSetting_TreatTabAsSpace | Settings::EditorSetting_TabSpaceSize);
-    QTest::keyClick(m_pEditor->GetCurrentPanel(), Qt::Key_Tab);
-    QCOMPARE(m_pEditor->GetCurrentPanel()->toPlainText(), QStringLiteral("  "));
-
     Settings::SCompiler Compiler = Controller.GetCompilerSettings();
-    Compiler.bAutoCompile = false;
+    Compiler.bAutoCompile = true;
     Controller.SetCompilerSettings(Compiler, Settings::CompilerSetting_AutoCompile);
     QSignalSpy Requests(m_pEditor.get(), &CShaderEditor::RecompileContents);
+    QSignalSpy Cancels(m_pEditor.get(), &CShaderEditor::CancelCompile);
+    QTest::keyClick(m_pEditor->GetCurrentPanel(), Qt::Key_Tab);
+    QCOMPARE(m_pEditor->GetCurrentPanel()->toPlainText(), QStringLiteral("  "));
+    QCOMPARE(Requests.count(), 1);
+    QCOMPARE(Cancels.count(), 1);
+    QCOMPARE(Requests.at(0).at(0).value<CZamTHash>(), CZamTHash(""));
+
+    Compiler.bAutoCompile = false;
+    Controller.SetCompilerSettings(Compiler, Settings::CompilerSetting_AutoCompile);
     Type(QStringLiteral("x"));
-    QCOMPARE(Requests.count(), 0);
+    QCOMPARE(Requests.count(), 1);
 
     CZamTArray<int> Counts;
     Counts.Append(-1);
-    Counts.Append(5);
+    Counts.Append(12);
+    emit Controller.CompileCycleCountChanged(CZamTHash(QDir::toNativeSeparators(Path).toUtf8().constData()), Counts);
+    QCOMPARE(m_pEditor->GetPanel(0)->GetCycleCounts().GetSize(), 2u);
+    QCOMPARE(m_pEditor->GetPanel(1)->GetCycleCounts().GetSize(), 0u);
     emit Controller.CompileCycleCountChanged(CZamTHash(""), Counts);
-    QCOMPARE(m_pEditor->GetCurrentPanel()->GetCycleCounts().GetSize(), 2u);
+    QCOMPARE(m_pEditor->GetPanel(1)->GetCycleCounts().GetSize(), 2u);
     m_pEditor.reset(); // before the controller it is wired to
 }
 
