@@ -232,7 +232,7 @@ void CShaderRuleEngine::AddPattern(unsigned int uiRule, const QString& Pattern)
         m_iMaxWordLength = std::max(m_iMaxWordLength, int(Word.size()));
         return;
     }
-    SRegexRule Regex{uiRule, QRegExp(Pattern, Qt::CaseSensitive, QRegExp::RegExp), RequiredPatternLiteral(Pattern), {}};
+    SRegexRule Regex{uiRule, Pattern, std::nullopt, RequiredPatternLiteral(Pattern), {}};
     for (QChar c : Regex.Literal)
     {
         if (c.unicode() < 128)
@@ -337,13 +337,16 @@ void CShaderRuleEngine::ApplyRegex(const SRegexRule& Regex, const QString& Text,
         return;
     if (!Regex.Literal.isEmpty() && !Text.contains(Regex.Literal))
         return;
-    int iPos = Regex.Expression.indexIn(Text, 0);
+    if (!Regex.Expression)
+        Regex.Expression.emplace(Regex.Pattern, Qt::CaseSensitive, QRegExp::RegExp);
+    const QRegExp& Expression = *Regex.Expression;
+    int iPos = Expression.indexIn(Text, 0);
     while (iPos >= 0)
     {
-        const int iLength = Regex.Expression.matchedLength();
+        const int iLength = Expression.matchedLength();
         PaintRule(Regex.uiRule, iPos, iLength, pElements, Scan);
         // An empty match would find itself again; none of the tables has one.
-        iPos = Regex.Expression.indexIn(Text, iPos + std::max(iLength, 1));
+        iPos = Expression.indexIn(Text, iPos + std::max(iLength, 1));
     }
 }
 

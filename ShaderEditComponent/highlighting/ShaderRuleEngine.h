@@ -6,6 +6,7 @@
 #include <QStringList>
 #include <QStringView>
 
+#include <optional>
 #include <vector>
 
 // Applies the highlight rule tables and the fixed expressions (numbers, preprocessor lines,
@@ -66,7 +67,10 @@ private:
     struct SRegexRule
     {
         unsigned int uiRule; // index into m_Rules
-        QRegExp Expression;
+        QString Pattern;
+        // Compiled when a line first passes the literal test: most tables belong to other
+        // languages than the open documents', and compiling all of them held up the start.
+        mutable std::optional<QRegExp> Expression;
         QString Literal; // contained in every match; empty if none is known
         SCharacterSets LiteralSets;
     };
