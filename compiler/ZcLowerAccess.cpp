@@ -191,7 +191,7 @@ bool CExpressionLowerer::ResolveSwizzle(TIntermBinary* pNode, SAccess& access)
     TIntermAggregate* pSelectors = pNode->getRight()->getAsAggregate();
     if (!pSelectors || (access.iSlotCount != 1 && access.iSelectColumn < 0))
     {
-        m_builder.Refuse(iLine, access.pVariable->name, "this swizzle");
+        m_builder.Refuse(iLine, VariableName(*access.pVariable), "this swizzle");
         return false;
     }
     CLanes aLanes;

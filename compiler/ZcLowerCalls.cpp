@@ -113,7 +113,7 @@ bool CCallInliner::BindIn(TIntermSymbol* pParam, TIntermTyped* pArg, TIntermNode
     // Read-only parameter: use the caller's operands, no copy.
     SVariable alias;
     alias.eStorage = Storage_Alias;
-    alias.name = UserName(pParam);
+    alias.pSymbol = pParam;
     alias.aLanes = SlotLanes(pParam->getType());
     alias.alias = argValue;
     for (const STxeOperand& op : argValue.aSlots)
@@ -164,6 +164,7 @@ bool CCallInliner::BindParameters(TIntermAggregate* pCall, TIntermAggregate* pDe
     TIntermNode* pBody = BodyOf(pDefinition);
     const TIntermSequence& aArgs = pCall->getSequence();
     const std::set<int> setOutTemps = OutArgumentRegisters(pParameters, aArgs);
+    bindings.aBound.reserve(aArgs.size());
     for (std::size_t i = 0; i < aArgs.size(); ++i)
     {
         TIntermSymbol* pParam = Parameter(pParameters, i);

@@ -84,6 +84,21 @@ bool IsLocal(TStorageQualifier eQualifier)
 
 } // namespace
 
+std::string VariableName(const SVariable& variable)
+{
+    return variable.pSymbol ? UserName(variable.pSymbol) : variable.name;
+}
+
+SVariable& CVariableStore::NewVariable()
+{
+    if (m_uiUsedInChunk == k_uiChunkVariables)
+    {
+        m_aArena.push_back(std::make_unique<SVariable[]>(k_uiChunkVariables));
+        m_uiUsedInChunk = 0;
+    }
+    return m_aArena.back()[m_uiUsedInChunk++];
+}
+
 SVariable* CVariableStore::Find(long long llId) const
 {
     const auto it = m_mapVariables.find(llId);
@@ -97,28 +112,33 @@ SVariable* CVariableStore::Variable(TIntermSymbol* pSymbol)
 
     const TType& type = pSymbol->getType();
     bool bSupported = true;
-    SVariable variable;
-    variable.eStorage = StorageOf(type, bSupported);
-    variable.name = UserName(pSymbol);
+    const EStorage eStorage = StorageOf(type, bSupported);
     const int iLine = std::max(0, pSymbol->getLoc().line);
     if (!bSupported)
     {
-        const bool bBuiltIn = variable.name.rfind("gl_", 0) == 0;
-        m_builder.Refuse(iLine, variable.name,
+        const std::string name = UserName(pSymbol);
+        const bool bBuiltIn = name.rfind("gl_", 0) == 0;
+        m_builder.Refuse(iLine, name,
                          bBuiltIn ? std::string("this built-in variable")
                                   : std::string("a '") + GetStorageQualifierString(type.getQualifier().storage) + "' variable");
         return nullptr;
     }
-    variable.aLanes = SlotLanes(type);
-    if (variable.aLanes.empty())
+    std::vector<std::uint8_t> aLanes = SlotLanes(type);
+    if (aLanes.empty())
     {
-        m_builder.Refuse(iLine, variable.name, "an array without a size");
+        m_builder.Refuse(iLine, UserName(pSymbol), "an array without a size");
         return nullptr;
     }
 
+    // Built where it stays: the arena never moves its elements.
+    SVariable& variable = NewVariable();
+    variable.eStorage = eStorage;
+    variable.pSymbol = pSymbol;
+    variable.aLanes = std::move(aLanes);
     variable.bGlobal = type.getQualifier().storage == EvqGlobal;
     if (variable.eStorage == Storage_Temp)
     {
+        variable.aTemps.reserve(variable.aLanes.size());
         for (std::size_t i = 0; i < variable.aLanes.size(); ++i)
         {
             const int iRegister = m_builder.NewRegister();
@@ -134,20 +154,21 @@ SVariable* CVariableStore::Variable(TIntermSymbol* pSymbol)
         binding.eFile = FileOf(variable.eStorage);
         binding.iSlots = static_cast<int>(variable.aLanes.size());
         binding.iBase = variable.iBase = m_builder.AllocateSlots(binding.eFile, binding.iSlots);
-        binding.name = variable.name;
+        binding.name = UserName(pSymbol);
         if (type.getQualifier().storage == EvqConst)
             binding.aValues = ConstantSlots(type, pSymbol->getConstArray());
         m_builder.AddBinding(binding);
     }
     if (IsLocal(type.getQualifier().storage))
         m_aCreated.push_back(pSymbol->getId());
-    return Bind(pSymbol->getId(), std::move(variable));
+    m_mapVariables[pSymbol->getId()] = &variable;
+    return &variable;
 }
 
 SVariable* CVariableStore::Bind(long long llId, SVariable variable)
 {
-    m_aArena.push_back(std::move(variable));
-    SVariable* pVariable = &m_aArena.back();
+    SVariable* pVariable = &NewVariable();
+    *pVariable = std::move(variable);
     m_mapVariables[llId] = pVariable;
     return pVariable;
 }
@@ -168,8 +189,8 @@ SVariable* CVariableStore::ConstantArray(TIntermConstantUnion* pConstant, int iL
     constant.name = binding.name;
     binding.aValues = ConstantSlots(pConstant->getType(), pConstant->getConstArray());
     m_builder.AddBinding(binding);
-    m_aArena.push_back(std::move(constant));
-    SVariable* pVariable = &m_aArena.back();
+    SVariable* pVariable = &NewVariable();
+    *pVariable = std::move(constant);
     m_mapConstantArrays.emplace(pConstant, pVariable);
     return pVariable;
 }
@@ -264,7 +285,7 @@ bool CVariableStore::StoreSelected(const SAccess& access, const SValue& value, i
     {
         if (access.iSelectColumn >= 0)
         {
-            m_builder.Refuse(iLine, access.pVariable->name, "writing an element chosen by two non-constant indexes");
+            m_builder.Refuse(iLine, VariableName(*access.pVariable), "writing an element chosen by two non-constant indexes");
             return false;
         }
         SValue current;
@@ -317,7 +338,7 @@ bool CVariableStore::Load(const SAccess& access, int iLine, SValue& value)
                               (variable.eStorage != Storage_Alias || iSlot < static_cast<int>(variable.alias.aSlots.size()));
         if (!bInRange)
         {
-            m_builder.Fail(iLine, variable.name, "access out of range");
+            m_builder.Fail(iLine, VariableName(variable), "access out of range");
             return false;
         }
         const STxeOperand op = SlotOperand(access, iSlot, iLine);
@@ -368,22 +389,21 @@ bool CVariableStore::StoreSlot(const SAccess& access, int k, const STxeOperand& 
 bool CVariableStore::Store(const SAccess& access, const SValue& value, int iLine)
 {
     const EStorage eStorage = access.pVariable->eStorage;
-    const std::string& name = access.pVariable->name;
     if (eStorage == Storage_Buffer)
     {
-        m_builder.Refuse(iLine, name, "writing a shader storage buffer");
+        m_builder.Refuse(iLine, VariableName(*access.pVariable), "writing a shader storage buffer");
         return false;
     }
     if (eStorage != Storage_Temp && eStorage != Storage_Output && eStorage != Storage_Scratch)
     {
-        m_builder.Fail(iLine, name, "this variable cannot be written");
+        m_builder.Fail(iLine, VariableName(*access.pVariable), "this variable cannot be written");
         return false;
     }
     if (access.iSelectColumn >= 0 || access.iSelectLane >= 0)
         return StoreSelected(access, value, iLine);
     if (static_cast<int>(value.aSlots.size()) != access.iSlotCount)
     {
-        m_builder.Fail(iLine, name, "the value does not fit this variable");
+        m_builder.Fail(iLine, VariableName(*access.pVariable), "the value does not fit this variable");
         return false;
     }
     for (int k = 0; k < access.iSlotCount; ++k)

@@ -5,7 +5,7 @@
 
 #include "ZcLowerProgram.h"
 
-#include <deque>
+#include <memory>
 #include <string>
 #include <unordered_map>
 
@@ -33,7 +33,9 @@ enum EStorage
 struct SVariable
 {
     EStorage eStorage = Storage_Temp;
-    std::string name;                 // as the user wrote it, for messages
+    // Names the variable in messages; its name is only built when a message needs it.
+    const glslang::TIntermSymbol* pSymbol = nullptr;
+    std::string name;                 // a variable without a symbol (a literal array)
     std::vector<std::uint8_t> aLanes; // lanes per slot
     std::vector<int> aTemps;          // Storage_Temp: one virtual register per slot
     SValue alias;                     // Storage_Alias
@@ -41,6 +43,9 @@ struct SVariable
     bool bRead = false;
     bool bGlobal = false;
 };
+
+// The name the user wrote for the variable.
+std::string VariableName(const SVariable& variable);
 
 // A place inside a variable, as an access path (a.b[i].xy) resolves it.
 struct SAccess
@@ -91,10 +96,16 @@ private:
     bool StoreSlot(const SAccess& access, int k, const STxeOperand& source, int iLine);
     STxeOperand SlotOperand(const SAccess& access, int iSlot, int iLine);
 
+    // A variable in the arena: constructed in place, never moved.
+    SVariable& NewVariable();
+
     CProgramBuilder& m_builder;
     // Variables live in an arena that only grows, so an SVariable* stays valid for the
-    // whole lowering, even after its symbol is unbound at the end of an inlined call.
-    std::deque<SVariable> m_aArena;
+    // whole lowering, even after its symbol is unbound at the end of an inlined call. Every
+    // call binds its parameters anew: chunks of many variables keep that to few allocations.
+    static constexpr std::size_t k_uiChunkVariables = 128;
+    std::vector<std::unique_ptr<SVariable[]>> m_aArena;
+    std::size_t m_uiUsedInChunk = k_uiChunkVariables;
     std::unordered_map<long long, SVariable*> m_mapVariables;
     std::unordered_map<const void*, SVariable*> m_mapConstantArrays;
     std::vector<long long> m_aCreated; // locals, in creation order

@@ -129,6 +129,13 @@ private:
 
 std::vector<std::uint8_t> SlotLanes(const TType& type)
 {
+    // Most values are one vector or a matrix: one allocation of the final size.
+    if (!type.isArray() && !type.isStruct())
+    {
+        return type.isMatrix() ? std::vector<std::uint8_t>(static_cast<std::size_t>(std::max(0, type.getMatrixCols())),
+                                                           static_cast<std::uint8_t>(type.getMatrixRows()))
+                               : std::vector<std::uint8_t>(1, static_cast<std::uint8_t>(std::clamp(type.getVectorSize(), 1, 4)));
+    }
     std::vector<std::uint8_t> aLanes;
     if (type.isArray())
     {
@@ -137,25 +144,17 @@ std::vector<std::uint8_t> SlotLanes(const TType& type)
         const bool bRuntimeSized = type.isUnsizedArray() && type.getQualifier().storage == EvqBuffer;
         const int iCount = type.isSizedArray() ? std::max(0, type.getOuterArraySize())
                                                : (bRuntimeSized ? k_iRuntimeArrayElements : 0);
+        aLanes.reserve(static_cast<std::size_t>(iCount) * aElement.size());
         for (int i = 0; i < iCount; ++i)
             aLanes.insert(aLanes.end(), aElement.begin(), aElement.end());
     }
-    else if (type.isStruct())
+    else
     {
         for (const TTypeLoc& member : *type.getStruct())
         {
             const std::vector<std::uint8_t> aMember = SlotLanes(*member.type);
             aLanes.insert(aLanes.end(), aMember.begin(), aMember.end());
         }
-    }
-    else if (type.isMatrix())
-    {
-        for (int i = 0; i < type.getMatrixCols(); ++i)
-            aLanes.push_back(static_cast<std::uint8_t>(type.getMatrixRows()));
-    }
-    else
-    {
-        aLanes.push_back(static_cast<std::uint8_t>(std::clamp(type.getVectorSize(), 1, 4)));
     }
     return aLanes;
 }
