@@ -28,26 +28,6 @@ using namespace CompileTest;
 
 namespace
 {
-// A light with a branch: the worst path costs more than the average one.
-const char kLitFragment[] = "precision mediump float;\n"
-                            "uniform sampler2D u_albedo;\n"
-                            "uniform vec3 u_lightDir;\n"
-                            "uniform float u_shininess;\n"
-                            "varying vec2 v_uv;\n"
-                            "varying vec3 v_normal;\n"
-                            "void main()\n"
-                            "{\n"
-                            "    vec3 n = normalize(v_normal);\n"
-                            "    float diffuse = max(dot(n, u_lightDir), 0.0);\n"
-                            "    vec4 colour = texture2D(u_albedo, v_uv) * diffuse;\n"
-                            "    if (diffuse > 0.0)\n"
-                            "    {\n"
-                            "        vec3 h = normalize(u_lightDir + vec3(0.0, 0.0, 1.0));\n"
-                            "        colour.rgb += vec3(pow(max(dot(n, h), 0.0), u_shininess));\n"
-                            "    }\n"
-                            "    gl_FragColor = colour;\n"
-                            "}\n";
-
 // Compiles to nothing at all: every cycle figure is 0.
 const char kEmptyFragment[] = "void main()\n{\n}\n";
 
@@ -59,54 +39,24 @@ const char kBrokenFragment[] = "#extension GL_EXT_nothing_here : enable\n"
                                "    gl_FragColor = vec4(1.0) * undefinedThing;\n"
                                "}\n";
 
-// A post-processing chain: a full-screen pass, a blur and a tone map. %1 ends line 38.
-const char kPostEffect[] = "[VERTEXSHADER]\n"                                       // 1
-                           "NAME FullScreenVS\n"                                    // 2
-                           "[GLSL_CODE]\n"                                          // 3
-                           "attribute vec2 a_position;\n"                           // 4
-                           "varying vec2 v_uv;\n"                                   // 5
-                           "void main()\n"                                          // 6
-                           "{\n"                                                    // 7
-                           "    v_uv = a_position * 0.5 + 0.5;\n"                   // 8
-                           "    gl_Position = vec4(a_position, 0.0, 1.0);\n"        // 9
-                           "}\n"                                                    // 10
-                           "[/GLSL_CODE]\n"                                         // 11
-                           "[/VERTEXSHADER]\n"                                      // 12
-                           "[FRAGMENTSHADER]\n"                                     // 13
-                           "NAME BlurFS\n"                                          // 14
-                           "[GLSL_CODE]\n"                                          // 15
-                           "precision mediump float;\n"                             // 16
-                           "uniform sampler2D u_scene;\n"                           // 17
-                           "uniform vec2 u_texel;\n"                                // 18
-                           "varying vec2 v_uv;\n"                                   // 19
-                           "void main()\n"                                          // 20
-                           "{\n"                                                    // 21
-                           "    vec4 sum = texture2D(u_scene, v_uv - u_texel);\n"   // 22
-                           "    sum += texture2D(u_scene, v_uv);\n"                 // 23
-                           "    sum += texture2D(u_scene, v_uv + u_texel);\n"       // 24
-                           "    gl_FragColor = sum / 3.0;\n"                        // 25
-                           "}\n"                                                    // 26
-                           "[/GLSL_CODE]\n"                                         // 27
-                           "[/FRAGMENTSHADER]\n"                                    // 28
-                           "[FRAGMENTSHADER]\n"                                     // 29
-                           "NAME ToneMapFS\n"                                       // 30
-                           "[GLSL_CODE]\n"                                          // 31
-                           "precision mediump float;\n"                             // 32
-                           "uniform sampler2D u_hdr;\n"                             // 33
-                           "varying vec2 v_uv;\n"                                   // 34
-                           "void main()\n"                                          // 35
-                           "{\n"                                                    // 36
-                           "    vec3 c = texture2D(u_hdr, v_uv).rgb;\n"             // 37
-                           "    gl_FragColor = vec4(c / (c + vec3(1.0)), 1.0)%1;\n" // 38
-                           "}\n"                                                    // 39
-                           "[/GLSL_CODE]\n"                                         // 40
-                           "[/FRAGMENTSHADER]\n"                                    // 41
-                           "[EFFECT]\nNAME Blur\nVERTEXSHADER FullScreenVS\nFRAGMENTSHADER BlurFS\n[/EFFECT]\n"
-                           "[EFFECT]\nNAME ToneMap\nVERTEXSHADER FullScreenVS\nFRAGMENTSHADER ToneMapFS\n[/EFFECT]\n";
-
-QString PostEffect(const char* pLine38Tail = "")
+// The shipped examples: a lit mesh whose worst path, through its branches, costs more than the
+// average one, and a bloom effect of three shaders.
+QString Example(const char* pName)
 {
-    return QString::fromLatin1(kPostEffect).arg(QLatin1String(pLine38Tail));
+    return QString::fromUtf8(ReadAll(QDir(SourceDir()).filePath(QStringLiteral("examples/") + QLatin1String(pName))));
+}
+
+QString LitMesh()
+{
+    return Example("lit_mesh.fsh");
+}
+
+// The bloom effect, with Tail added to line 119, in CompositeFS.
+QString Bloom(const char* pTail = "")
+{
+    QStringList Lines = Example("bloom_postprocess.zfx").split(QLatin1Char('\n'));
+    Lines[118] += QLatin1String(pTail);
+    return Lines.join(QLatin1Char('\n'));
 }
 
 template <typename T> T* Child(const QWidget& Parent, const char* pName)
@@ -260,7 +210,7 @@ QStringList COutputViewsTest::SelectorItems(const QWidget& View, const char* pCo
 
 void COutputViewsTest::SingleShader()
 {
-    Compile(QString::fromLatin1(kLitFragment), DocType_GLSLESFragment);
+    Compile(LitMesh(), DocType_GLSLESFragment);
     QCOMPARE(m_Last.iStatus, 0);
     QCOMPARE(m_pLog->toPlainText(), QStringLiteral("GLSL:ES Fragment Shader: Compile succeeded.\n"));
 
@@ -277,8 +227,9 @@ void COutputViewsTest::SingleShader()
     QVERIFY(Counts.first > 0);
     QCOMPARE(Text(*m_pProfile, "GlobalTXC"), QString::number(Counts.first));
     QCOMPARE(Text(*m_pProfile, "TempReg"), QString::number(Counts.second));
-    QCOMPARE(Text(*m_pProfile, "NonDepend"), QStringLiteral("1"));
-    QCOMPARE(Text(*m_pProfile, "PrimaryAttribs"), QStringLiteral("2"));
+    // Both texture reads take the varying as it is; five varyings are read.
+    QCOMPARE(Text(*m_pProfile, "NonDepend"), QStringLiteral("2"));
+    QCOMPARE(Text(*m_pProfile, "PrimaryAttribs"), QStringLiteral("5"));
     int iLineSum = 0;
     for (uint32_t ui = 0; ui < m_Last.CycleCounts.GetSize(); ++ui)
         iLineSum += qMax(0, m_Last.CycleCounts[ui]);
@@ -298,9 +249,9 @@ void COutputViewsTest::SingleShader()
 
 void COutputViewsTest::EffectFileSelectors()
 {
-    Compile(PostEffect(), DocType_ZFXGLSLES);
+    Compile(Bloom(), DocType_ZFXGLSLES);
     QCOMPARE(m_Last.iStatus, 0);
-    const QStringList Names{"FullScreenVS", "BlurFS", "ToneMapFS"};
+    const QStringList Names{"FullScreenVS", "BrightPassFS", "CompositeFS"};
     QVERIFY(Selector(*m_pAsm, "label", "ShaderSelectCombo", true));
     QVERIFY(Selector(*m_pProfile, "ShaderSelectorLabel", "ShaderSelectorComboBox", true));
     QCOMPARE(SelectorItems(*m_pAsm, "ShaderSelectCombo"), Names);
@@ -310,29 +261,32 @@ void COutputViewsTest::EffectFileSelectors()
     QVERIFY(pAsmText->toPlainText().startsWith(QStringLiteral("; TXE ZC1 vertex program:")));
     QCOMPARE(Text(*m_pProfile, "NonDepend"), QStringLiteral("0"));
 
-    // The user picks the blur in each view: its own disassembly and figures. Of its three
-    // texture reads only the one straight from the varying is non-dependent.
+    // The user picks the bright pass in each view: its own disassembly and figures.
     Child<QComboBox>(*m_pAsm, "ShaderSelectCombo")->setCurrentIndex(1);
     Child<QComboBox>(*m_pProfile, "ShaderSelectorComboBox")->setCurrentIndex(1);
-    const QString Blur = pAsmText->toPlainText();
-    QVERIFY2(Blur.startsWith(QStringLiteral("; TXE ZC1 fragment program:")), qPrintable(Blur.left(80)));
+    const QString BrightPass = pAsmText->toPlainText();
+    QVERIFY2(BrightPass.startsWith(QStringLiteral("; TXE ZC1 fragment program:")), qPrintable(BrightPass.left(80)));
     QCOMPARE(Text(*m_pProfile, "NonDepend"), QStringLiteral("1"));
-    QCOMPARE(Text(*m_pProfile, "GlobalTXC"), QString::number(DisassemblyCounts(Blur).first));
-    QCOMPARE(Text(*m_pProfile, "TempReg"), QString::number(DisassemblyCounts(Blur).second));
-    int iBlurLines = 0;
-    for (int iLine = 16; iLine <= 26; ++iLine)
-        iBlurLines += qMax(0, m_Last.CycleCounts[static_cast<uint32_t>(iLine - 1)]);
-    QCOMPARE(Text(*m_pProfile, "PerLineTotal"), QString::number(iBlurLines));
+    QCOMPARE(Text(*m_pProfile, "GlobalTXC"), QString::number(DisassemblyCounts(BrightPass).first));
+    QCOMPARE(Text(*m_pProfile, "TempReg"), QString::number(DisassemblyCounts(BrightPass).second));
+    int iSectionLines = 0;
+    for (int iLine = 57; iLine <= 80; ++iLine)
+        iSectionLines += qMax(0, m_Last.CycleCounts[static_cast<uint32_t>(iLine - 1)]);
+    QCOMPARE(Text(*m_pProfile, "PerLineTotal"), QString::number(iSectionLines));
 
+    // Of the composite's eighteen texture reads only the two at the varying itself are
+    // non-dependent.
     Child<QComboBox>(*m_pAsm, "ShaderSelectCombo")->setCurrentIndex(2);
-    QVERIFY(pAsmText->toPlainText() != Blur);
-    QVERIFY(pAsmText->toPlainText().contains(QStringLiteral("u_hdr")));
+    Child<QComboBox>(*m_pProfile, "ShaderSelectorComboBox")->setCurrentIndex(2);
+    QVERIFY(pAsmText->toPlainText() != BrightPass);
+    QVERIFY(pAsmText->toPlainText().contains(QStringLiteral("uBloom")));
+    QCOMPARE(Text(*m_pProfile, "NonDepend"), QStringLiteral("2"));
 
     // A single shader afterwards takes both selectors away again.
-    Compile(QString::fromLatin1(kLitFragment), DocType_GLSLESFragment);
+    Compile(LitMesh(), DocType_GLSLESFragment);
     QVERIFY(Selector(*m_pAsm, "label", "ShaderSelectCombo", false));
     QVERIFY(Selector(*m_pProfile, "ShaderSelectorLabel", "ShaderSelectorComboBox", false));
-    QCOMPARE(Text(*m_pProfile, "NonDepend"), QStringLiteral("1"));
+    QCOMPARE(Text(*m_pProfile, "NonDepend"), QStringLiteral("2"));
 }
 
 void COutputViewsTest::WorstCaseRow()
@@ -346,7 +300,7 @@ void COutputViewsTest::WorstCaseRow()
     QCOMPARE(pForm->indexOf(pWorstCaption), -1);
 
     // A branch: the worst path is dearer than the average, and the total shows the range.
-    Compile(QString::fromLatin1(kLitFragment), DocType_GLSLESFragment);
+    Compile(LitMesh(), DocType_GLSLESFragment);
     const QString Cycles = Text(*m_pProfile, "EmulatedCycles");
     const QString Worst = Text(*m_pProfile, "EmulatedCyclesWorst");
     QVERIFY(Cycles.toDouble() > 0 && Worst.toDouble() > Cycles.toDouble());
@@ -361,7 +315,7 @@ void COutputViewsTest::WorstCaseRow()
     QCOMPARE(pForm->labelForField(pWorst), pWorstCaption);
 
     // The same shader again: the row is not added twice.
-    Compile(QString::fromLatin1(kLitFragment) + QLatin1Char('\n'), DocType_GLSLESFragment);
+    Compile(LitMesh() + QLatin1Char('\n'), DocType_GLSLESFragment);
     QCOMPARE(pForm->rowCount(), 8);
 
     // Nothing to run: worst case 0, no row, the total is the emulated cycles alone.
@@ -380,7 +334,7 @@ void COutputViewsTest::EmptyingTheViews()
 {
     const char* const Figures[] = {"PerLineTotal", "EmulatedCycleTotal", "GlobalTXC", "EmulatedCycles",
                                    "NonDepend",    "PrimaryAttribs",     "TempReg",   "EmulatedCyclesWorst"};
-    Compile(PostEffect(), DocType_ZFXGLSLES);
+    Compile(Bloom(), DocType_ZFXGLSLES);
     QVERIFY(Selector(*m_pProfile, "ShaderSelectorLabel", "ShaderSelectorComboBox", true));
 
     // A document that compiled before keeps its last good figures through a failure, marked.
@@ -401,7 +355,7 @@ void COutputViewsTest::EmptyingTheViews()
     QVERIFY(Child<QPlainTextEdit>(*m_pAsm, "OutputTextEdit")->toPlainText().isEmpty());
 
     // Switching to a panel that never compiled empties all three views.
-    Compile(PostEffect(), DocType_ZFXGLSLES);
+    Compile(Bloom(), DocType_ZFXGLSLES);
     m_pController->OnPanelChanged(CZamTHash("never compiled"));
     QVERIFY(m_pLog->toPlainText().isEmpty());
     QVERIFY(Child<QPlainTextEdit>(*m_pAsm, "OutputTextEdit")->toPlainText().isEmpty());
@@ -459,14 +413,14 @@ void COutputViewsTest::LogColoursAndJumps()
 
     // Effect logs start with shader names: one that holds ERROR inside a word is no message.
     // The message names the effect file's own line.
-    QString Effect = PostEffect(" * missing");
-    Effect.replace(QStringLiteral("BlurFS"), QStringLiteral("TERRORFS"));
+    QString Effect = Bloom(" * missing");
+    Effect.replace(QStringLiteral("BrightPassFS"), QStringLiteral("TERRORFS"));
     Compile(Effect, DocType_ZFXGLSLES);
     QCOMPARE(ForegroundOf(FindBlock(*m_pLog, QStringLiteral("TERRORFS: Compile succeeded."))), QColor());
-    const QTextBlock EffectError = FindBlock(*m_pLog, QStringLiteral("ERROR: 0:38:"));
+    const QTextBlock EffectError = FindBlock(*m_pLog, QStringLiteral("ERROR: 0:119:"));
     QCOMPARE(ForegroundOf(EffectError), QColor(0, 0, 0xC0));
     QTest::mouseDClick(pViewport, Qt::LeftButton, {}, m_pLog->CentreOf(EffectError));
-    QCOMPARE(NextJump(), 38);
+    QCOMPARE(NextJump(), 119);
 
     // A custom compiler's log may end without a line end: the empty space below its last
     // message is not that message.
