@@ -3,7 +3,9 @@
 // Shared by the compile tests: where the built programs are, what this test process has left
 // behind (children, zombies, open files, peak memory), and compiler messages to hand out.
 
+#include "Common/ZamPreferences/ZamPreferences.h"
 #include "ShaderEditComponent/compile/model/CompileResult.h"
+#include "ShaderEditComponent/compile/process/CompilerLocator.h"
 #include "TestFiles.h"
 
 #include <QDir>
@@ -133,6 +135,19 @@ public:
 private:
     const char* m_pName;
 };
+
+// Writes the preference file a controller starts from: Executable as the custom compiler, and
+// the compiles' temporary folder. A failure ends the test program.
+inline void StoreCustomCompiler(const QString& Executable, const QString& TempDirectory)
+{
+    CZamPreferences Store(QStringLiteral("ZamShaderEditor"));
+    Store.Load();
+    Store.SetString(QStringLiteral("Compiler/GLSLES"), Executable);
+    Store.SetInteger(QStringLiteral("Compiler/CompilerSelection"), CustomCompilerSelection);
+    Store.SetString(QStringLiteral("Compiler/TempDirectory"), TempDirectory);
+    if (!Store.Save())
+        qFatal("cannot write the starting preference file %s", qPrintable(Store.GetFilePath()));
+}
 
 // A compiler message on a 1-based document line, as the output parser makes them.
 inline SCompileMessage MessageAt(int iLine, SCompileMessage::ESeverity eSeverity, const QString& Text)

@@ -55,15 +55,7 @@ void CCompilerDetectorTest::cleanup()
 // A controller whose stored selection is the custom compiler Custom.
 std::unique_ptr<CShaderEditController> CCompilerDetectorTest::MakeController(const QString& Custom, int iTimeoutMs)
 {
-    {
-        CZamPreferences Store(QStringLiteral("ZamShaderEditor"));
-        Store.Load();
-        Store.SetString(QStringLiteral("Compiler/GLSLES"), Custom);
-        Store.SetInteger(QStringLiteral("Compiler/CompilerSelection"), CustomCompilerSelection);
-        Store.SetString(QStringLiteral("Compiler/TempDirectory"), m_Temp.path() + "/");
-        if (!Store.Save())
-            qFatal("cannot write the starting preference file %s", qPrintable(Store.GetFilePath()));
-    }
+    StoreCustomCompiler(Custom, m_Temp.path() + "/");
     SShaderEditControllerOptions Options;
     Options.CompilerSearchPaths = {m_Temp.filePath(QStringLiteral("none"))};
     Options.iDetectionTimeoutMs = iTimeoutMs;

@@ -1,10 +1,6 @@
 // The command-line compile as a process of its own: interrupted, killed, out of time, and given
 // files that are no shader files at all. Nothing it started may outlive it.
 
-#include "ShaderEditComponent/compile/controller/CShaderEditController.h"
-#include "ShaderEditComponent/compile/model/MetaTypes.h"
-#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
-#include "ShaderEditComponent/compile/process/CompilerLocator.h"
 #include "tests/support/CompileTestSupport.h"
 
 #include <QProcess>
@@ -55,7 +51,6 @@ private:
 
 void CHeadlessCompileTest::initTestCase()
 {
-    RegisterCompileMetaTypes();
     QVERIFY(QFileInfo(Program("zam_headless_host")).isExecutable());
     m_PidFile = m_Temp.filePath("child.pid");
     m_OwnPidFile = m_Temp.filePath("own.pid");
@@ -85,15 +80,7 @@ void CHeadlessCompileTest::UseCompiler(const QString& Executable)
     static int s_iUse = 0;
     m_TempFolder = m_Temp.filePath(QStringLiteral("tmp%1").arg(++s_iUse));
     QVERIFY(QDir().mkpath(m_TempFolder));
-    SShaderEditControllerOptions Options;
-    Options.CompilerSearchPaths = {m_Temp.filePath("none")};
-    CShaderEditController Controller(Options);
-    Settings::SCompiler Compiler = Controller.GetCompilerSettings();
-    Compiler.CustomCompilerPath = ToZamString(Executable);
-    Compiler.uiCompilerSelection = CustomCompilerSelection;
-    Compiler.TempDirectory = ToZamString(m_TempFolder + "/");
-    Controller.SetCompilerSettings(Compiler, Settings::CompilerSetting_All);
-    Controller.WaitForCompilerDetection();
+    StoreCustomCompiler(Executable, m_TempFolder + "/");
 }
 
 void CHeadlessCompileTest::Start(const QStringList& Arguments)
