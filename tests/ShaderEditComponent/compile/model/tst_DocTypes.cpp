@@ -1,4 +1,5 @@
 #include "ShaderEditComponent/compile/model/CompileOptions.h"
+#include "ShaderEditComponent/compile/model/CompileResult.h"
 #include "ShaderEditComponent/compile/model/FileFormats.h"
 #include "ShaderEditComponent/compile/model/ShaderDocType.h"
 #include "ShaderEditComponent/compile/model/UIString.h"
@@ -15,6 +16,7 @@ private slots:
     void DetectionOfUnusualTexts();
     void NewFileListAndFilter();
     void OptionNamesAndTexts();
+    void ProfileLookup();
 };
 
 void CDocTypesTest::Detection_data()
@@ -130,6 +132,24 @@ void CDocTypesTest::OptionNamesAndTexts()
     QCOMPARE(UIString(UIS_FailedToExecuteCommandLine), QStringLiteral("ERROR: Failed to execute command line\n"));
     QCOMPARE(UIString(UIS_PrefCompilerUnexpectedResult),
              QStringLiteral("The compiler returned and unexpected result! Please check the executable."));
+}
+
+void CDocTypesTest::ProfileLookup()
+{
+    SCompileResult Result;
+    SCompileResult::SProfile Profile;
+    for (const auto& Unit : QList<QPair<const char*, int>>{{"vs", 3}, {"fs", 5}, {"vs", 7}})
+    {
+        Profile.Name = Unit.first;
+        Profile.iTemporaryRegisters = Unit.second;
+        QCOMPARE(Result.AddProfile(Profile), 0);
+    }
+    // The list keeps every unit in order; the lookup holds the newest figures per name.
+    QCOMPARE(Result.Profiles.GetSize(), 3u);
+    QCOMPARE(Result.Profiles[0].iTemporaryRegisters, 3);
+    QCOMPARE(Result.FindProfile("vs")->iTemporaryRegisters, 7);
+    QCOMPARE(Result.FindProfile("fs")->iTemporaryRegisters, 5);
+    QVERIFY(Result.FindProfile("v") == nullptr);
 }
 
 QTEST_APPLESS_MAIN(CDocTypesTest)
