@@ -19,21 +19,25 @@ namespace ZamCompiler
 namespace
 {
 
-// The listing is the longest output to build: a second thread formats it from the moment the
-// registers are final, while the figures per line and path are worked out and the program
-// file and the profile are built and written. Every path out joins the thread.
+// The listing is the longest output to build. From the moment the registers are final a
+// second thread formats its first three quarters, while the figures per line and path are
+// worked out and the program file and the profile are built and written; the last quarter
+// is formatted on the calling thread when the text is asked for. Every path out joins the
+// thread.
 class CListingJob
 {
 public:
     CListingJob(const SCompilation& compilation, const SCoreModel& core)
+        : m_compilation(compilation), m_core(core), m_aPoolTexts(ImmediateTexts(compilation.program)),
+          m_uiSplit(compilation.program.aInstructions.size() / 4 * 3)
     {
         try
         {
-            m_thread = std::thread([this, &compilation, &core] { m_text = FormatDisassembly(compilation, core); });
+            m_thread = std::thread([this] { FormatFirstPart(); });
         }
         catch (const std::system_error&)
         {
-            m_text = FormatDisassembly(compilation, core);
+            FormatFirstPart();
         }
     }
     CListingJob(const CListingJob&) = delete;
@@ -42,18 +46,37 @@ public:
 
     const std::string& Text()
     {
-        Wait();
+        if (!m_bComplete)
+        {
+            std::string rest;
+            AppendDisassembly(m_compilation, m_uiSplit, m_compilation.program.aInstructions.size(), m_aPoolTexts, rest);
+            Wait();
+            m_text += rest;
+            m_bComplete = true;
+        }
         return m_text;
     }
 
 private:
+    void FormatFirstPart()
+    {
+        m_text = DisassemblyHeader(m_compilation, m_core);
+        // Room for the rest too, so that appending it copies nothing twice.
+        m_text.reserve(m_text.size() + m_compilation.program.aInstructions.size() * 56);
+        AppendDisassembly(m_compilation, 0, m_uiSplit, m_aPoolTexts, m_text);
+    }
     void Wait()
     {
         if (m_thread.joinable())
             m_thread.join();
     }
 
+    const SCompilation& m_compilation;
+    const SCoreModel& m_core;
+    const std::vector<std::string> m_aPoolTexts;
+    const std::size_t m_uiSplit;
     std::string m_text;
+    bool m_bComplete = false;
     std::thread m_thread;
 };
 

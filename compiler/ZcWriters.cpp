@@ -1,5 +1,6 @@
 #include "ZcWriters.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -32,7 +33,8 @@ void PutU32(std::string& out, std::uint32_t uiValue)
     out.append(acBytes, 4);
 }
 
-// Little-endian fields written at fixed places of a record.
+// Little-endian fields written at fixed places of a record: on a little-endian machine a
+// field is one store.
 void StoreU16(char* p, unsigned uiValue)
 {
     p[0] = static_cast<char>(uiValue & 0xFF);
@@ -41,8 +43,12 @@ void StoreU16(char* p, unsigned uiValue)
 
 void StoreU32(char* p, std::uint32_t uiValue)
 {
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    std::memcpy(p, &uiValue, sizeof(uiValue));
+#else
     StoreU16(p, uiValue & 0xFFFF);
     StoreU16(p + 2, uiValue >> 16);
+#endif
 }
 
 // An operand's 12 bytes.
@@ -86,6 +92,17 @@ std::uint32_t ImmediateWord(const STxeProgram& program, std::size_t uiLane)
     std::uint32_t uiBits = 0;
     std::memcpy(&uiBits, &fValue, sizeof(uiBits));
     return uiBits;
+}
+
+// The listing indents the body of an if, else and loop by one level.
+bool ClosesLevel(ETxeOp eOp)
+{
+    return eOp == Op_Else || eOp == Op_Endif || eOp == Op_Endloop;
+}
+
+bool OpensLevel(ETxeOp eOp)
+{
+    return eOp == Op_If || eOp == Op_Else || eOp == Op_Loop;
 }
 
 std::string Pad(std::string text, std::size_t uiWidth)
@@ -157,11 +174,18 @@ std::string FormatEstimate(const SCompilation& compilation)
 
 std::string FormatDisassembly(const SCompilation& compilation, const SCoreModel& core)
 {
+    std::string text = DisassemblyHeader(compilation, core);
+    AppendDisassembly(compilation, 0, compilation.program.aInstructions.size(), ImmediateTexts(compilation.program),
+                      text);
+    return text;
+}
+
+std::string DisassemblyHeader(const SCompilation& compilation, const SCoreModel& core)
+{
     const STxeProgram& program = compilation.program;
-    std::string text;
-    text += std::string("; TXE ") + core.pName + (program.eStage == Stage_Vertex ? " vertex" : " fragment") +
-            " program: " + std::to_string(program.aInstructions.size()) + " instructions, " +
-            std::to_string(compilation.iTemporaries) + " temporaries\n";
+    std::string text = std::string("; TXE ") + core.pName + (program.eStage == Stage_Vertex ? " vertex" : " fragment") +
+                       " program: " + std::to_string(program.aInstructions.size()) + " instructions, " +
+                       std::to_string(compilation.iTemporaries) + " temporaries\n";
     for (const STxeBinding& binding : program.aBindings)
     {
         const char cLetter = s_acFileLetters[binding.eFile < sizeof(s_acFileLetters) - 1 ? binding.eFile : 0];
@@ -171,15 +195,30 @@ std::string FormatDisassembly(const SCompilation& compilation, const SCoreModel&
         text += "; " + Pad(range, 9) + " " + Pad(s_apFileNames[binding.eFile], 8) + " " + binding.name + "\n";
     }
     text += "; index  line  cycles  instruction\n";
-    text.reserve(text.size() + program.aInstructions.size() * 56);
-    const std::vector<std::string> aPoolTexts = ImmediateTexts(program);
+    return text;
+}
 
+void AppendDisassembly(const SCompilation& compilation, std::size_t uiFirst, std::size_t uiEnd,
+                       const std::vector<std::string>& aPoolTexts, std::string& text)
+{
+    const STxeProgram& program = compilation.program;
+    uiEnd = std::min(uiEnd, program.aInstructions.size());
+    text.reserve(text.size() + (uiEnd - std::min(uiFirst, uiEnd)) * 56);
+
+    // The nesting the part starts at, from the instructions before it.
     int iDepth = 0;
+    for (std::size_t i = 0; i < uiFirst && i < uiEnd; ++i)
+    {
+        if (ClosesLevel(program.aInstructions[i].eOp))
+            iDepth = iDepth > 0 ? iDepth - 1 : 0;
+        if (OpensLevel(program.aInstructions[i].eOp))
+            ++iDepth;
+    }
     CTextSink out(text);
-    for (std::size_t i = 0; i < program.aInstructions.size(); ++i)
+    for (std::size_t i = uiFirst; i < uiEnd; ++i)
     {
         const STxeInstruction& instr = program.aInstructions[i];
-        if (instr.eOp == Op_Else || instr.eOp == Op_Endif || instr.eOp == Op_Endloop)
+        if (ClosesLevel(instr.eOp))
             iDepth = iDepth > 0 ? iDepth - 1 : 0;
         out.RightAligned(static_cast<long long>(i), 6);
         out.Put(' ');
@@ -200,11 +239,10 @@ std::string FormatDisassembly(const SCompilation& compilation, const SCoreModel&
         if (instr.bNonDependent)
             out.Put("  ; non-dependent");
         out.Put('\n');
-        if (instr.eOp == Op_If || instr.eOp == Op_Else || instr.eOp == Op_Loop)
+        if (OpensLevel(instr.eOp))
             ++iDepth;
     }
     out.Flush();
-    return text;
 }
 
 std::string EncodeProgram(const SCompilation& compilation, const SCoreModel& core)
@@ -223,11 +261,22 @@ std::string EncodeProgram(const SCompilation& compilation, const SCoreModel& cor
     PutU32(out, static_cast<std::uint32_t>(program.iScratchSlots));
     PutU32(out, 0);
 
-    // The records are written in place: a large program has tens of thousands of them.
-    const std::size_t uiRecords = out.size();
-    out.resize(uiRecords + program.aInstructions.size() * k_uiInstructionBytes);
-    for (std::size_t i = 0; i < program.aInstructions.size(); ++i)
-        StoreInstruction(&out[uiRecords + i * k_uiInstructionBytes], program.aInstructions[i]);
+    // A large program has tens of thousands of records: they are built in a block on the
+    // stack and appended a block at a time, so the file is written once, without clearing it
+    // first.
+    constexpr std::size_t k_uiBlockRecords = 64;
+    char acBlock[k_uiBlockRecords * k_uiInstructionBytes];
+    std::size_t uiInBlock = 0;
+    for (const STxeInstruction& instr : program.aInstructions)
+    {
+        StoreInstruction(acBlock + uiInBlock * k_uiInstructionBytes, instr);
+        if (++uiInBlock == k_uiBlockRecords)
+        {
+            out.append(acBlock, sizeof(acBlock));
+            uiInBlock = 0;
+        }
+    }
+    out.append(acBlock, uiInBlock * k_uiInstructionBytes);
     for (std::size_t uiEntry = 0; uiEntry * 4 < program.aPool.size(); ++uiEntry)
     {
         PutU8(out, uiEntry < program.aPoolTypes.size() ? program.aPoolTypes[uiEntry] : Type_Float);

@@ -7,6 +7,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 namespace ZamCompiler
 {
@@ -25,6 +26,11 @@ std::string FormatProfile(const SCompilation& compilation);
 std::string FormatEstimate(const SCompilation& compilation);
 
 std::string FormatDisassembly(const SCompilation& compilation, const SCoreModel& core);
+// The listing in parts, for threads that each format one: the header, then instructions
+// [uiFirst, uiEnd) appended to text. aPoolTexts is ImmediateTexts of the program.
+std::string DisassemblyHeader(const SCompilation& compilation, const SCoreModel& core);
+void AppendDisassembly(const SCompilation& compilation, std::size_t uiFirst, std::size_t uiEnd,
+                       const std::vector<std::string>& aPoolTexts, std::string& text);
 
 // The "ZTXE" program file (layout in docs/compiler.md).
 std::string EncodeProgram(const SCompilation& compilation, const SCoreModel& core);
