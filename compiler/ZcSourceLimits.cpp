@@ -117,9 +117,19 @@ struct STextScan
     {
         static const SByteClasses s_classes;
         const char* pText = source.data();
+        const unsigned char* const pBytes = reinterpret_cast<const unsigned char*>(pText);
+        const unsigned char* const aClass = s_classes.aClass;
         const std::size_t uiSize = source.size();
         for (std::size_t i = 0; i < uiSize; ++i)
         {
+            // Runs of plain bytes, nearly all of a shader, cost one look-up a byte: the text's
+            // terminating zero is a control byte, which ends the run at the end.
+            const unsigned char* pByte = pBytes + i;
+            while (aClass[*pByte] == Byte_Plain)
+                ++pByte;
+            i = static_cast<std::size_t>(pByte - pBytes);
+            if (i == uiSize)
+                break;
             const char c = pText[i];
             switch (s_classes.aClass[static_cast<unsigned char>(c)])
             {
