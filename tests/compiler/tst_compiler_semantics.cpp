@@ -397,7 +397,7 @@ private slots:
         QTest::addRow("as a call argument")
             << Es1("float twice(float x) { return 2.0 * x; }", "float a = 0.0;\ngl_FragColor = vec4(twice((a = uB.y, a + 1.0)), a, 0.0, 0.0);")
             << V{10, 4, 0, 0};
-            // Vectors and matrices in registers indexed at run time, read and written; k is 3.
+        // Vectors and matrices in registers indexed at run time, read and written; k is 3.
         QTest::addRow("vector lanes")
             << Es3("", "int k = int(uF * 4.0);\nvec4 v = uA;\nv[k] = 9.0;\nv[k - 1] += 1.0;\no = v;") << V{1.5, -2, 1.25, 9};
         QTest::addRow("integer lanes")
