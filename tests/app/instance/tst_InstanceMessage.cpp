@@ -10,33 +10,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace
-{
-// Puts an environment variable back when a check fails half-way.
-class CEnvironmentGuard
-{
-public:
-    explicit CEnvironmentGuard(const char* pName)
-        : m_pName(pName)
-        , m_Value(qgetenv(pName))
-        , m_bWasSet(qEnvironmentVariableIsSet(pName))
-    {
-    }
-    ~CEnvironmentGuard()
-    {
-        if (m_bWasSet)
-            qputenv(m_pName, m_Value);
-        else
-            qunsetenv(m_pName);
-    }
-
-private:
-    const char* m_pName;
-    QByteArray m_Value;
-    bool m_bWasSet;
-};
-} // namespace
-
 class CInstanceMessageTest : public QObject
 {
     Q_OBJECT
@@ -82,8 +55,6 @@ void CInstanceMessageTest::PrivateFolders()
 {
     QTemporaryDir Temp;
     QVERIFY(Temp.isValid());
-    const CEnvironmentGuard RuntimeGuard("XDG_RUNTIME_DIR");
-    const CEnvironmentGuard TempGuard("TMPDIR");
     qputenv("TMPDIR", QFile::encodeName(Temp.path()));
     const QString Fallback = Temp.path() + QStringLiteral("/zamshadereditor-") + QString::number(geteuid());
 
