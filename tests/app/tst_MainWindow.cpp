@@ -154,19 +154,15 @@ void CMainWindowTest::ActionsReachTheEditor()
     pDecrease->trigger();
     QCOMPARE(Text(), Original);
 
-    Ui.actionSelect_All->trigger();
-    Ui.actionCopy->trigger();
-    Ui.actionDelete->trigger();
-    QCOMPARE(Text(), QString());
-    Ui.actionPaste->trigger();
-    QCOMPARE(Text(), Original);
-    Ui.actionUndo->trigger();
-    QCOMPARE(Text(), QString());
-    Ui.actionRedo->trigger();
-    QCOMPARE(Text(), Original);
-    Ui.actionSelect_All->trigger();
-    Ui.actionCut->trigger();
-    QCOMPARE(Text(), QString());
+    const QList<QPair<QAction*, QString>> Steps = {
+        {Ui.actionSelect_All, Original}, {Ui.actionCopy, Original}, {Ui.actionDelete, QString()},
+        {Ui.actionPaste, Original},      {Ui.actionUndo, QString()}, {Ui.actionRedo, Original},
+        {Ui.actionSelect_All, Original}, {Ui.actionCut, QString()}};
+    for (const auto& [pAction, Expected] : Steps)
+    {
+        pAction->trigger();
+        QVERIFY2(Text() == Expected, qPrintable(pAction->objectName()));
+    }
     pEditor->GetCurrentPanel()->setPlainText(QStringLiteral("saved text\n"));
 
     Ui.actionSave->trigger();

@@ -14,7 +14,6 @@
 #include <QSignalSpy>
 #include <QtTest>
 
-#include <sys/stat.h>
 
 using namespace CompileTest;
 using namespace DialogTest;
@@ -30,7 +29,6 @@ private slots:
     void OkStoresEachPageWithItsMask();
     void CancelStoresNothing();
     void OkFollowsEveryPage();
-    void SavingKeepsTheUsersFile();
 
 private:
     std::unique_ptr<CPreferencesDialog> Open();
@@ -172,75 +170,6 @@ void CPreferencesDialogTest::OkFollowsEveryPage()
     pOK->click();
     QCOMPARE(Editor.size(), 0);
     QVERIFY(pDialog->result() != QDialog::Accepted);
-}
-
-void CPreferencesDialogTest::SavingKeepsTheUsersFile()
-{
-    const QString Path = StorePath();
-    // A file that cannot be read is kept aside by the save that OK makes, and the user hears of it.
-    const QByteArray Damaged = "<?xml version=\"1.0\"?><plist><dict><key>General</key><dict><key>Open";
-    m_Controllers = SControllers();
-    {
-        QFile File(Path);
-        QVERIFY(File.open(QIODevice::WriteOnly | QIODevice::Truncate) && File.write(Damaged) > 0);
-    }
-    m_Controllers = MakeControllers(m_Temp.filePath(QStringLiteral("no-bundled")));
-    QList<SPreferencesNotice> Notices;
-    m_Controllers.pGUI->GetPreferences().SetNoticeHandler([&Notices](const SPreferencesNotice& Notice)
-                                                          { Notices.append(Notice); });
-    {
-        auto pDialog = Open();
-        Child<QComboBox>(*pDialog, "CompilerCombobox")->setCurrentIndex(4);
-        emit pDialog->GetCompilerPage()->GLSLESPathChanged(Fake("print"));
-        QVERIFY(Settle(*pDialog));
-        Button(*pDialog, QDialogButtonBox::Ok)->click();
-        QCOMPARE(pDialog->result(), int(QDialog::Accepted));
-    }
-    QCOMPARE(Notices.size(), 1);
-    QCOMPARE(Notices.first().eKind, SPreferencesNotice::Kind_SetAside);
-    QCOMPARE(ReadAll(Notices.first().AsidePath), Damaged);
-    QVERIFY(ReadAll(Path).contains("<key>OpenLastTabs</key>"));
-
-    // A linked file stays linked; its target gets the settings.
-    m_Controllers = SControllers();
-    const QString Target = m_Temp.filePath(QStringLiteral("dotfiles.plist"));
-    QFile::remove(Target);
-    QVERIFY(QFile::rename(Path, Target));
-    QVERIFY(QFile::link(Target, Path));
-    m_Controllers = MakeControllers(m_Temp.filePath(QStringLiteral("no-bundled")));
-    {
-        auto pDialog = Open();
-        QVERIFY(Settle(*pDialog));
-        Child<QCheckBox>(*pDialog, "saveSessionCheckbox")->setChecked(true);
-        QVERIFY(Button(*pDialog, QDialogButtonBox::Ok)->isEnabled());
-        Button(*pDialog, QDialogButtonBox::Ok)->click();
-    }
-    QVERIFY(QFileInfo(Path).isSymLink());
-    CZamPreferences Linked(QStringLiteral("ZamShaderEditor"));
-    QVERIFY(Linked.Load());
-    QCOMPARE(Linked.GetBool(QStringLiteral("General/OpenLastTabs"), false), true);
-
-    // A read-only file is left as it is, and the user is told why.
-    m_Controllers = SControllers();
-    QVERIFY(::chmod(QFile::encodeName(Target).constData(), 0444) == 0);
-    const QByteArray Kept = ReadAll(Target);
-    m_Controllers = MakeControllers(m_Temp.filePath(QStringLiteral("no-bundled")));
-    QSignalSpy Failed(m_Controllers.pGUI.get(), &CGUIController::PreferencesSaveFailed);
-    {
-        auto pDialog = Open();
-        QVERIFY(Settle(*pDialog));
-        Child<QCheckBox>(*pDialog, "saveSessionCheckbox")->setChecked(false);
-        Button(*pDialog, QDialogButtonBox::Ok)->click();
-    }
-    QCOMPARE(ReadAll(Target), Kept);
-    QCOMPARE(Failed.size(), 1);
-    QVERIFY2(Failed.first().at(0).toString().contains("read-only"), qPrintable(Failed.first().at(0).toString()));
-    const QList<SPreferencesNotice> ReadOnly = m_Controllers.pGUI->GetPreferences().TakeNotices();
-    QCOMPARE(ReadOnly.size(), 1);
-    QCOMPARE(ReadOnly.first().eKind, SPreferencesNotice::Kind_ReadOnly);
-    m_Controllers = SControllers();
-    ::chmod(QFile::encodeName(Target).constData(), 0644);
-    QFile::remove(Path);
 }
 
 QTEST_MAIN(CPreferencesDialogTest)
