@@ -5,6 +5,7 @@
 
 #include "TxeIsa.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -53,6 +54,15 @@ public:
     {
         if (this != &other)
             assign(other.begin(), other.end());
+        return *this;
+    }
+    // Values are returned and passed up the tree all the time: a move copies the operands
+    // kept in place and takes over a heap list.
+    CSlotList(CSlotList&& other) noexcept { TakeFrom(other); }
+    CSlotList& operator=(CSlotList&& other) noexcept
+    {
+        if (this != &other)
+            TakeFrom(other);
         return *this;
     }
 
@@ -105,6 +115,16 @@ public:
 
 private:
     static constexpr std::size_t k_uiInline = 4;
+
+    void TakeFrom(CSlotList& other) noexcept
+    {
+        m_uiSize = other.m_uiSize;
+        if (m_uiSize > k_uiInline)
+            m_aHeap = std::move(other.m_aHeap);
+        else
+            std::copy(other.m_aInline, other.m_aInline + m_uiSize, m_aInline);
+        other.m_uiSize = 0;
+    }
 
     // Past four operands the list lives on the heap, which then holds exactly size() of them.
     std::vector<STxeOperand>& Spill()
