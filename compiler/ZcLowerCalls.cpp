@@ -114,7 +114,7 @@ bool CCallInliner::BindIn(TIntermSymbol* pParam, TIntermTyped* pArg, TIntermNode
     SVariable alias;
     alias.eStorage = Storage_Alias;
     alias.pSymbol = pParam;
-    alias.aLanes = SlotLanes(pParam->getType());
+    AppendSlotLanes(pParam->getType(), alias.aLanes);
     alias.alias = argValue;
     for (const STxeOperand& op : argValue.aSlots)
     {
@@ -130,7 +130,7 @@ bool CCallInliner::BindOut(TIntermSymbol* pParam, TIntermTyped* pArg, int iLine,
     TIntermSymbol* pRoot = RootOf(pArg);
     SVariable* pArgVariable = pRoot && pArg == pRoot ? m_variables.Variable(pRoot) : nullptr;
     if (pArgVariable && pArgVariable->eStorage == Storage_Temp && !pArgVariable->bGlobal &&
-        pArgVariable->aLanes == SlotLanes(pParam->getType()))
+        pArgVariable->aLanes.Equals(SlotLanes(pParam->getType())))
     {
         // A whole local passed as out or inout: the callee writes it in place.
         m_variables.Bind(pParam->getId(), *pArgVariable);

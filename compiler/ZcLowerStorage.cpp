@@ -123,7 +123,8 @@ SVariable* CVariableStore::Variable(TIntermSymbol* pSymbol)
                                   : std::string("a '") + GetStorageQualifierString(type.getQualifier().storage) + "' variable");
         return nullptr;
     }
-    std::vector<std::uint8_t> aLanes = SlotLanes(type);
+    CInlineList<std::uint8_t, 4> aLanes;
+    AppendSlotLanes(type, aLanes);
     if (aLanes.empty())
     {
         m_builder.Refuse(iLine, UserName(pSymbol), "an array without a size");
@@ -138,7 +139,6 @@ SVariable* CVariableStore::Variable(TIntermSymbol* pSymbol)
     variable.bGlobal = type.getQualifier().storage == EvqGlobal;
     if (variable.eStorage == Storage_Temp)
     {
-        variable.aTemps.reserve(variable.aLanes.size());
         for (std::size_t i = 0; i < variable.aLanes.size(); ++i)
         {
             const int iRegister = m_builder.NewRegister();
@@ -180,7 +180,8 @@ SVariable* CVariableStore::ConstantArray(TIntermConstantUnion* pConstant, int iL
         return it->second;
     SVariable constant;
     constant.eStorage = Storage_Uniform;
-    constant.aLanes = SlotLanes(pConstant->getType());
+    const std::vector<std::uint8_t> aLanes = SlotLanes(pConstant->getType());
+    constant.aLanes.append(aLanes.begin(), aLanes.end());
     STxeBinding binding;
     binding.eFile = File_Uniform;
     binding.iSlots = static_cast<int>(constant.aLanes.size());

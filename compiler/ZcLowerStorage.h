@@ -36,8 +36,8 @@ struct SVariable
     // Names the variable in messages; its name is only built when a message needs it.
     const glslang::TIntermSymbol* pSymbol = nullptr;
     std::string name;                 // a variable without a symbol (a literal array)
-    std::vector<std::uint8_t> aLanes; // lanes per slot
-    std::vector<int> aTemps;          // Storage_Temp: one virtual register per slot
+    CInlineList<std::uint8_t, 4> aLanes; // lanes per slot
+    CInlineList<int, 4> aTemps;          // Storage_Temp: one virtual register per slot
     SValue alias;                     // Storage_Alias
     int iBase = 0;                    // first slot in its file
     bool bRead = false;

@@ -127,14 +127,27 @@ private:
 
 } // namespace
 
+namespace
+{
+
+// A type that is neither an array nor a structure: one slot a matrix column, or one slot.
+void PlainSlots(const TType& type, std::size_t& uiSlots, std::uint8_t& uiLanes)
+{
+    uiSlots = type.isMatrix() ? static_cast<std::size_t>(std::max(0, type.getMatrixCols())) : 1;
+    uiLanes = static_cast<std::uint8_t>(type.isMatrix() ? type.getMatrixRows() : std::clamp(type.getVectorSize(), 1, 4));
+}
+
+} // namespace
+
 std::vector<std::uint8_t> SlotLanes(const TType& type)
 {
     // Most values are one vector or a matrix: one allocation of the final size.
     if (!type.isArray() && !type.isStruct())
     {
-        return type.isMatrix() ? std::vector<std::uint8_t>(static_cast<std::size_t>(std::max(0, type.getMatrixCols())),
-                                                           static_cast<std::uint8_t>(type.getMatrixRows()))
-                               : std::vector<std::uint8_t>(1, static_cast<std::uint8_t>(std::clamp(type.getVectorSize(), 1, 4)));
+        std::size_t uiSlots = 0;
+        std::uint8_t uiLanes = 0;
+        PlainSlots(type, uiSlots, uiLanes);
+        return std::vector<std::uint8_t>(uiSlots, uiLanes);
     }
     std::vector<std::uint8_t> aLanes;
     if (type.isArray())
@@ -157,6 +170,21 @@ std::vector<std::uint8_t> SlotLanes(const TType& type)
         }
     }
     return aLanes;
+}
+
+void AppendSlotLanes(const TType& type, CInlineList<std::uint8_t, 4>& aLanes)
+{
+    if (type.isArray() || type.isStruct())
+    {
+        const std::vector<std::uint8_t> aAll = SlotLanes(type);
+        aLanes.append(aAll.begin(), aAll.end());
+        return;
+    }
+    std::size_t uiSlots = 0;
+    std::uint8_t uiLanes = 0;
+    PlainSlots(type, uiSlots, uiLanes);
+    for (std::size_t i = 0; i < uiSlots; ++i)
+        aLanes.push_back(uiLanes);
 }
 
 int SlotCount(const TType& type)

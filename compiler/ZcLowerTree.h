@@ -4,6 +4,7 @@
 // what a node writes or returns, and the names the user wrote.
 
 #include "TxeIsa.h"
+#include "ZcLowerValue.h"
 
 #include <glslang/MachineIndependent/localintermediate.h>
 
@@ -20,6 +21,8 @@ namespace ZamCompiler
 constexpr int k_iRuntimeArrayElements = 16;
 // Lanes of each four-lane slot the type occupies (a mat3 is {3, 3, 3}).
 std::vector<std::uint8_t> SlotLanes(const glslang::TType& type);
+// SlotLanes appended to a short list: a vector or a matrix without a heap allocation.
+void AppendSlotLanes(const glslang::TType& type, CInlineList<std::uint8_t, 4>& aLanes);
 // The number of slots SlotLanes would list, without listing them.
 int SlotCount(const glslang::TType& type);
 // Lanes of one slot: a vector's size, a matrix's rows.

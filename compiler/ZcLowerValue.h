@@ -43,23 +43,24 @@ private:
     std::uint8_t m_uiCount = 0;
 };
 
-// A list of operands that keeps up to four in place: almost every value is a scalar, a
-// vector or a matrix, and the lowering makes one for every expression.
-class CSlotList
+// A list that keeps up to N elements in place: almost every value is a scalar, a vector or a
+// matrix, and the lowering makes one for every expression and every variable.
+template <typename T, std::size_t N>
+class CInlineList
 {
 public:
-    CSlotList() = default;
-    CSlotList(const CSlotList& other) { assign(other.begin(), other.end()); }
-    CSlotList& operator=(const CSlotList& other)
+    CInlineList() = default;
+    CInlineList(const CInlineList& other) { assign(other.begin(), other.end()); }
+    CInlineList& operator=(const CInlineList& other)
     {
         if (this != &other)
             assign(other.begin(), other.end());
         return *this;
     }
-    // Values are returned and passed up the tree all the time: a move copies the operands
+    // Values are returned and passed up the tree all the time: a move copies the elements
     // kept in place and takes over a heap list.
-    CSlotList(CSlotList&& other) noexcept { TakeFrom(other); }
-    CSlotList& operator=(CSlotList&& other) noexcept
+    CInlineList(CInlineList&& other) noexcept { TakeFrom(other); }
+    CInlineList& operator=(CInlineList&& other) noexcept
     {
         if (this != &other)
             TakeFrom(other);
@@ -69,36 +70,41 @@ public:
     std::size_t size() const { return m_uiSize; }
     bool empty() const { return m_uiSize == 0; }
     void clear() { m_uiSize = 0; }
-    STxeOperand* begin() { return Data(); }
-    STxeOperand* end() { return Data() + m_uiSize; }
-    const STxeOperand* begin() const { return Data(); }
-    const STxeOperand* end() const { return Data() + m_uiSize; }
-    STxeOperand& operator[](std::size_t i) { return Data()[i]; }
-    const STxeOperand& operator[](std::size_t i) const { return Data()[i]; }
-    STxeOperand& back() { return Data()[m_uiSize - 1]; }
-    const STxeOperand& back() const { return Data()[m_uiSize - 1]; }
+    T* begin() { return Data(); }
+    T* end() { return Data() + m_uiSize; }
+    const T* begin() const { return Data(); }
+    const T* end() const { return Data() + m_uiSize; }
+    T& operator[](std::size_t i) { return Data()[i]; }
+    const T& operator[](std::size_t i) const { return Data()[i]; }
+    T& back() { return Data()[m_uiSize - 1]; }
+    const T& back() const { return Data()[m_uiSize - 1]; }
 
-    // By value: op may be an element of this list, which Spill can move.
-    void push_back(STxeOperand op)
+    // By value: element may be one of this list, which Spill can move.
+    void push_back(T element)
     {
         if (m_uiSize < k_uiInline)
-            m_aInline[m_uiSize] = op;
+            m_aInline[m_uiSize] = element;
         else
-            Spill().push_back(op);
+            Spill().push_back(element);
         ++m_uiSize;
     }
-    void assign(std::size_t uiCount, const STxeOperand& op)
+    template <typename TOther>
+    bool Equals(const TOther& other) const
+    {
+        return size() == other.size() && std::equal(begin(), end(), other.begin());
+    }
+    void assign(std::size_t uiCount, const T& element)
     {
         clear();
         for (std::size_t i = 0; i < uiCount; ++i)
-            push_back(op);
+            push_back(element);
     }
-    void assign(const STxeOperand* pFirst, const STxeOperand* pLast)
+    void assign(const T* pFirst, const T* pLast)
     {
         if (Owns(pFirst))
         {
             // Part of this list itself: copy it out first.
-            const std::vector<STxeOperand> aCopy(pFirst, pLast);
+            const std::vector<T> aCopy(pFirst, pLast);
             clear();
             append(aCopy.data(), aCopy.data() + aCopy.size());
             return;
@@ -107,16 +113,17 @@ public:
         append(pFirst, pLast);
     }
     // From another list only.
-    void append(const STxeOperand* pFirst, const STxeOperand* pLast)
+    template <typename TIterator>
+    void append(TIterator pFirst, TIterator pLast)
     {
-        for (const STxeOperand* p = pFirst; p != pLast; ++p)
-            push_back(*p);
+        for (; pFirst != pLast; ++pFirst)
+            push_back(*pFirst);
     }
 
 private:
-    static constexpr std::size_t k_uiInline = 4;
+    static constexpr std::size_t k_uiInline = N;
 
-    void TakeFrom(CSlotList& other) noexcept
+    void TakeFrom(CInlineList& other) noexcept
     {
         m_uiSize = other.m_uiSize;
         if (m_uiSize > k_uiInline)
@@ -126,29 +133,31 @@ private:
         other.m_uiSize = 0;
     }
 
-    // Past four operands the list lives on the heap, which then holds exactly size() of them.
-    std::vector<STxeOperand>& Spill()
+    // Past N elements the list lives on the heap, which then holds exactly size() of them.
+    std::vector<T>& Spill()
     {
         if (m_uiSize == k_uiInline)
             m_aHeap.assign(m_aInline, m_aInline + k_uiInline);
         return m_aHeap;
     }
-    bool Owns(const STxeOperand* p) const
+    bool Owns(const T* p) const
     {
         const auto uiAddress = reinterpret_cast<std::uintptr_t>(p);
-        auto within = [uiAddress](const STxeOperand* pBegin, std::size_t uiCount) {
+        auto within = [uiAddress](const T* pBegin, std::size_t uiCount) {
             return uiAddress >= reinterpret_cast<std::uintptr_t>(pBegin) &&
                    uiAddress < reinterpret_cast<std::uintptr_t>(pBegin + uiCount);
         };
         return within(m_aInline, k_uiInline) || (!m_aHeap.empty() && within(m_aHeap.data(), m_aHeap.size()));
     }
-    STxeOperand* Data() { return m_uiSize > k_uiInline ? m_aHeap.data() : m_aInline; }
-    const STxeOperand* Data() const { return m_uiSize > k_uiInline ? m_aHeap.data() : m_aInline; }
+    T* Data() { return m_uiSize > k_uiInline ? m_aHeap.data() : m_aInline; }
+    const T* Data() const { return m_uiSize > k_uiInline ? m_aHeap.data() : m_aInline; }
 
-    STxeOperand m_aInline[k_uiInline];
-    std::vector<STxeOperand> m_aHeap;
+    T m_aInline[k_uiInline] = {};
+    std::vector<T> m_aHeap;
     std::size_t m_uiSize = 0;
 };
+
+using CSlotList = CInlineList<STxeOperand, 4>;
 
 // One operand per four-lane slot (a matrix has one per column, an array or structure
 // one per element slot).
