@@ -56,10 +56,12 @@ bool CompileProgram(const std::string& source, ETxeStage eStage, const SCoreMode
     return true;
 }
 
-void AnalyseProgram(const std::string& source, SCompilation& compilation)
+void AnalyseProgram(const std::string& source, SCompilation& compilation, bool bPerLine, bool bPaths)
 {
-    compilation.mapLineCycles = LineCycles(compilation.program, compilation.aCosts, CountLines(source));
-    compilation.paths = PathCycles(compilation.program, compilation.aCosts);
+    if (bPerLine)
+        compilation.mapLineCycles = LineCycles(compilation.program, compilation.aCosts, CountLines(source));
+    if (bPaths)
+        compilation.paths = PathCycles(compilation.program, compilation.aCosts);
     compilation.bSucceeded = true;
 }
 

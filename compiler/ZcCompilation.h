@@ -39,7 +39,8 @@ bool CompileSource(const std::string& source, ETxeStage eStage, const SCoreModel
 // figures per line and per path (it writes no other member).
 bool CompileProgram(const std::string& source, ETxeStage eStage, const SCoreModel& core, const SSourceLimits& limits,
                     SCompilation& compilation, const SPreprocessorOptions& options = SPreprocessorOptions());
-void AnalyseProgram(const std::string& source, SCompilation& compilation);
+// A caller that prints neither figure can leave it out.
+void AnalyseProgram(const std::string& source, SCompilation& compilation, bool bPerLine = true, bool bPaths = true);
 
 // Runs the function on a thread with a generous stack; false if no thread could be made.
 bool RunWithLargeStack(void (*pFunction)(void*), void* pContext);

@@ -87,7 +87,8 @@ struct SCompileJob
     const SCoreModel* pCore;
     const SPreprocessorOptions* pOptions;
     SCompilation* pCompilation;
-    std::optional<CListingJob>* pListing; // null when no listing was asked for
+    const SCommandLine* pCommandLine;
+    std::optional<CListingJob>* pListing;
 };
 
 void CompileJob(void* pContext)
@@ -96,9 +97,10 @@ void CompileJob(void* pContext)
     if (!CompileProgram(*pJob->pSource, pJob->eStage, *pJob->pCore, DefaultSourceLimits(), *pJob->pCompilation,
                         *pJob->pOptions))
         return;
-    if (pJob->pListing)
+    // Only the outputs the command line asks for are worked out.
+    if (pJob->pCommandLine->bDisasm)
         pJob->pListing->emplace(*pJob->pCompilation, *pJob->pCore);
-    AnalyseProgram(*pJob->pSource, *pJob->pCompilation);
+    AnalyseProgram(*pJob->pSource, *pJob->pCompilation, pJob->pCommandLine->bProfile, pJob->pCommandLine->bPerfSim);
 }
 
 // The headers a compile read, one path a line, so a caller can tell which files it depends on.
@@ -352,7 +354,7 @@ int RunGlslCompiler(const std::string& programPath, const std::vector<std::strin
     std::optional<CListingJob> listing;
     {
         CFrontEndProcess process;
-        SCompileJob job{&source, eStage, &core, &options, &compilation, commandLine.bDisasm ? &listing : nullptr};
+        SCompileJob job{&source, eStage, &core, &options, &compilation, &commandLine, &listing};
         if (!RunWithLargeStack(&CompileJob, &job))
             return Fail(output, "cannot start the compiler thread");
     }
