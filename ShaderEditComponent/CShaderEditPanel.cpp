@@ -757,9 +757,25 @@ void CShaderEditPanel::OnRequestDocumentType(CShaderHighlighter* pHighlighter)
     pHighlighter->SetDocumentType(m_eDocType);
 }
 
+void CShaderEditPanel::SetCompiledAlone(bool bCompiledAlone)
+{
+    if (bCompiledAlone == m_bCompiledAlone)
+        return;
+    m_bCompiledAlone = bCompiledAlone;
+    if (bCompiledAlone)
+    {
+        RequestRecompile();
+        return;
+    }
+    emit CancelCompile(m_PanelID);
+    m_pCounts->Clear();
+    m_iEditsBehind = 0;
+    m_pCycleCountArea->update();
+}
+
 void CShaderEditPanel::RequestRecompile()
 {
-    if (!m_bAutoCompile || !IsAutoCompiledType(m_eDocType))
+    if (!m_bAutoCompile || !m_bCompiledAlone || !IsAutoCompiledType(m_eDocType))
         return;
     emit CancelCompile(m_PanelID);
     emit RecompileContents(m_PanelID, m_TextMirror.GetText(), m_eDocType, CompileInvocation_Background);

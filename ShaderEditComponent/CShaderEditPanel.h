@@ -54,6 +54,10 @@ public:
     const CZamTHash& GetPanelID() const { return m_PanelID; }
     // Compiles the text again when auto-compile is on, as an edit would (an included file changed).
     void RequestRecompile();
+    // A header that another open document includes is compiled only as part of that document:
+    // off, edits start no compile and the counts of its own compiles go. On again, it compiles.
+    void SetCompiledAlone(bool bCompiledAlone);
+    bool IsCompiledAlone() const { return m_bCompiledAlone; }
     void SetFilename(const CZamTString& FileName);
     // How the file's bytes were laid out, kept for saving.
     const SDocumentFormat& GetFileFormat() const { return m_FileFormat; }
@@ -163,6 +167,7 @@ private:
     int m_iWidestCycleDigits = 0;
     Settings::SEditor m_EditorSettings;
     bool m_bAutoCompile = true;
+    bool m_bCompiledAlone = true;
     SDocumentFormat m_FileFormat;
     bool m_bReplayingHistory = false;
     bool m_bGutterUpdatePending = false;

@@ -15,7 +15,7 @@
 CAllCoresDock::CAllCoresDock(QMainWindow& Window, CShaderEditor& Editor, const CShaderEditController& Controller,
                              QMenu& ViewMenu)
     : QObject(&Window)
-    , m_Editor(Editor)
+    , m_pEditor(&Editor)
     , m_pCompile(new CAllCoresCompile(Controller, this))
 {
     setObjectName(QStringLiteral("AllCoresDock"));
@@ -43,15 +43,23 @@ CAllCoresDock::CAllCoresDock(QMainWindow& Window, CShaderEditor& Editor, const C
     connect(&Editor, &CShaderEditor::RecompileContents, this,
             [this](const CZamTHash& PanelID, const QString&, EShaderDocType, ECompileInvocationType)
             {
-                const CShaderEditPanel* pPanel = m_Editor.GetCurrentPanel();
+                const CShaderEditPanel* pPanel = CurrentPanel();
                 if (m_pDock->isVisible() && pPanel && pPanel->GetPanelID() == PanelID)
                     CompileCurrent();
             });
     connect(&Editor, qOverload<const CZamTHash&>(&CShaderEditor::PanelChanged), this, &CAllCoresDock::ShowPanel);
+    // Closing the last tab changes to no panel, which PanelChanged does not tell.
+    connect(&Editor, &CShaderEditor::PanelClosed, this,
+            [this](CShaderEditPanel* pPanel)
+            {
+                m_pCompile->OnPanelClosed(pPanel->GetPanelID());
+                if (pPanel == CurrentPanel())
+                    m_pView->OnClear();
+            });
     connect(m_pCompile, &CAllCoresCompile::Compiled, this,
             [this](const CZamTHash& PanelID, const SAllCoresResult& Result)
             {
-                const CShaderEditPanel* pPanel = m_Editor.GetCurrentPanel();
+                const CShaderEditPanel* pPanel = CurrentPanel();
                 if (pPanel && pPanel->GetPanelID() == PanelID)
                     m_pView->OnResult(Result);
             });
@@ -59,11 +67,19 @@ CAllCoresDock::CAllCoresDock(QMainWindow& Window, CShaderEditor& Editor, const C
 
 CAllCoresDock::~CAllCoresDock() = default;
 
+const CShaderEditPanel* CAllCoresDock::CurrentPanel() const
+{
+    return m_pEditor ? m_pEditor->GetCurrentPanel() : nullptr;
+}
+
 void CAllCoresDock::OnVisibilityChanged(bool bVisible)
 {
-    const CShaderEditPanel* pPanel = m_Editor.GetCurrentPanel();
+    const CShaderEditPanel* pPanel = CurrentPanel();
     if (!pPanel)
+    {
+        m_pView->OnClear();
         return;
+    }
     if (!bVisible)
         m_pCompile->OnCancel(pPanel->GetPanelID());
     else
@@ -74,7 +90,7 @@ void CAllCoresDock::ShowPanel(const CZamTHash& PanelID)
 {
     if (!m_pDock->isVisible())
         return;
-    const CShaderEditPanel* pPanel = m_Editor.GetCurrentPanel();
+    const CShaderEditPanel* pPanel = CurrentPanel();
     if (!pPanel || pPanel->GetPanelID() != PanelID || !CAllCoresCompile::Compiles(pPanel->GetDocumentType()))
     {
         m_pView->OnNotCompiled();
@@ -90,12 +106,18 @@ void CAllCoresDock::ShowPanel(const CZamTHash& PanelID)
 
 void CAllCoresDock::CompileCurrent()
 {
-    const CShaderEditPanel* pPanel = m_Editor.GetCurrentPanel();
+    const CShaderEditPanel* pPanel = CurrentPanel();
     if (!pPanel)
         return;
     if (!CAllCoresCompile::Compiles(pPanel->GetDocumentType()))
     {
         m_pView->OnNotCompiled();
+        return;
+    }
+    // A header is compiled only as part of the documents that include it.
+    if (!pPanel->IsCompiledAlone())
+    {
+        m_pView->OnClear();
         return;
     }
     m_pView->OnCompiling();

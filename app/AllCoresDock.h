@@ -3,10 +3,12 @@
 #include "Tools/ZamTHash.h"
 
 #include <QObject>
+#include <QPointer>
 
 class CAllCoresCompile;
 class CShaderEditAllCoresOutput;
 class CShaderEditController;
+class CShaderEditPanel;
 class CShaderEditor;
 class QDockWidget;
 class QMainWindow;
@@ -30,8 +32,10 @@ private:
     void OnVisibilityChanged(bool bVisible);
     void CompileCurrent();
     void ShowPanel(const CZamTHash& PanelID);
+    const CShaderEditPanel* CurrentPanel() const;
 
-    CShaderEditor& m_Editor;
+    // The window deletes the editor before it hides its docks for the last time.
+    QPointer<CShaderEditor> m_pEditor;
     CAllCoresCompile* m_pCompile = nullptr;
     CShaderEditAllCoresOutput* m_pView = nullptr;
     QDockWidget* m_pDock = nullptr;

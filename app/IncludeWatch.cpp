@@ -1,6 +1,7 @@
 #include "IncludeWatch.h"
 
 #include "ShaderEditComponent/compile/controller/CShaderEditController.h"
+#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/CShaderEditor.h"
 #include "ShaderEditComponent/CShaderEditPanel.h"
 
@@ -10,14 +11,27 @@
 
 #include <set>
 
-CIncludeWatch::CIncludeWatch(CShaderEditor& Editor, const CShaderEditController& Controller, QObject* pParent)
+namespace
+{
+QString Canonical(const QString& Path)
+{
+    return Path.isEmpty() ? QString() : QFileInfo(Path).canonicalFilePath();
+}
+} // namespace
+
+CIncludeWatch::CIncludeWatch(CShaderEditor& Editor, CShaderEditController& Controller, QObject* pParent)
     : QObject(pParent)
     , m_Editor(Editor)
+    , m_Controller(Controller)
     , m_pWatcher(new QFileSystemWatcher(this))
 {
     setObjectName(QStringLiteral("IncludeWatch"));
     connect(&Controller, &CShaderEditController::PanelResultChanged, this, &CIncludeWatch::OnPanelResult);
     connect(m_pWatcher, &QFileSystemWatcher::fileChanged, this, &CIncludeWatch::OnFileChanged);
+    // A header opened while its includer is open is known at once; closing the includer
+    // makes it a document of its own again.
+    connect(&Editor, &CShaderEditor::PanelAdded, this, [this] { UpdateHeaders(); });
+    connect(&Editor, &CShaderEditor::PanelClosed, this, [this](CShaderEditPanel* pPanel) { UpdateHeaders(pPanel); });
 }
 
 QStringList CIncludeWatch::GetWatchedFiles() const
@@ -31,15 +45,116 @@ void CIncludeWatch::OnPanelResult(const CZamTHash& PanelID, const SCompileResult
         m_Included.erase(PanelID);
     else
         m_Included[PanelID] = Shown.IncludedFiles;
+    QVector<SCompileMessage>& Messages = m_HeaderMessages[PanelID];
+    Messages.clear();
+    for (const SCompileMessage& Message : Shown.Messages)
+    {
+        if (Message.File.isEmpty())
+            continue;
+        Messages.append(Message);
+        Messages.last().File = Canonical(Message.File);
+    }
     UpdateWatcher();
+    UpdateHeaders();
+    for (const auto& [HeaderID, IncluderID] : m_Includers)
+    {
+        if (IncluderID != PanelID)
+            continue;
+        for (int i = 0; i < m_Editor.GetTabCount(); ++i)
+        {
+            if (m_Editor.GetPanel(i)->GetPanelID() == HeaderID)
+                MarkHeader(m_Editor.GetPanel(i), PanelID);
+        }
+    }
+}
+
+std::set<CZamTHash> CIncludeWatch::OpenPanels(const CShaderEditPanel* pClosing) const
+{
+    std::set<CZamTHash> Open;
+    for (int i = 0; i < m_Editor.GetTabCount(); ++i)
+    {
+        if (m_Editor.GetPanel(i) != pClosing)
+            Open.insert(m_Editor.GetPanel(i)->GetPanelID());
+    }
+    return Open;
+}
+
+void CIncludeWatch::ForgetClosed(const CShaderEditPanel* pClosing)
+{
+    const std::set<CZamTHash> Open = OpenPanels(pClosing);
+    for (auto Entry = m_Includers.begin(); Entry != m_Includers.end();)
+    {
+        if (Open.count(Entry->first) != 0)
+        {
+            ++Entry;
+            continue;
+        }
+        // A panel of the same file opened later starts afresh.
+        m_Controller.ShowResultOf(Entry->first, CZamTHash());
+        Entry = m_Includers.erase(Entry);
+    }
+    for (auto Entry = m_HeaderMessages.begin(); Entry != m_HeaderMessages.end();)
+        Entry = Open.count(Entry->first) != 0 ? std::next(Entry) : m_HeaderMessages.erase(Entry);
+}
+
+void CIncludeWatch::UpdateHeaders(const CShaderEditPanel* pClosing)
+{
+    ForgetClosed(pClosing);
+    std::map<QString, CZamTHash> IncluderOf;
+    for (const auto& [PanelID, Files] : m_Included)
+    {
+        if (pClosing && pClosing->GetPanelID() == PanelID)
+            continue;
+        for (const QString& File : Files)
+            IncluderOf[Canonical(File)] = PanelID;
+    }
+    for (int i = 0; i < m_Editor.GetTabCount(); ++i)
+    {
+        CShaderEditPanel* pPanel = m_Editor.GetPanel(i);
+        const CZamTHash PanelID = pPanel->GetPanelID();
+        if (pPanel == pClosing)
+            continue;
+        const auto Found = IncluderOf.find(Canonical(ToQString(pPanel->GetFilename())));
+        const bool bHeader = Found != IncluderOf.end() && Found->second != PanelID;
+        const CZamTHash IncluderID = bHeader ? Found->second : CZamTHash();
+        const auto Known = m_Includers.find(PanelID);
+        if (Known == m_Includers.end() ? !bHeader : Known->second == IncluderID)
+            continue;
+        m_Controller.ShowResultOf(PanelID, IncluderID);
+        if (!bHeader)
+        {
+            m_Includers.erase(PanelID);
+            pPanel->SetCompiledAlone(true);
+            continue;
+        }
+        m_Includers[PanelID] = IncluderID;
+        // What its own compiles included and said is no longer of any document.
+        m_Included.erase(PanelID);
+        m_HeaderMessages.erase(PanelID);
+        pPanel->SetCompiledAlone(false);
+        MarkHeader(pPanel, IncluderID);
+    }
+}
+
+void CIncludeWatch::MarkHeader(CShaderEditPanel* pHeader, const CZamTHash& IncluderID)
+{
+    const QString Path = Canonical(ToQString(pHeader->GetFilename()));
+    SCompileResult Marks;
+    for (const SCompileMessage& Message : std::as_const(m_HeaderMessages[IncluderID]))
+    {
+        if (Message.File != Path)
+            continue;
+        Marks.Messages.append(Message);
+        Marks.Messages.last().iLine = Message.iFileLine;
+        Marks.Messages.last().File.clear();
+    }
+    pHeader->OnPanelResultChanged(pHeader->GetPanelID(), Marks);
 }
 
 void CIncludeWatch::UpdateWatcher()
 {
     // Closed tabs drop out here: only panels that still exist keep their files watched.
-    std::set<CZamTHash> Open;
-    for (int i = 0; i < m_Editor.GetTabCount(); ++i)
-        Open.insert(m_Editor.GetPanel(i)->GetPanelID());
+    const std::set<CZamTHash> Open = OpenPanels();
     QSet<QString> Wanted;
     for (auto Entry = m_Included.begin(); Entry != m_Included.end();)
     {

@@ -228,6 +228,7 @@ bool ParseShader(const std::string& source, ETxeStage eStage, const SSourceLimit
         parsed.pShader->parse(GetDefaultResources(), 100, EEsProfile, false, false, EShMsgDefault, includer);
     parsed.aIncludedFiles = includer.Files();
     CDiagnosticList aLog = ParseInfoLog(parsed.pShader->getInfoLog());
+    DropMessagesAfterHeaderError(aLog);
     aDiagnostics.insert(aDiagnostics.end(), aLog.begin(), aLog.end());
     parsed.pIntermediate = parsed.pShader->getIntermediate();
     if (!bParsed || !parsed.pIntermediate)

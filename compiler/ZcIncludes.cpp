@@ -6,6 +6,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <utility>
 
@@ -115,6 +116,19 @@ std::string Preamble(const SPreprocessorOptions& options)
     return text;
 }
 
+void DropMessagesAfterHeaderError(CDiagnosticList& aDiagnostics)
+{
+    const auto first = std::find_if(aDiagnostics.begin(), aDiagnostics.end(),
+                                    [](const SDiagnostic& diagnostic)
+                                    { return diagnostic.eSeverity == Severity_Error && !diagnostic.file.empty(); });
+    if (first == aDiagnostics.end())
+        return;
+    const std::string header = first->file;
+    aDiagnostics.erase(std::remove_if(first, aDiagnostics.end(),
+                                      [&header](const SDiagnostic& diagnostic) { return diagnostic.file != header; }),
+                       aDiagnostics.end());
+}
+
 CIncluder::CIncluder(const SPreprocessorOptions& options, const SSourceLimits& limits)
     : m_options(options)
     , m_limits(limits)
@@ -212,23 +226,43 @@ std::vector<std::string> CIncluder::Files() const
     return aFiles;
 }
 
-std::map<std::string, int> CIncluder::DocumentLines(const std::string& document) const
+std::vector<SIncludeDirective> IncludeDirectives(const std::string& text)
 {
-    std::vector<std::pair<int, std::string>> aDirectives;
+    std::vector<SIncludeDirective> aDirectives;
     int iLine = 1;
-    for (std::size_t uiStart = 0; uiStart < document.size(); ++iLine)
+    for (std::size_t uiStart = 0; uiStart < text.size(); ++iLine)
     {
-        std::size_t uiEnd = document.find('\n', uiStart);
+        std::size_t uiEnd = text.find('\n', uiStart);
         if (uiEnd == std::string::npos)
-            uiEnd = document.size();
+            uiEnd = text.size();
         std::string name;
-        if (IncludedName(document.substr(uiStart, uiEnd - uiStart), name))
-            aDirectives.emplace_back(iLine, name);
+        if (IncludedName(text.substr(uiStart, uiEnd - uiStart), name))
+            aDirectives.push_back({iLine, name});
         uiStart = uiEnd + 1;
     }
-    // The document's headers are included in the order of their directives; a name found
-    // after the previous one is taken first, so the same header under two #if branches
-    // still lands on the directive that was read.
+    return aDirectives;
+}
+
+int TakeDirective(const std::vector<SIncludeDirective>& aDirectives, std::size_t& uiNext,
+                  const std::function<bool(const std::string&)>& matches)
+{
+    for (std::size_t uiPass = 0; uiPass < 2; ++uiPass)
+    {
+        for (std::size_t i = uiPass == 0 ? uiNext : 0; i < aDirectives.size(); ++i)
+        {
+            if (matches(aDirectives[i].name))
+            {
+                uiNext = i + 1;
+                return aDirectives[i].iLine;
+            }
+        }
+    }
+    return 0;
+}
+
+std::map<std::string, int> CIncluder::DocumentLines(const std::string& document) const
+{
+    const std::vector<SIncludeDirective> aDirectives = IncludeDirectives(document);
     std::map<std::string, int> mapLines;
     std::size_t uiNext = 0;
     for (const SHeader& header : m_aHeaders)
@@ -239,18 +273,8 @@ std::map<std::string, int> CIncluder::DocumentLines(const std::string& document)
             mapLines[header.path] = parent == mapLines.end() ? 1 : parent->second;
             continue;
         }
-        int iFound = 0;
-        for (std::size_t uiPass = 0; uiPass < 2 && iFound == 0; ++uiPass)
-        {
-            for (std::size_t i = uiPass == 0 ? uiNext : 0; i < aDirectives.size() && iFound == 0; ++i)
-            {
-                if (aDirectives[i].second == header.written)
-                {
-                    iFound = aDirectives[i].first;
-                    uiNext = i + 1;
-                }
-            }
-        }
+        const int iFound =
+            TakeDirective(aDirectives, uiNext, [&header](const std::string& name) { return name == header.written; });
         // A directive made by a macro has no line of its own to find.
         mapLines[header.path] = iFound == 0 ? 1 : iFound;
     }

@@ -3,10 +3,12 @@
 // #include "file" for GLSL ES: where headers are searched, how they are read, and how the
 // code they bring in is counted against the line of the document that included them.
 
+#include "ZcDiagnostics.h"
 #include "ZcSourceLimits.h"
 
 #include <glslang/Public/ShaderLang.h>
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -27,6 +29,25 @@ struct SPreprocessorOptions
 // The text glslang reads before the shader: the include directive switched on and the
 // defines, as "#define NAME VALUE" lines.
 std::string Preamble(const SPreprocessorOptions& options);
+
+// One #include "name" or #include <name> of a text.
+struct SIncludeDirective
+{
+    int iLine = 0;
+    std::string name;
+};
+std::vector<SIncludeDirective> IncludeDirectives(const std::string& text);
+
+// A text's headers are entered in the order of its directives: the line of the first matching
+// directive from uiNext on, else from the start, so the same header under two #if branches
+// still lands on the directive that was read; 0 when none matches.
+int TakeDirective(const std::vector<SIncludeDirective>& aDirectives, std::size_t& uiNext,
+                  const std::function<bool(const std::string&)>& matches);
+
+// glslang stops reading at the first error, but in a header it ends only the header: the
+// including text goes on mid-statement and reports errors that are not there. Drops every
+// message after the first error in a header that is not about that header.
+void DropMessagesAfterHeaderError(CDiagnosticList& aDiagnostics);
 
 // Resolves and reads headers for glslang. A header named with "" is looked for beside the
 // file that includes it, then in the include folders; one named with <> only in the folders.

@@ -4,11 +4,13 @@
 #include "ZcCores.h"
 #include "ZcDriver.h"
 #include "ZcFiles.h"
+#include "ZcIncludes.h"
 #include "ZcSourceLimits.h"
 #include "ZcWriters.h"
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <unistd.h>
 
 namespace ZamCompiler
@@ -55,7 +57,9 @@ std::string FindClang()
 std::vector<std::string> ClangArguments(const SCommandLine& commandLine, const std::string& irPath)
 {
     std::vector<std::string> aArgs = {"-x", "cl", "-cl-std=CL1.2", "-Xclang", "-finclude-default-header",
-                                      "-fno-color-diagnostics", "-fno-caret-diagnostics", "-Wall"};
+                                      "-fno-color-diagnostics", "-fno-caret-diagnostics", "-Wall",
+                                      // lists the headers it enters, one dot per level
+                                      "-H"};
     // Each value is an argument of its own, so a value that starts with "-" stays a value.
     for (const std::string& define : commandLine.aDefines)
         aArgs.insert(aArgs.end(), {"-D", define});
@@ -65,9 +69,24 @@ std::vector<std::string> ClangArguments(const SCommandLine& commandLine, const s
     return aArgs;
 }
 
-bool WriteIrProfile(const std::string& path, const std::string& ir, const std::string& source, std::string& error)
+std::string NormalPath(const std::string& path)
 {
-    const SIrProfile profile = ProfileIr(ir, CountLines(source));
+    return std::filesystem::path(path).lexically_normal().string();
+}
+
+// Whether clang's path of a header is the name of an #include found in some folder.
+bool IsFoundAs(const std::string& path, const std::string& name)
+{
+    const std::string written = NormalPath(name);
+    return path == written
+           || (path.size() > written.size()
+               && path.compare(path.size() - written.size() - 1, std::string::npos, "/" + written) == 0);
+}
+
+bool WriteIrProfile(const std::string& path, const std::string& ir, const std::string& source, const std::string& trace,
+                    std::string& error)
+{
+    const SIrProfile profile = ProfileIr(ir, CountLines(source), HeaderLines(trace, source));
     return WriteFile(path, FormatProfile(profile.mapLineCounts, profile.llInstructions), error);
 }
 
@@ -121,27 +140,106 @@ CDiagnosticList ParseClangDiagnostics(const std::string& text, const std::string
     return aDiagnostics;
 }
 
-SIrProfile ProfileIr(const std::string& ir, int iLastLine)
+std::map<std::string, int> HeaderLines(const std::string& trace, const std::string& source)
 {
-    // First the locations: "!N = !DILocation(line: L, ..."
-    std::map<long long, int> mapLocations;
-    const std::vector<std::string> aLines = SplitLines(ir);
+    const std::vector<SIncludeDirective> aDirectives = IncludeDirectives(source);
+    std::map<std::string, int> mapLines;
+    std::vector<int> aLevels; // the document line of the header entered last on each level
+    std::size_t uiNext = 0;
+    for (const std::string& line : SplitLines(trace))
+    {
+        const std::size_t uiDots = line.find_first_not_of('.');
+        if (uiDots == 0 || uiDots == std::string::npos || line[uiDots] != ' ' || uiDots > aLevels.size() + 1)
+            continue;
+        const std::string path = NormalPath(line.substr(uiDots + 1));
+        int iLine = uiDots > 1 ? aLevels[uiDots - 2] : 0;
+        if (uiDots == 1)
+            iLine =
+                TakeDirective(aDirectives, uiNext, [&path](const std::string& name) { return IsFoundAs(path, name); });
+        // A directive made by a macro has no line of its own to find.
+        aLevels.resize(uiDots - 1);
+        aLevels.push_back(iLine == 0 ? 1 : iLine);
+        mapLines.emplace(path, aLevels.back());
+    }
+    return mapLines;
+}
+
+namespace
+{
+
+// N of "<tag>!N" in a metadata line; false without the tag.
+bool MetadataId(const std::string& line, const char* pTag, long long& llId)
+{
+    const std::size_t uiTag = line.find(pTag);
+    if (uiTag == std::string::npos)
+        return false;
+    std::size_t uiPos = uiTag + std::char_traits<char>::length(pTag);
+    return ParseNumber(line, uiPos, llId);
+}
+
+// The text of "<tag>\"text\"" in a metadata line.
+std::string MetadataText(const std::string& line, const char* pTag)
+{
+    const std::size_t uiTag = line.find(pTag);
+    if (uiTag == std::string::npos)
+        return std::string();
+    const std::size_t uiStart = uiTag + std::char_traits<char>::length(pTag);
+    const std::size_t uiEnd = line.find('"', uiStart);
+    return uiEnd == std::string::npos ? std::string() : line.substr(uiStart, uiEnd - uiStart);
+}
+
+// "!N = !DILocation(line: L, ..., scope: !S": the document line of location N. A location in
+// a header (its scope's file) counts on the line of the #include that brought the header in.
+std::map<long long, int> DocumentLocations(const std::vector<std::string>& aLines,
+                                           const std::map<std::string, int>& mapHeaderLines)
+{
+    std::map<long long, std::pair<int, long long>> mapLocations; // line, scope
+    std::map<long long, long long> mapScopeFiles;
+    std::map<long long, int> mapFileLines; // header files only
     for (const std::string& line : aLines)
     {
-        if (line.size() < 2 || line[0] != '!')
-            continue;
         std::size_t uiPos = 1;
         long long llId = 0;
-        if (!ParseNumber(line, uiPos, llId))
+        if (line.size() < 2 || line[0] != '!' || !ParseNumber(line, uiPos, llId))
             continue;
-        const std::size_t uiTag = line.find("= !DILocation(line: ", uiPos);
-        if (uiTag == std::string::npos)
-            continue;
-        uiPos = uiTag + 20;
-        long long llLine = 0;
-        if (ParseNumber(line, uiPos, llLine))
-            mapLocations[llId] = static_cast<int>(llLine);
+        long long llValue = 0;
+        if (line.find("!DILocation(", uiPos) != std::string::npos)
+        {
+            long long llScope = -1;
+            if (MetadataId(line, "(line: ", llValue))
+                mapLocations[llId] = {static_cast<int>(llValue), MetadataId(line, "scope: !", llScope) ? llScope : -1};
+        }
+        else if (line.find("!DIFile(", uiPos) != std::string::npos)
+        {
+            const std::string name = MetadataText(line, "filename: \"");
+            const std::string folder = MetadataText(line, "directory: \"");
+            const auto header = mapHeaderLines.find(
+                NormalPath(folder.empty() || (!name.empty() && name[0] == '/') ? name : folder + "/" + name));
+            if (header != mapHeaderLines.end())
+                mapFileLines[llId] = header->second;
+        }
+        else if (MetadataId(line, " file: !", llValue) || MetadataId(line, "(file: !", llValue))
+        {
+            mapScopeFiles[llId] = llValue;
+        }
     }
+    std::map<long long, int> mapLines;
+    for (const auto& [llId, location] : mapLocations)
+    {
+        const auto scope = mapScopeFiles.find(location.second);
+        const auto header = scope == mapScopeFiles.end() ? mapFileLines.end() : mapFileLines.find(scope->second);
+        // Line 0 is code of no line, wherever it is.
+        mapLines[llId] = header == mapFileLines.end() || location.first == 0 ? location.first : header->second;
+    }
+    return mapLines;
+}
+
+} // namespace
+
+SIrProfile ProfileIr(const std::string& ir, int iLastLine, const std::map<std::string, int>& mapHeaderLines)
+{
+    const std::vector<std::string> aLines = SplitLines(ir);
+    const std::map<long long, int> mapLocations = DocumentLocations(aLines, mapHeaderLines);
 
     SIrProfile profile;
     bool bInFunction = false;
@@ -238,7 +336,7 @@ int RunClCompiler(const std::string& programPath, const std::vector<std::string>
     std::string ir;
     if (ReadFileBounded(irPath, k_uiMaxIrBytes, ir, error) != Read_Ok)
         return Fail(output, "cannot read the IR clang wrote to '" + irPath + "'");
-    if (commandLine.bProfile && !WriteIrProfile(commandLine.outputBase + ".prof", ir, source, error))
+    if (commandLine.bProfile && !WriteIrProfile(commandLine.outputBase + ".prof", ir, source, diagnosticsText, error))
         return Fail(output, "cannot write '" + commandLine.outputBase + ".prof': " + error);
     if (commandLine.bDisasm && !WriteFile(commandLine.outputBase + ".disasm", ir, error))
         return Fail(output, "cannot write '" + commandLine.outputBase + ".disasm': " + error);

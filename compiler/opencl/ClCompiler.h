@@ -23,8 +23,14 @@ struct SIrProfile
     long long llInstructions = 0;           // instructions in defined functions
 };
 
-// Counts IR instructions by the line of their !dbg location.
-SIrProfile ProfileIr(const std::string& ir, int iLastLine);
+// Counts IR instructions by the line of their !dbg location; an instruction of a header (a
+// path of mapHeaderLines) counts on the document line the map gives it.
+SIrProfile ProfileIr(const std::string& ir, int iLastLine,
+                     const std::map<std::string, int>& mapHeaderLines = std::map<std::string, int>());
+
+// The headers clang entered, from its -H lines (a dot per level, a blank, the path), each
+// with the line of the source's #include that brought it in, directly or through other headers.
+std::map<std::string, int> HeaderLines(const std::string& trace, const std::string& source);
 
 std::string ClBanner(const std::string& coreName);
 

@@ -52,6 +52,26 @@ const char* const s_pLighting = "// Lighting helpers\n"
 const char* const s_pTint = "#define LIGHT_DIRECTION vec3(0.0, 0.0, 1.0)\n"
                             "vec3 tint(float d) { return vec3(d) * vec3(1.0, 0.9, 0.8); }\n";
 
+// A kernel whose header brings in another: their code counts on line 2, the #include.
+const char* const s_pKernel = "// Scales a buffer\n"
+                              "#include \"scale.h\"\n"
+                              "\n"
+                              "// one work item per element\n"
+                              "__kernel void run(__global float* p)\n"
+                              "{\n"
+                              "    int i = get_global_id(0);\n"
+                              "    p[i] = scale(p[i]);\n"
+                              "}\n";
+const char* const s_pScale = "#include \"twice.h\"\n"
+                             "inline float scale(float x)\n"
+                             "{\n"
+                             "    return twice(x) * cos(x);\n"
+                             "}\n";
+const char* const s_pTwice = "inline float twice(float x)\n"
+                             "{\n"
+                             "    return x * 2.0f + sin(x);\n"
+                             "}\n";
+
 // Texture reads in a loop and a branch: the cores price these differently.
 const char* const s_pBlur = "#version 300 es\n"
                             "precision mediump float;\n"
@@ -106,6 +126,7 @@ private slots:
     void initTestCase();
     void init();
     void IncludedHeadersCompileAndOpenAtTheirLines();
+    void OpenCLHeadersCountOnTheirIncludeLine();
     void AllCoresShowsEveryCoreAndFollowsEdits();
 
 private:
@@ -165,6 +186,9 @@ void CIncludesAndCoresTest::IncludedHeadersCompileAndOpenAtTheirLines()
     QCOMPARE(Result.Messages.first().File, Header);
     QCOMPARE(Result.Messages.first().iFileLine, 4);
     QCOMPARE(Result.Messages.first().iLine, 0);
+    // Only the header's messages: the document after its #include is not reported as broken.
+    for (const SCompileMessage& Reported : std::as_const(Result.Messages))
+        QCOMPARE(Reported.File, Header);
     const QTextBlock Line = FindLogLine(pLog, Message);
     const QPoint Box = pLog->cursorRect(QTextCursor(Line)).center() + QPoint(20, 0);
     QTest::mouseDClick(pLog->viewport(), Qt::LeftButton, {}, Box);
@@ -173,6 +197,13 @@ void CIncludesAndCoresTest::IncludedHeadersCompileAndOpenAtTheirLines()
              QFileInfo(Header).canonicalFilePath());
     QCOMPARE(pHeaderPanel->textCursor().blockNumber(), 3);
     QCOMPARE(pWindow->GetEditor()->GetTabCount(), 2);
+    // The header is compiled only inside the document (alone it has no main): its line carries
+    // the document's message and its tab shows the document's log.
+    QSignalSpy HeaderResults(pController, &CShaderEditController::PanelResultChanged);
+    QVERIFY(!pHeaderPanel->IsCompiledAlone());
+    QVERIFY(pHeaderPanel->GetCompileMessages(3).contains(QStringLiteral("'undefinedDirection'")));
+    QVERIFY(pHeaderPanel->GetCompileMessages(0).isEmpty());
+    QVERIFY(pHeaderPanel->GetCycleCounts().GetSize() == 0);
     // A second double-click goes to the open tab instead of opening another.
     pWindow->GetEditor()->findChild<QTabWidget*>()->setCurrentIndex(0);
     QTest::mouseDClick(pLog->viewport(), Qt::LeftButton, {}, Box);
@@ -193,6 +224,47 @@ void CIncludesAndCoresTest::IncludedHeadersCompileAndOpenAtTheirLines()
                                                     && Arguments.at(1).value<SCompileResult>().Messages.isEmpty();
                                          }),
                              s_iWait);
+    // Compiles run in turn, so a compile of the header's own would have ended by now.
+    const CZamTHash HeaderID = pHeaderPanel->GetPanelID();
+    QVERIFY(std::none_of(HeaderResults.begin(), HeaderResults.end(),
+                         [&HeaderID](const QList<QVariant>& Arguments)
+                         { return Arguments.at(0).value<CZamTHash>() == HeaderID; }));
+    QVERIFY(pHeaderPanel->GetCompileMessages(3).isEmpty());
+    QTabWidget* pTabs = pWindow->GetEditor()->findChild<QTabWidget*>();
+    pTabs->setCurrentIndex(0);
+    pTabs->setCurrentIndex(1);
+    QVERIFY2(pLog->toPlainText().contains(QStringLiteral("Compile succeeded.")), qPrintable(pLog->toPlainText()));
+    // Once no open document includes it, it is a document of its own again.
+    pTabs->setCurrentIndex(0);
+    pPanel->MarkSaved();
+    HeaderResults.clear();
+    pWindow->GetEditor()->OnCloseCurrentTab();
+    QVERIFY(pHeaderPanel->IsCompiledAlone());
+    QTRY_VERIFY_WITH_TIMEOUT(std::any_of(HeaderResults.begin(), HeaderResults.end(),
+                                         [&HeaderID](const QList<QVariant>& Arguments)
+                                         { return Arguments.at(0).value<CZamTHash>() == HeaderID; }),
+                             s_iWait);
+}
+
+void CIncludesAndCoresTest::OpenCLHeadersCountOnTheirIncludeLine()
+{
+    NewFile(QStringLiteral("kernels/scale.h"), s_pScale);
+    NewFile(QStringLiteral("kernels/twice.h"), s_pTwice);
+    auto pWindow = OpenCompiled(NewFile(QStringLiteral("kernels/scale.cl"), s_pKernel), s_iWait);
+    QVERIFY(pWindow);
+    QVERIFY2(LogOf(*pWindow)->toPlainText().contains(QStringLiteral("Compile succeeded.")),
+             qPrintable(LogOf(*pWindow)->toPlainText()));
+    const CShaderEditPanel* pPanel = pWindow->GetEditor()->GetCurrentPanel();
+    QTRY_VERIFY_WITH_TIMEOUT(pPanel->GetCycleCounts().GetSize() > 0, s_iWait);
+    // Both headers' code (their lines 3 and 4) on the #include; blank and comment lines stay empty.
+    const CZamTArray<int>& Counts = pPanel->GetCycleCounts();
+    QVERIFY(Counts[1] > 0);
+    for (uint32_t i = 0; i < Counts.GetSize(); ++i)
+    {
+        const QString Line = pPanel->document()->findBlockByNumber(static_cast<int>(i)).text().trimmed();
+        if (Counts[i] > 0)
+            QVERIFY2(!Line.isEmpty() && !Line.startsWith(QStringLiteral("//")), qPrintable(Line));
+    }
 }
 
 void CIncludesAndCoresTest::AllCoresShowsEveryCoreAndFollowsEdits()
@@ -264,6 +336,21 @@ void CIncludesAndCoresTest::AllCoresShowsEveryCoreAndFollowsEdits()
     QCOMPARE(pCores->GetCompilesInFlight(), 0);
     QVERIFY(Results.wait(s_iWait));
     QCOMPARE(Done.size(), 1);
+
+    // The figures leave with their tab, whether the view is hidden or shown when it closes.
+    pPanel->MarkSaved();
+    pToggle->trigger();
+    QVERIFY(Done.wait(s_iWait));
+    QCOMPARE(pTable->rowCount(), 4);
+    pToggle->trigger();
+    pWindow->GetEditor()->OnCloseCurrentTab();
+    pToggle->trigger();
+    QCOMPARE(pTable->rowCount(), 0);
+    QVERIFY(pWindow->GetEditor()->OnOpenFile(Path));
+    QVERIFY(Done.wait(s_iWait));
+    QCOMPARE(pTable->rowCount(), 4);
+    pWindow->GetEditor()->OnCloseCurrentTab();
+    QCOMPARE(pTable->rowCount(), 0);
 }
 
 QTEST_MAIN(CIncludesAndCoresTest)

@@ -357,10 +357,21 @@ void CShaderEditController::OnCancelCompile(const CZamTHash& PanelID)
     emit EndCompiling();
 }
 
+void CShaderEditController::ShowResultOf(const CZamTHash& PanelID, const CZamTHash& SourceID)
+{
+    if (SourceID == CZamTHash())
+        m_ResultSources.erase(PanelID);
+    else
+        m_ResultSources[PanelID] = SourceID;
+    if (PanelID == m_CurrentPanel)
+        OnPanelChanged(PanelID);
+}
+
 void CShaderEditController::OnPanelChanged(const CZamTHash& PanelID)
 {
     m_CurrentPanel = PanelID;
-    const auto Found = m_Results.find(PanelID);
+    const auto Source = m_ResultSources.find(PanelID);
+    const auto Found = m_Results.find(Source == m_ResultSources.end() ? PanelID : Source->second);
     if (Found == m_Results.end())
     {
         emit ClearCompileOutput();

@@ -124,6 +124,9 @@ public slots:
     void OnPanelCompileFinished(const CZamTHash& PanelID, unsigned int CompileKey);
     void OnCancelCompile(const CZamTHash& PanelID);
     void OnPanelChanged(const CZamTHash& PanelID);
+    // While PanelID's tab is in front the views show SourceID's last result: a header shows the
+    // compile of the document that includes it. A null SourceID ends that.
+    void ShowResultOf(const CZamTHash& PanelID, const CZamTHash& SourceID);
     void OnEditorStateChanged(int iState);
 
 private:
@@ -181,6 +184,7 @@ private:
     // tear-down if they never got that far.
     QVector<QPointer<CCompiler>> m_Abandoned;
     std::map<CZamTHash, SCompileResult> m_Results;
+    std::map<CZamTHash, CZamTHash> m_ResultSources;
     std::unique_ptr<CResultHistory> m_pHistory;
     CZamTHash m_CurrentPanel;
 };
