@@ -19,8 +19,9 @@ while read -r name corpus; do
   [ -f "$(dirname "$corpus")/$stem.dict" ] && dict=(-dict="$(dirname "$corpus")/$stem.dict")
   log=$work/last.log
   key=${stem#fuzz_}
-  # The processor time it got, so a busy machine does not hide a slow target.
-  /usr/bin/time -f "cpu %U %S" -o "$work/cpu" "$build/bin/$name" -max_total_time="$seconds" -print_final_stats=1 \
+  # The processor time it got, so a busy machine does not hide a slow target. One job alone:
+  # nothing else adds to the corpus folder, so it is not read again while running.
+  /usr/bin/time -f "cpu %U %S" -o "$work/cpu" "$build/bin/$name" -max_total_time="$seconds" -print_final_stats=1 -reload=0 \
     -artifact_prefix="$work/findings/" "${dict[@]}" "$work/new" "$corpus" >"$log" 2>&1
   status=$?
   runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -1)

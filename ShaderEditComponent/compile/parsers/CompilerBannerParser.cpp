@@ -13,16 +13,47 @@ struct SBannerPattern
     int aiCompilerCaps[2];
     const char* pVersion;
     int aiVersionCaps[2];
+    // Literal words any match holds after its start, in this order (null when fewer): where
+    // they do not follow, the pattern is not tried, so text that is no banner costs no
+    // regular-expression run.
+    const char* apRequired[3];
+    // What follows the word after " for " (one more character may stand between for
+    // ". Version "); null for a pattern whose first words are followed by a version number.
+    const char* pAfterWord;
+    bool bCharBeforeAfterWord;
 };
 
 // In the order they are tried; a capture number of 0 means "not used".
+// clang-format off
 const SBannerPattern s_Patterns[] = {
-    {"Zam OpenCL ([0-9.]+) (.*) compiler. Version .* ([A-Za-z0-9._]+)@(\\d+)", "OpenCL %1 %2", {1, 2}, "%1@%2", {3, 4}},
-    {".* for (\\w+). Version ([A-Za-z0-9._]+)@(\\d+)", "%1", {1, 0}, "%1@%2", {2, 3}},
-    {".* for (\\w+) rev (\\d+).* zcddk ([A-Za-z0-9._]+)@(\\d+)", "%1 rev %2", {1, 2}, "%1@%2", {3, 4}},
-    {".* for (\\w+) rev (\\d+).* zcddk \\d+ ([A-Za-z0-9._]+)@(\\d+)", "%1 rev %2", {1, 2}, "%1@%2", {3, 4}},
-    {".* for (\\w+) rev (\\d+).* Version ([0-9.]*).*", "%1 rev %2", {1, 2}, "%1", {3, 0}},
+    {"Zam OpenCL ([0-9.]+) (.*) compiler. Version .* ([A-Za-z0-9._]+)@(\\d+)", "OpenCL %1 %2", {1, 2}, "%1@%2", {3, 4},
+     {" compiler", " Version ", "@"}, nullptr, false},
+    {".* for (\\w+). Version ([A-Za-z0-9._]+)@(\\d+)", "%1", {1, 0}, "%1@%2", {2, 3},
+     {" Version ", "@"}, " Version ", true},
+    {".* for (\\w+) rev (\\d+).* zcddk ([A-Za-z0-9._]+)@(\\d+)", "%1 rev %2", {1, 2}, "%1@%2", {3, 4},
+     {" rev ", " zcddk ", "@"}, " rev ", false},
+    {".* for (\\w+) rev (\\d+).* zcddk \\d+ ([A-Za-z0-9._]+)@(\\d+)", "%1 rev %2", {1, 2}, "%1@%2", {3, 4},
+     {" rev ", " zcddk ", "@"}, " rev ", false},
+    {".* for (\\w+) rev (\\d+).* Version ([0-9.]*).*", "%1 rev %2", {1, 2}, "%1", {3, 0},
+     {" rev ", " Version "}, " rev ", false},
 };
+// clang-format on
+
+bool HoldsRequiredWords(QStringView Text, const SBannerPattern& Pattern)
+{
+    qsizetype iFrom = 0;
+    for (const char* pWord : Pattern.apRequired)
+    {
+        if (!pWord)
+            break;
+        const QLatin1String Word(pWord);
+        const qsizetype iAt = Text.indexOf(Word, iFrom);
+        if (iAt < 0)
+            return false;
+        iFrom = iAt + Word.size();
+    }
+    return true;
+}
 
 // Where a pattern can match: what it starts with when its leading ".*" is set aside (compiled
 // once, anchored where it is tried), and the literal words it begins with.
@@ -54,6 +85,35 @@ SPatternStart SplitPattern(const char* pPattern)
     return Start;
 }
 
+// Taken generously (marks, connectors, surrogate halves), so that no place where \\w+ matches
+// is passed over.
+bool IsWordLike(QChar Char)
+{
+    return Char.isLetterOrNumber() || Char.isMark() || Char.isSurrogate()
+           || Char.category() == QChar::Punctuation_Connector;
+}
+
+// What must follow a pattern's first literal words (iLiteral characters at the start of Window)
+// for it to match there: a version digit, or a word and then the pattern's next words. Most
+// places fail this without running the expression.
+bool MayMatchAt(QStringView Window, const SBannerPattern& Pattern, qsizetype iLiteral)
+{
+    if (Window.size() <= iLiteral)
+        return false;
+    if (!Pattern.pAfterWord)
+        return Window.at(iLiteral).isDigit() || Window.at(iLiteral) == QLatin1Char('.');
+    qsizetype iWordEnd = iLiteral;
+    while (iWordEnd < Window.size() && IsWordLike(Window.at(iWordEnd)))
+        ++iWordEnd;
+    if (iWordEnd == iLiteral)
+        return false;
+    const QStringView After = Window.sliced(iWordEnd);
+    const QLatin1String Next(Pattern.pAfterWord);
+    // The one character before the next words may be the word's own last one.
+    return After.startsWith(Next)
+           || (Pattern.bCharBeforeAfterWord && !After.isEmpty() && After.sliced(1).startsWith(Next));
+}
+
 const SPatternStart& PatternStart(int iPattern)
 {
     static const SPatternStart s_Starts[] = {
@@ -74,10 +134,15 @@ bool FindBanner(const QString& Text, int iPattern, QRegularExpressionMatch& Matc
     qsizetype iAt = Start.bLastMatch ? Text.lastIndexOf(Start.Literal) : Text.indexOf(Start.Literal);
     while (iAt >= 0)
     {
-        Match = Start.Rest.match(QStringView(Text).mid(iAt, iWindow), 0, QRegularExpression::NormalMatch,
-                                 QRegularExpression::AnchorAtOffsetMatchOption);
-        if (Match.hasMatch())
-            return true;
+        const QStringView Window = QStringView(Text).mid(iAt, iWindow);
+        const SBannerPattern& Pattern = s_Patterns[iPattern];
+        if (MayMatchAt(Window, Pattern, Start.Literal.size()) && HoldsRequiredWords(Window, Pattern))
+        {
+            Match = Start.Rest.match(Window, 0, QRegularExpression::NormalMatch,
+                                     QRegularExpression::AnchorAtOffsetMatchOption);
+            if (Match.hasMatch())
+                return true;
+        }
         iAt = Start.bLastMatch ? (iAt == 0 ? -1 : Text.lastIndexOf(Start.Literal, iAt - 1))
                                : Text.indexOf(Start.Literal, iAt + 1);
     }

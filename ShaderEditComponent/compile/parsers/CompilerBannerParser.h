@@ -6,9 +6,9 @@
 
 // Banners longer than this (16 KiB) are cut before parsing; real ones are a few hundred bytes.
 constexpr qint64 MaxBannerBytes = 16 * 1024;
-// A compiler names itself within this much text (1 KiB) from where its pattern's first
-// literal words (" for ", "Zam OpenCL ") stand; see ParseCompilerBanner.
-constexpr qint64 MaxBannerIdentificationBytes = 1024;
+// A compiler names itself within this much text (256 characters, a long line) from where its
+// pattern's first literal words (" for ", "Zam OpenCL ") stand; see ParseCompilerBanner.
+constexpr qint64 MaxBannerIdentificationBytes = 256;
 
 // Reads what a compiler printed when run without arguments. Compiler and Version are set in
 // every case ("Unknown" when no banner pattern matches); the option names found after the

@@ -91,13 +91,14 @@ void ReadHeaderLocation(QByteArrayView Line, qsizetype iAfterWord, SCompileMessa
     }
 }
 
-// Moves the line number of "KEYWORD: <string>:<line>" starting at iAfterWord by the offset.
+// Moves the line number of "KEYWORD: <string>:<line>" starting at iAfterWord by the offset,
+// and appends the line, so moved, with its line break to LogText.
 SCompileMessage MakeMessage(QByteArrayView Line, qsizetype iAfterWord, SCompileMessage::ESeverity eSeverity,
-                            int iLineOffset, QByteArray& Text)
+                            int iLineOffset, QByteArray& LogText)
 {
     SCompileMessage Message;
     Message.eSeverity = eSeverity;
-    Text = Line.toByteArray();
+    const qsizetype iTextStart = LogText.size();
     qsizetype iPos = iAfterWord;
     qint64 iString = 0;
     qint64 iLine = 0;
@@ -111,14 +112,17 @@ SCompileMessage MakeMessage(QByteArrayView Line, qsizetype iAfterWord, SCompileM
             if (iMoved >= 0 && iMoved <= std::numeric_limits<int>::max())
             {
                 Message.iLine = static_cast<int>(iMoved);
-                Text =
-                    Line.first(iLineStart).toByteArray() + QByteArray::number(iMoved) + Line.sliced(iPos).toByteArray();
+                LogText.append(Line.first(iLineStart)).append(QByteArray::number(iMoved)).append(Line.sliced(iPos));
             }
         }
     }
     if (Message.iLine == 0)
+    {
+        LogText.append(Line);
         ReadHeaderLocation(Line, iAfterWord, Message);
-    Message.Text = QString::fromUtf8(Text);
+    }
+    Message.Text = QString::fromUtf8(QByteArrayView(LogText).sliced(iTextStart));
+    LogText.append('\n');
     return Message;
 }
 } // namespace
@@ -136,6 +140,7 @@ SCompilerOutput ParseCompilerOutput(const QByteArray& Output, int iLineOffset)
         qsizetype iEnd = Output.indexOf('\n', iStart);
         if (iEnd < 0)
             iEnd = Output.size();
+        const qsizetype iLineStart = iStart;
         const QByteArrayView Line = QByteArrayView(Output).sliced(iStart, iEnd - iStart);
         iStart = iEnd + 1;
 
@@ -144,26 +149,30 @@ SCompilerOutput ParseCompilerOutput(const QByteArray& Output, int iLineOffset)
         const qsizetype iWord = FindKeyword(Line, eSeverity, iWordLength);
         if (iWord < 0)
             continue;
-        QByteArray Text;
-        SCompileMessage Message = MakeMessage(Line, iWord + iWordLength, eSeverity, iLineOffset, Text);
-        Parsed.LogText += Text + '\n';
-        Parsed.Messages.append(Message);
+        // Room for the rest of the output; moved line numbers may add a few digits.
+        if (Parsed.LogText.isEmpty())
+            Parsed.LogText.reserve(Output.size() - iLineStart + 16);
+        Parsed.Messages.append(MakeMessage(Line, iWord + iWordLength, eSeverity, iLineOffset, Parsed.LogText));
     }
     return Parsed;
 }
 
 QByteArray RawOutputForLog(const QByteArray& Output)
 {
-    QByteArray Text = Output;
+    QByteArrayView Text(Output);
     while (Text.endsWith('\n'))
         Text.chop(1);
     if (Text.isEmpty())
-        return Text;
+        return QByteArray();
     if (Text.size() <= MaxRawOutputInLog)
-        return Text + '\n';
-    qsizetype iCut = Text.lastIndexOf('\n', MaxRawOutputInLog);
+    {
+        QByteArray Lines;
+        Lines.reserve(Text.size() + 1);
+        return Lines.append(Text).append('\n');
+    }
+    qsizetype iCut = Text.first(MaxRawOutputInLog + 1).lastIndexOf('\n');
     if (iCut <= 0)
         iCut = MaxRawOutputInLog;
     const qsizetype iLeftOut = Text.size() - iCut;
-    return Text.left(iCut) + "\n(" + QByteArray::number(iLeftOut) + " more bytes of output not shown)\n";
+    return Text.first(iCut).toByteArray() + "\n(" + QByteArray::number(iLeftOut) + " more bytes of output not shown)\n";
 }

@@ -49,12 +49,17 @@ int SourceLineOf(QStringView Line, int iColumn)
 
 QVector<int> ParseDisassemblyLines(const QString& Text, int iLineOffset, int iHeaderSearchLines)
 {
-    const QList<QStringView> Lines = QStringView(Text).split(QLatin1Char('\n'));
-    QVector<int> Sources(Lines.size(), 0);
+    const QStringView View(Text);
+    QVector<int> Sources(View.count(QLatin1Char('\n')) + 1, 0);
     int iColumn = -1;
-    for (qsizetype i = 0; i < Lines.size(); ++i)
+    qsizetype iStart = 0;
+    for (qsizetype i = 0; i < Sources.size(); ++i)
     {
-        const QStringView Line = Lines.at(i);
+        qsizetype iEnd = View.indexOf(QLatin1Char('\n'), iStart);
+        if (iEnd < 0)
+            iEnd = View.size();
+        const QStringView Line = View.sliced(iStart, iEnd - iStart);
+        iStart = iEnd + 1;
         if (Line.trimmed().startsWith(QLatin1Char(';')))
         {
             if (iColumn < 0 && i < iHeaderSearchLines)

@@ -17,14 +17,14 @@ bool ToInt(QStringView Digits, qint64& iValue)
 }
 
 // False when the array cannot grow to hold line L. The lines a profile skips are padded in
-// one step, not one growth per line.
-bool StoreCount(CZamTArray<int>& CycleCounts, qint64 iLine, int iCount)
+// one step, not one growth per line, with room for the lines after it up to the unit's last.
+bool StoreCount(CZamTArray<int>& CycleCounts, qint64 iLine, qint64 iLastLine, int iCount)
 {
     const qint64 iSize = CycleCounts.GetSize();
     if (iLine < 1 || iLine >= iSize)
     {
         if (iLine - 1 > iSize
-            && (CycleCounts.SetCapacity(static_cast<uint32_t>(iLine)) != 0
+            && (CycleCounts.SetCapacity(static_cast<uint32_t>(qBound(iLine, iLastLine, 2 * iLine))) != 0
                 || CycleCounts.AppendCopies(-1, static_cast<uint32_t>(iLine - 1 - iSize)) != 0))
             return false;
         return CycleCounts.Append(iCount) == 0;
@@ -52,7 +52,7 @@ std::pair<SNumberAt, SNumberAt> FindLineCount(QStringView Text, qsizetype iFrom)
 }
 } // namespace
 
-SProfileParse ParseProfile(const QString& Text, int iLineOffset, CZamTArray<int>& CycleCounts)
+SProfileParse ParseProfile(const QString& Text, int iLineOffset, qint64 iLastLine, CZamTArray<int>& CycleCounts)
 {
     SProfileParse Parse;
     qint64 iValue = 0;
@@ -74,6 +74,7 @@ SProfileParse ParseProfile(const QString& Text, int iLineOffset, CZamTArray<int>
     }
 
     qint64 iTotal = 0;
+    qint64 iNamedTotal = 0; // with the counts of lines out of range, as the reported total has them
     for (auto [Line, Count] = FindLineCount(Text, 0); Line.iStart >= 0;
          std::tie(Line, Count) = FindLineCount(Text, Count.iEnd))
     {
@@ -85,14 +86,17 @@ SProfileParse ParseProfile(const QString& Text, int iLineOffset, CZamTArray<int>
             break;
         }
         iLine += iLineOffset;
-        const bool bInside = iLine >= 1 && iLine < static_cast<qint64>(CycleCounts.GetSize());
-        if (iLine > MaxProfileLine || (bInside && CycleCounts[static_cast<uint32_t>(iLine - 1)] != -1)
-            || iTotal + iCount > std::numeric_limits<int>::max())
+        iNamedTotal += iCount;
+        if (iLine > iLastLine)
         {
-            Parse.bMalformed = true;
-            break;
+            if (Parse.iOutOfRangeEntries++ == 0)
+                Parse.iFirstOutOfRange = iLine;
+            continue;
         }
-        if (!StoreCount(CycleCounts, iLine, static_cast<int>(iCount)))
+        const bool bInside = iLine >= 1 && iLine < static_cast<qint64>(CycleCounts.GetSize());
+        if ((bInside && CycleCounts[static_cast<uint32_t>(iLine - 1)] != -1)
+            || iTotal + iCount > std::numeric_limits<int>::max()
+            || !StoreCount(CycleCounts, iLine, iLastLine, static_cast<int>(iCount)))
         {
             Parse.bMalformed = true;
             break;
@@ -100,7 +104,23 @@ SProfileParse ParseProfile(const QString& Text, int iLineOffset, CZamTArray<int>
         iTotal += iCount;
     }
     Parse.iTotalConsumedCycles = static_cast<int>(iTotal);
-    if (!Parse.bMalformed && Parse.iReportedTotal >= 0 && Parse.iReportedTotal != iTotal)
+    if (!Parse.bMalformed && Parse.iReportedTotal >= 0 && Parse.iReportedTotal != iNamedTotal)
         Parse.bMalformed = true;
     return Parse;
+}
+
+QString OutOfRangeNote(const SProfileParse& Parse, qint64 iLastLine)
+{
+    if (Parse.iOutOfRangeEntries == 0)
+        return QString();
+    if (Parse.iOutOfRangeEntries == 1)
+        return QStringLiteral("WARNING: The profile names line %1, past line %2, the last line compiled; its cycle "
+                              "count is not shown.")
+            .arg(Parse.iFirstOutOfRange)
+            .arg(iLastLine);
+    return QStringLiteral("WARNING: The profile names %1 lines past line %2, the last line compiled (the first is "
+                          "line %3); their cycle counts are not shown.")
+        .arg(Parse.iOutOfRangeEntries)
+        .arg(iLastLine)
+        .arg(Parse.iFirstOutOfRange);
 }

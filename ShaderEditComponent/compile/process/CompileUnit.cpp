@@ -27,7 +27,8 @@ struct SUnitOutputs
     QString OutputBase;
     bool bProfile = false;
     bool bDisassembly = false;
-    bool bDependencies = false; // the private folder may hold the headers the compile read
+    bool bDependencies = false;        // the private folder may hold the headers the compile read
+    qint64 iLastLine = MaxProfileLine; // the last document line the compiled text covers
 };
 
 void AppendLog(SCompileResult& Result, const QByteArray& Text)
@@ -54,21 +55,24 @@ bool ReadOutputFile(const QString& Path, QByteArray& Bytes, QString& Error)
     return true;
 }
 
-void ReadProfile(const SCompileUnit& Unit, const QString& Path, SCompileResult::SProfile& Profile,
+void ReadProfile(const SCompileUnit& Unit, const SUnitOutputs& Outputs, SCompileResult::SProfile& Profile,
                  SCompileResult& Result)
 {
     QByteArray Bytes;
     QString Error;
-    if (!ReadOutputFile(Path, Bytes, Error))
+    if (!ReadOutputFile(Outputs.OutputBase + QStringLiteral(".prof"), Bytes, Error))
     {
         AppendLogLine(Result, Error);
         return;
     }
-    const SProfileParse Parse = ParseProfile(QString::fromUtf8(Bytes), Unit.iLineOffset, Result.CycleCounts);
+    const SProfileParse Parse =
+        ParseProfile(QString::fromUtf8(Bytes), Unit.iLineOffset, Outputs.iLastLine, Result.CycleCounts);
     Profile.iTotalConsumedCycles = Parse.iTotalConsumedCycles;
     Profile.iGeneratedInstructions = Parse.iGeneratedInstructions;
     if (Parse.bMalformed)
         AppendLogLine(Result, UIString(UIS_MalformedProfileFile));
+    if (Parse.iOutOfRangeEntries > 0)
+        AppendLogLine(Result, OutOfRangeNote(Parse, Outputs.iLastLine));
 }
 
 void ReadDisassembly(const QString& Path, SCompileResult::SProfile& Profile, SCompileResult& Result)
@@ -140,7 +144,7 @@ ECompileStatus JudgeRun(const SCompileUnit& Unit, const SCommandRun& Run, const 
         Profile.bRequestFlag = Unit.uiRequestFlags == 2;
         Profile.iLineOffset = Unit.iLineOffset;
         if (Outputs.bProfile)
-            ReadProfile(Unit, Outputs.OutputBase + QStringLiteral(".prof"), Profile, Result);
+            ReadProfile(Unit, Outputs, Profile, Result);
         if (Outputs.bDisassembly)
             ReadDisassembly(Outputs.OutputBase + QStringLiteral(".disasm"), Profile, Result);
         if (Parsed.bHasEstimate)
@@ -180,7 +184,9 @@ QString WriteUnitSource(QTemporaryDir& Folder, const QString& FileName, const QB
         return QString();
     const QString Path = Folder.filePath(FileName);
     QFile File(Path);
-    if (!File.open(QIODevice::WriteOnly | QIODevice::NewOnly) || File.write(Source) != Source.size() || !File.flush())
+    // Owner-only like its folder, so a copy moved or linked out of the folder stays private.
+    if (!File.open(QIODevice::WriteOnly | QIODevice::NewOnly, QFileDevice::ReadOwner | QFileDevice::WriteOwner)
+        || File.write(Source) != Source.size() || !File.flush())
     {
         File.remove();
         return QString();
@@ -207,6 +213,7 @@ ECompileStatus CompileSource(const SCompileUnit& Unit, const QByteArray& Source,
     Outputs.bProfile = AsksFor(Command, "-profile");
     Outputs.bDisassembly = AsksFor(Command, "-disasm");
     Outputs.bDependencies = true;
+    Outputs.iLastLine = Unit.iLineOffset + Source.count('\n') + 1;
 
     SRunOptions Options;
     Options.iOutputCap = Target.iOutputCap;

@@ -16,7 +16,9 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t uiSize)
 {
-    const QByteArray Bytes(reinterpret_cast<const char*>(pData), static_cast<qsizetype>(uiSize));
+    // Not copied: the parsers only read it.
+    const QByteArray Bytes =
+        QByteArray::fromRawData(reinterpret_cast<const char*>(pData), static_cast<qsizetype>(uiSize));
     const int iOffset = uiSize > 0 ? pData[0] * 37 : 0;
     const QString Text = QString::fromUtf8(Bytes);
 
@@ -26,15 +28,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t uiSize)
     if (RawOutputForLog(Bytes).size() > MaxRawOutputInLog + 64)
         __builtin_trap(); // the log shows a bounded part of a failed run's output
 
+    // As a compile bounds it: the unit's lines, here the input's.
+    const qint64 iLastLine = iOffset + Text.count(QLatin1Char('\n')) + 1;
     CZamTArray<int> CycleCounts;
-    (void)ParseProfile(Text, iOffset, CycleCounts);
-    if (CycleCounts.GetSize() > static_cast<uint32_t>(MaxProfileLine) + uiSize)
-        __builtin_trap();
+    (void)ParseProfile(Text, iOffset, iLastLine, CycleCounts);
+    if (CycleCounts.GetSize() > iLastLine + uiSize)
+        __builtin_trap(); // lines past the unit are skipped, a line 0 appends one entry
 
     (void)ParsePerformanceEstimate(Text);
     if (ParseDisassemblyLines(Text, iOffset).size() != Text.count(QLatin1Char('\n')) + 1)
         __builtin_trap(); // one entry per text line, so views can index it by line
-
 
     QString Compiler;
     QString Version;

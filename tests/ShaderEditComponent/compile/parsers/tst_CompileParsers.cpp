@@ -22,6 +22,7 @@ private slots:
     void ProfileMalformed_data();
     void ProfileMalformed();
     void ProfileKeepsEarlierUnitsCounts();
+    void ProfileLinesPastTheUnit();
 
     void EstimateFigures();
 
@@ -116,7 +117,7 @@ void CCompileParsersTest::ProfileCounts()
     QFETCH(int, Generated);
 
     CZamTArray<int> Array;
-    const SProfileParse Parse = ParseProfile(Profile, Offset, Array);
+    const SProfileParse Parse = ParseProfile(Profile, Offset, 1000, Array);
     QVERIFY(!Parse.bMalformed);
     QCOMPARE(ToList(Array), Counts);
     QCOMPARE(Parse.iTotalConsumedCycles, Total);
@@ -132,7 +133,6 @@ void CCompileParsersTest::ProfileMalformed_data()
     QTest::newRow("line counted twice")
         << "line: 1, count: 3\nline: 2, count: 1\nline: 1, count: 3\nline: 3, count: 1\n"
         << IntList{3, 1};
-    QTest::newRow("line past the limit") << "line: 1, count: 3\nline: 99999999, count: 1\n" << IntList{3};
     QTest::newRow("line does not fit") << "line: 123456789012345678901234, count: 1\n" << IntList{};
     QTest::newRow("count does not fit") << "line: 1, count: 4294967296\n" << IntList{};
     QTest::newRow("total not the sum") << "line: 1, count: 3\nTotal consumed cycles = 4\n" << IntList{3};
@@ -145,7 +145,7 @@ void CCompileParsersTest::ProfileMalformed()
     QFETCH(IntList, CountsKept);
 
     CZamTArray<int> Array;
-    const SProfileParse Parse = ParseProfile(Profile, 0, Array);
+    const SProfileParse Parse = ParseProfile(Profile, 0, 1000, Array);
     QVERIFY(Parse.bMalformed);
     QCOMPARE(ToList(Array), CountsKept);
 }
@@ -154,12 +154,36 @@ void CCompileParsersTest::ProfileKeepsEarlierUnitsCounts()
 {
     // Two shaders of one effect file share the array; the second may not overwrite the first.
     CZamTArray<int> Array;
-    QVERIFY(!ParseProfile(QStringLiteral("line: 1, count: 4\n"), 10, Array).bMalformed);
-    QVERIFY(!ParseProfile(QStringLiteral("line: 1, count: 6\n"), 20, Array).bMalformed);
+    QVERIFY(!ParseProfile(QStringLiteral("line: 1, count: 4\n"), 10, 30, Array).bMalformed);
+    QVERIFY(!ParseProfile(QStringLiteral("line: 1, count: 6\n"), 20, 30, Array).bMalformed);
     QCOMPARE(Array[10], 4);
     QCOMPARE(Array[20], 6);
-    QVERIFY(ParseProfile(QStringLiteral("line: 1, count: 1\n"), 10, Array).bMalformed);
+    QVERIFY(ParseProfile(QStringLiteral("line: 1, count: 1\n"), 10, 30, Array).bMalformed);
     QCOMPARE(Array[10], 4);
+}
+
+void CCompileParsersTest::ProfileLinesPastTheUnit()
+{
+    // A line number is untrusted text: past the unit's last line it is skipped, never padded to.
+    CZamTArray<int> Array;
+    const SProfileParse Parse = ParseProfile(QStringLiteral("line: 2, count: 3\nline: 2000000000, count: 5\n"
+                                                            "line: 9, count: 1\nline: 7, count: 4\n"
+                                                            "Total consumed cycles = 13\n"),
+                                             2, 8, Array);
+    QVERIFY(!Parse.bMalformed); // the reported total counts the skipped lines too
+    QCOMPARE(ToList(Array), (IntList{-1, -1, -1, 3}));
+    QCOMPARE(Parse.iTotalConsumedCycles, 3);
+    QCOMPARE(Parse.iOutOfRangeEntries, 3);
+    QCOMPARE(Parse.iFirstOutOfRange, 2000000002);
+    QCOMPARE(OutOfRangeNote(Parse, 8), QStringLiteral("WARNING: The profile names 3 lines past line 8, the last line "
+                                                      "compiled (the first is line 2000000002); their cycle counts "
+                                                      "are not shown."));
+    QVERIFY(OutOfRangeNote(ParseProfile(QStringLiteral("line: 8, count: 1\n"), 0, 8, Array), 8).isEmpty());
+    QCOMPARE(Array.GetSize(), 8u);
+    QCOMPARE(
+        OutOfRangeNote(ParseProfile(QStringLiteral("line: 9, count: 1\n"), 0, 8, Array), 8),
+        QStringLiteral("WARNING: The profile names line 9, past line 8, the last line compiled; its cycle count is "
+                       "not shown."));
 }
 
 void CCompileParsersTest::EstimateFigures()
@@ -261,6 +285,12 @@ void CCompileParsersTest::Banner_data()
     QTest::newRow("every other option") << "OPTIONS are: -a -b -c -d \n"
                                         << "Unknown"
                                         << "Unknown" << QStringList{"a", "c"} << true;
+    // The character before ". Version" may be the name's own last letter; names need not be Latin.
+    QTest::newRow("name's last letter before Version") << "Compiler for ZC3x Version 1.0@5\n"
+                                                       << "ZC3"
+                                                       << "1.0@5" << QStringList{} << false;
+    QTest::newRow("non-Latin name") << QString::fromUtf8("Compiler for Ядро_2. Version 2.1@3\n")
+                                    << QString::fromUtf8("Ядро_2") << "2.1@3" << QStringList{} << false;
     QTest::newRow("capture holding a placeholder") << "Zam OpenCL 1.2 %2 compiler. Version q 1@2\n"
                                                    << "OpenCL 1.2 %2"
                                                    << "1@2" << QStringList{} << false;
