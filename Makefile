@@ -53,11 +53,12 @@ fuzz: deps
 
 # Reliability figures, one name=value line each: kill -9 during saves, crash and restore of
 # five typed-in tabs, the single-instance socket (another user needs root for useradd/runuser),
-# hostile file names, runaway and flooding compilers.
+# hostile file names, runaway and flooding compilers, compile temporary files.
 .PHONY: reliability
 reliability: configure
 	cmake --build $(BUILD_DIR) -j $(JOBS) --target reliability_save_host reliability_editor_host \
-	  reliability_compile_host zam_instance_host fakecc_print fakecc_hang fakecc_forkhang fakecc_setsidhang fakecc_flood
+	  reliability_compile_host zam_instance_host fakecc_print fakecc_hang fakecc_forkhang fakecc_setsidhang fakecc_flood \
+	  glslcompiler_zc1
 	python3 bench/reliability/reliability.py $(BUILD_DIR)
 
 .PHONY: bench-zfxparser

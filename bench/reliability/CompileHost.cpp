@@ -6,8 +6,13 @@
 //                                                       cancelled; every descendant gone in 2 s?
 //   reliability_compile_host flood BIN_DIR              a compiler printing 1 GiB
 //   reliability_compile_host cycles BIN_DIR CYCLES      compile/cancel cycles: zombies, descriptors
+//   reliability_compile_host tempfiles BIN_DIR WORK_DIR TRIALS
+//                                                       compile temporary files: owner-only, in a
+//                                                       private folder, never written through a
+//                                                       symlink planted in the temporary folder
 
 #include "app/dialogs/DialogCommandLine.h"
+#include "ShaderEditComponent/compile/model/CompileOptions.h"
 #include "ShaderEditComponent/compile/process/CommandRunner.h"
 #include "ShaderEditComponent/compile/process/CompileUnit.h"
 
@@ -15,12 +20,17 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
+#include <QSet>
 #include <QThread>
 
 #include <csignal>
 #include <cstdio>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
 namespace
 {
@@ -231,6 +241,120 @@ int Cycles(const QString& Bin, int iCycles)
     Figure("cycles_descriptor_growth", QString::number(CountEntries(QStringLiteral("/proc/self/fd")) - iFdsBefore));
     return 0;
 }
+// Symlinks at every name the compile path uses in the temporary folder and at names of its
+// private folders' pattern, each to a file or folder in Victims: the file named, an existing
+// file or an existing folder. Returns the links' names.
+QSet<QString> PlantSymlinks(const QString& Temp, const QString& Victims)
+{
+    QStringList Names{QStringLiteral("shader"),      QStringLiteral("shader.tmp"),
+                      QStringLiteral("shader.prof"), QStringLiteral("shader.disasm"),
+                      QStringLiteral("shader.deps"), QStringLiteral("shader.fsh"),
+                      QStringLiteral("shader.vsh"),  QStringLiteral("zamshadereditor-XXXXXX")};
+    static const char s_acLetters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+    for (int i = 0; i < 200; ++i)
+    {
+        QString Name = QStringLiteral("zamshadereditor-");
+        for (int c = 0; c < 6; ++c)
+            Name += QLatin1Char(s_acLetters[QRandomGenerator::global()->bounded(62)]);
+        Names << Name;
+    }
+    QDir().mkpath(Victims + QStringLiteral("/folder"));
+    QFile Existing(Victims + QStringLiteral("/existing"));
+    if (Existing.open(QIODevice::WriteOnly))
+        Existing.write("untouched\n");
+    QSet<QString> Planted;
+    for (qsizetype i = 0; i < Names.size(); ++i)
+    {
+        const QString Target = i % 3 == 0   ? Victims + QStringLiteral("/existing")
+                               : i % 3 == 1 ? Victims + QStringLiteral("/folder")
+                                            : Victims + QStringLiteral("/new-") + QString::number(i);
+        if (QFile::link(Target, Temp + QLatin1Char('/') + Names.at(i)))
+            Planted.insert(Names.at(i));
+    }
+    return Planted;
+}
+
+// What Victims holds beyond what PlantSymlinks put there: anything written through a link.
+int WrittenThrough(const QString& Victims)
+{
+    QFile Existing(Victims + QStringLiteral("/existing"));
+    const bool bTouched = !Existing.open(QIODevice::ReadOnly) || Existing.readAll() != "untouched\n";
+    return CountEntries(Victims) - 2 + CountEntries(Victims + QStringLiteral("/folder")) + (bTouched ? 1 : 0);
+}
+
+bool OwnerOnly(const QString& Path, mode_t Type, mode_t Mode)
+{
+    struct stat Info
+    {
+    };
+    return ::lstat(QFile::encodeName(Path).constData(), &Info) == 0 && (Info.st_mode & S_IFMT) == Type
+           && Info.st_uid == ::geteuid() && (Info.st_mode & 07777) == Mode;
+}
+
+// Runs a compile that hangs, looks at its private folder and source file while it runs, then
+// cancels it. Adds to the two counts when the folder is 0700 and the file 0600, both ours.
+void InspectRunningCompile(const QString& Bin, const QString& Temp, const QSet<QString>& Planted, int& iFolders,
+                           int& iFiles)
+{
+    CRunControl Control;
+    SCompileResult Result;
+    SCompileTarget Target;
+    Target.Executable = Bin + QStringLiteral("/fakecc_hang");
+    Target.TempDirectory = Temp;
+    std::thread Runner([&] { (void)CompileSource(SCompileUnit(), "void main() {}\n", Target, Control, Result); });
+    QString Source;
+    QElapsedTimer Timer;
+    Timer.start();
+    while (Source.isEmpty() && Timer.elapsed() < 5000)
+    {
+        for (const QString& Name : QDir(Temp).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System))
+        {
+            if (!Planted.contains(Name)
+                && QFile::exists(Temp + QLatin1Char('/') + Name + QStringLiteral("/shader.tmp")))
+                Source = Temp + QLatin1Char('/') + Name + QStringLiteral("/shader.tmp");
+        }
+        QThread::msleep(2);
+    }
+    iFolders += !Source.isEmpty() && OwnerOnly(QFileInfo(Source).path(), S_IFDIR, 0700);
+    iFiles += !Source.isEmpty() && OwnerOnly(Source, S_IFREG, 0600);
+    Control.Cancel();
+    Runner.join();
+}
+
+int TempFiles(const QString& Bin, const QString& Work, int iTrials)
+{
+    const QString Temp = Work + QStringLiteral("/tmp");
+    const QString Victims = Work + QStringLiteral("/victims");
+    QDir().mkpath(Temp);
+    // As shared as /tmp: anyone may plant a name there.
+    ::chmod(QFile::encodeName(Temp).constData(), 01777);
+    const QSet<QString> Planted = PlantSymlinks(Temp, Victims);
+    int iFolders = 0;
+    int iFiles = 0;
+    int iCompleted = 0;
+    for (int i = 0; i < iTrials; ++i)
+    {
+        InspectRunningCompile(Bin, Temp, Planted, iFolders, iFiles);
+        // A real compile that leaves a profile and a disassembly beside its source.
+        CRunControl Control;
+        SCompileResult Result;
+        SCompileTarget Target;
+        Target.Executable = Bin + QStringLiteral("/glslcompiler_zc1");
+        Target.TempDirectory = Temp;
+        Target.uiSwitches = CompileOption_Profile | CompileOption_Disassembly;
+        const QByteArray Source = "precision mediump float;\nvoid main() { gl_FragColor = vec4(0.5); }\n";
+        iCompleted += CompileSource(SCompileUnit(), Source, Target, Control, Result) == CompileStatus_Completed
+                      && Result.CycleCounts.GetSize() > 0;
+    }
+    Figure("tempfiles_compiles", QString::number(2 * iTrials));
+    Figure("tempfiles_private_folder_owner_only", QStringLiteral("%1/%2").arg(iFolders).arg(iTrials));
+    Figure("tempfiles_source_owner_only", QStringLiteral("%1/%2").arg(iFiles).arg(iTrials));
+    Figure("tempfiles_real_compiles_with_profile", QStringLiteral("%1/%2").arg(iCompleted).arg(iTrials));
+    Figure("tempfiles_symlinks_planted", QString::number(Planted.size()));
+    Figure("tempfiles_written_through_symlinks", QString::number(WrittenThrough(Victims)));
+    Figure("tempfiles_left_behind", QString::number(CountEntries(Temp) - Planted.size()));
+    return 0;
+}
 } // namespace
 
 int main(int argc, char** argv)
@@ -246,6 +370,8 @@ int main(int argc, char** argv)
         return Flood(Args.at(2));
     if (Mode == QLatin1String("cycles") && Args.size() > 3)
         return Cycles(Args.at(2), Args.at(3).toInt());
-    std::fprintf(stderr, "usage: %s template|runaway|flood|cycles BIN_DIR [WORK_DIR|COUNT]\n", argv[0]);
+    if (Mode == QLatin1String("tempfiles") && Args.size() > 4)
+        return TempFiles(Args.at(2), Args.at(3), Args.at(4).toInt());
+    std::fprintf(stderr, "usage: %s template|runaway|flood|cycles|tempfiles BIN_DIR [WORK_DIR] [COUNT]\n", argv[0]);
     return 2;
 }

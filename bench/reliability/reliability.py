@@ -11,7 +11,8 @@ instance  the single-instance socket: its folder and mode, messages from another
           a burst of 1,000 connections, the next start after kill -9
 compile   50 hostile file names through a custom template (and whether a shell ever starts,
           under strace when it is there), runaway compilers cancelled, a compiler printing
-          1 GiB, compile/cancel cycles
+          1 GiB, compile/cancel cycles, compile temporary files (modes, symlinks planted in
+          the temporary folder)
 """
 import argparse
 import os
@@ -263,6 +264,10 @@ def compile_figures(build, scale):
     for args in (["runaway", bindir, str(max(2, int(200 * scale)))], ["flood", bindir],
                  ["cycles", bindir, str(max(1, int(1000 * scale)))]):
         print(subprocess.run([host] + args, capture_output=True, text=True, timeout=900).stdout, end="", flush=True)
+    work = tempfile.mkdtemp(prefix="zam-tempfiles-", dir=build)
+    print(subprocess.run([host, "tempfiles", bindir, work, str(max(2, int(100 * scale)))], capture_output=True,
+                         text=True, timeout=900).stdout, end="", flush=True)
+    shutil.rmtree(work)
 
 
 def main():
