@@ -95,7 +95,21 @@ bool CDocumentBackups::PrepareFolder()
         m_pSessionLock.reset();
         return false;
     }
+    RemoveStaleLocks();
     return true;
+}
+
+void CDocumentBackups::RemoveStaleLocks() const
+{
+    const QString Suffix = QLatin1String(s_LockSuffix);
+    const QStringList Locks =
+        QDir(m_Folder).entryList({QLatin1Char('*') + Suffix}, QDir::Files | QDir::Hidden | QDir::System);
+    for (const QString& Name : Locks)
+    {
+        const QString Session = Name.chopped(Suffix.size());
+        if (Session != m_Session)
+            (void)IsSessionRunning(Session);
+    }
 }
 
 void CDocumentBackups::OnPanelAdded(CShaderEditPanel* pPanel)
@@ -210,7 +224,8 @@ void CDocumentBackups::Flush()
 
 bool CDocumentBackups::IsSessionRunning(const QString& Session) const
 {
-    // A lock whose process is gone is taken over, and so is free.
+    // A lock whose process is gone (the lock names its process id and program) is taken over
+    // and removed; a live session's lock cannot be taken and stays as it is.
     QLockFile Lock(m_Folder + QLatin1Char('/') + Session + QLatin1String(s_LockSuffix));
     Lock.setStaleLockTime(0);
     if (!Lock.tryLock(0))

@@ -41,7 +41,8 @@ struct SBackupScan
 // after the first change not yet backed up, however fast the user types); the text is
 // encoded and written on a thread of its own. A save, a clean close or a discard removes
 // the document's backup. Each session holds a lock file in the folder, so the backups of a
-// session that is still running are never taken for left-overs.
+// session that is still running are never taken for left-overs; a start removes the locks of
+// sessions that are no longer running.
 class CDocumentBackups : public QObject
 {
     Q_OBJECT
@@ -88,6 +89,9 @@ private:
     void RemoveInBackground(const QString& File);
     void MoveInBackground(const QString& From, const QString& To);
     bool IsSessionRunning(const QString& Session) const;
+    // Removes the lock files of sessions whose process is gone (killed or crashed), which
+    // would otherwise pile up in the folder.
+    void RemoveStaleLocks() const;
     SDamagedBackup KeepAside(const QString& File, const QString& Error) const;
     CShaderEditPanel* UnmodifiedTabOf(const QString& Path) const;
 

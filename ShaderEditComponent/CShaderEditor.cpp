@@ -205,6 +205,10 @@ CShaderEditPanel* CShaderEditor::AddRestoredDocument(const QString& Title, const
     CShaderEditPanel* pPanel = AddPanel(Title, &Text, Path, eType);
     pPanel->SetFileFormat(Format);
     pPanel->document()->setModified(true);
+    // Watched from what is on disk now, as an opened file is: a file gone meanwhile is
+    // reported when it comes back.
+    if (!Path.isEmpty())
+        m_pWatcher->Watch(Path, ReadDocumentFile(Path).Bytes);
     return pPanel;
 }
 

@@ -47,7 +47,8 @@ public:
     // The tab's title without the modified marker.
     QString DocumentTitle(int iIndex) const;
     // A document brought back from a backup: a modified tab with the title it had, the text
-    // and the file it belongs to, which is not touched until the user saves.
+    // and the file it belongs to, which is not touched until the user saves; the file is
+    // watched for changes by other programs like an opened one.
     CShaderEditPanel* AddRestoredDocument(const QString& Title, const QString& Text, const QString& Path,
                                           EShaderDocType eType, const SDocumentFormat& Format);
 
