@@ -70,6 +70,8 @@ ZamShaderEditorWindow::ZamShaderEditorWindow(const SEditorWindowOptions& Options
     , m_pEditController(std::make_unique<CShaderEditController>(EditControllerOptions(m_GUI, Options)))
 {
     InitIconResources();
+    // The restored tabs behind the current one are coloured after the first paint.
+    m_pHighlight->SetColourHiddenLater(true);
     setObjectName(QStringLiteral("MainWindow"));
     setAcceptDrops(true);
     setWindowIcon(QIcon(QStringLiteral(":/ZamShaderEditor/Icons/ZamShaderEditor_48.png")));
@@ -105,16 +107,24 @@ ZamShaderEditorWindow::ZamShaderEditorWindow(const SEditorWindowOptions& Options
     }
     OnCompilerFlagsChanged(m_pEditController->GetCompilerFlags());
     // A window that is never painted (kept hidden, minimised at start) still compiles.
-    QTimer::singleShot(s_iDetectionFallbackMs, m_pEditController.get(), &CShaderEditController::StartCompilerDetection);
+    QTimer::singleShot(s_iDetectionFallbackMs, this, &ZamShaderEditorWindow::FinishStartup);
 }
 
 bool ZamShaderEditorWindow::event(QEvent* pEvent)
 {
-    // Compiler processes and the session's compiles start once the window is on screen, so
-    // they never stand between the user and the first picture.
+    // Compiler processes, the session's compiles and what the first picture does not show
+    // wait until the window is on screen, so they never stand between the user and it.
     if (pEvent->type() == QEvent::Paint && !std::exchange(m_bPainted, true))
-        QTimer::singleShot(0, m_pEditController.get(), &CShaderEditController::StartCompilerDetection);
+        QTimer::singleShot(0, this, &ZamShaderEditorWindow::FinishStartup);
     return QMainWindow::event(pEvent);
+}
+
+void ZamShaderEditorWindow::FinishStartup()
+{
+    if (std::exchange(m_bStartupFinished, true))
+        return;
+    m_pHighlight->SetColourHiddenLater(false);
+    m_pEditController->StartCompilerDetection();
 }
 
 ZamShaderEditorWindow::~ZamShaderEditorWindow()

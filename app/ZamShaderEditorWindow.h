@@ -93,6 +93,8 @@ private slots:
 private:
     void BuildStatusBar();
     void BuildDocks();
+    // Once, after the first paint or a second after construction when never painted.
+    void FinishStartup();
     QDockWidget* AddDock(QWidget* pView, const char* pObjectName, Qt::DockWidgetArea eArea, int iTitle, int iToggle);
     void ConnectEditor();
     void ConnectActions();
@@ -125,4 +127,5 @@ private:
     bool m_bASMWanted = true;
     bool m_bApplyingFlags = false;
     bool m_bPainted = false;
+    bool m_bStartupFinished = false;
 };

@@ -224,6 +224,13 @@ void CShaderHighlightController::OnSyntaxColourChanged(uint uiElement, QTextChar
     emit SyntaxColoursChanged();
 }
 
+void CShaderHighlightController::SetColourHiddenLater(bool bLater)
+{
+    m_bColourHiddenLater = bLater;
+    if (!bLater)
+        emit HiddenColouringDue();
+}
+
 void CShaderHighlightController::OnSetFont(QFont Font)
 {
     m_Font = Font;

@@ -42,12 +42,20 @@ public:
     CZamTString GetElementName(unsigned int uiElement) const;
     const QFont& GetFont() const { return m_Font; }
 
+    // While on, a document in a hidden widget is coloured when the widget is first shown or
+    // when this is turned off again: a start colours the tab on screen before its first
+    // paint and the other restored tabs after it.
+    void SetColourHiddenLater(bool bLater);
+    bool IsColouringHiddenLater() const { return m_bColourHiddenLater; }
+
     // Writes the customised entries and the font, then the preference file.
     bool Save();
 
 signals:
     void SyntaxColoursChanged();
     void FontChanged(const QFont& Font);
+    // SetColourHiddenLater(false): the documents still waiting are coloured now.
+    void HiddenColouringDue();
 
 protected:
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
@@ -78,4 +86,5 @@ private:
     bool m_bDark = false;
     QColor m_DarkBase = Qt::black;
     QFont m_Font;
+    bool m_bColourHiddenLater = false;
 };

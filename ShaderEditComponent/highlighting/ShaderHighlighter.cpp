@@ -3,7 +3,11 @@
 #include "ShaderHighlightController.h"
 #include "ShaderHighlightRules.h"
 
+#include <QEvent>
+#include <QVariant>
+
 #include <algorithm>
+#include <utility>
 
 CShaderHighlighter::CShaderHighlighter(QTextDocument* pDocument, EShaderDocType eType,
                                        const CShaderHighlightController* pController)
@@ -12,6 +16,38 @@ CShaderHighlighter::CShaderHighlighter(QTextDocument* pDocument, EShaderDocType 
     , m_eType(eType)
 {
     Q_ASSERT(m_pController);
+    // The widget is only known as an object here: this library does not use widgets.
+    QObject* pOwner = pDocument ? pDocument->parent() : nullptr;
+    if (!m_pController->IsColouringHiddenLater() || !pOwner || !pOwner->isWidgetType()
+        || pOwner->property("visible").toBool())
+        return;
+    // Detached, the document's changes cost nothing until it is coloured in one pass.
+    setDocument(nullptr);
+    m_pWaitingDocument = pDocument;
+    pOwner->installEventFilter(this);
+    connect(m_pController, &CShaderHighlightController::HiddenColouringDue, this,
+            &CShaderHighlighter::ColourWaitingDocument);
+}
+
+bool CShaderHighlighter::eventFilter(QObject* pWatched, QEvent* pEvent)
+{
+    // Sent before the widget's first paint.
+    if (pEvent->type() == QEvent::Show)
+        ColourWaitingDocument();
+    return QSyntaxHighlighter::eventFilter(pWatched, pEvent);
+}
+
+void CShaderHighlighter::ColourWaitingDocument()
+{
+    QTextDocument* pDocument = std::exchange(m_pWaitingDocument, nullptr);
+    if (!pDocument)
+        return;
+    pDocument->parent()->removeEventFilter(this);
+    disconnect(m_pController, &CShaderHighlightController::HiddenColouringDue, this,
+               &CShaderHighlighter::ColourWaitingDocument);
+    setDocument(pDocument);
+    // Now, not at the next pass of the event loop as setDocument would.
+    rehighlight();
 }
 
 int CShaderHighlighter::PreviousState() const

@@ -35,7 +35,8 @@ class CShaderHighlighter : public QSyntaxHighlighter
     Q_OBJECT
 
 public:
-    // pController must outlive the highlighter.
+    // pController must outlive the highlighter. While the controller colours hidden documents
+    // later, a document whose parent is a hidden widget is coloured once that is shown.
     CShaderHighlighter(QTextDocument* pDocument, EShaderDocType eType, const CShaderHighlightController* pController);
 
     void SetDocumentType(EShaderDocType eType) { m_eType = eType; }
@@ -46,6 +47,7 @@ signals:
 
 protected:
     void highlightBlock(const QString& Text) override;
+    bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
 
 private:
     void HighlightCode(const QString& Text, unsigned int uiMask);
@@ -53,9 +55,11 @@ private:
     void PaintMultiLineComments(const QString& Text, unsigned int uiMask);
     void ApplyElements(unsigned int uiCodeElement);
     int PreviousState() const;
+    void ColourWaitingDocument();
 
     const CShaderHighlightController* m_pController;
     EShaderDocType m_eType;
     const CShaderRuleEngine& m_Engine = CShaderRuleEngine::Shared();
-    std::vector<quint8> m_Elements; // per character: 0 code format, else element + 1
+    std::vector<quint8> m_Elements;              // per character: 0 code format, else element + 1
+    QTextDocument* m_pWaitingDocument = nullptr; // the parent, not yet highlighted
 };

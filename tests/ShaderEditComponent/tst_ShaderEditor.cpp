@@ -12,6 +12,8 @@
 #include <QSignalSpy>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QTextBlock>
+#include <QTextLayout>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -43,6 +45,7 @@ private slots:
     void ModifiedMarkerAndSaveAs();
     void TitlesShowTheWholeName();
     void HighlightsFollowTheSettings();
+    void HiddenTabsAreColouredLater();
     void FollowsTheController();
 
 private:
@@ -420,6 +423,52 @@ void CShaderEditorTest::HighlightsFollowTheSettings()
     QVERIFY(Highlighted().isEmpty());
     SetMarkedText(pPanel, QStringLiteral("one <two| three"));
     QCOMPARE(m_pEditor->GetSelectedText(), QStringLiteral("two"));
+}
+
+// A start opens its session before the window is shown: the tab on screen is coloured before
+// its first paint, the others when told, exactly as if coloured at once, and colouring a
+// tab that is not on screen lays out none of its lines.
+void CShaderEditorTest::HiddenTabsAreColouredLater()
+{
+    m_pEditor->hide();
+    m_pHighlight->SetColourHiddenLater(true);
+    QByteArray Text = "#version 300 es\nprecision highp float;\n/* a comment\nover lines */\nout vec4 fragColor;\n";
+    for (int i = 0; i < 120; ++i)
+        Text += "float f" + QByteArray::number(i) + "(vec3 n) { return max(dot(n, n), 0.0); } // "
+                + QByteArray::number(i) + "\n";
+    for (const char* pName : {"behind.frag", "front.frag", "closed.frag"})
+        TestFiles::WriteAll(m_pDir->filePath(QLatin1String(pName)), Text);
+    QVERIFY(m_pEditor->OnOpenFile(m_pDir->filePath(QStringLiteral("behind.frag"))));
+    QVERIFY(m_pEditor->OnOpenFile(m_pDir->filePath(QStringLiteral("closed.frag"))));
+    m_pEditor->OnCloseCurrentTab(); // a tab gone before its colouring
+    QVERIFY(m_pEditor->OnOpenFile(m_pDir->filePath(QStringLiteral("front.frag"))));
+    CShaderEditPanel* pBehind = m_pEditor->GetPanel(0);
+    CShaderEditPanel* pFront = m_pEditor->GetPanel(1);
+    auto Formats = [](const CShaderEditPanel* pPanel)
+    {
+        QList<QList<QTextLayout::FormatRange>> Blocks;
+        for (QTextBlock Block = pPanel->document()->firstBlock(); Block.isValid(); Block = Block.next())
+            Blocks << Block.layout()->formats();
+        return Blocks;
+    };
+    const QList<QTextLayout::FormatRange> None;
+    QCOMPARE(Formats(pFront).at(0), None);
+
+    m_pEditor->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_pEditor.get()));
+    QVERIFY(Formats(pFront).at(0) != None);
+    QCOMPARE(Formats(pBehind).at(0), None);
+
+    m_pHighlight->SetColourHiddenLater(false);
+    QVERIFY(m_pEditor->OnOpenFile(m_pDir->filePath(QStringLiteral("closed.frag"))));
+    const auto AtOnce = Formats(m_pEditor->GetCurrentPanel());
+    QCOMPARE(Formats(pBehind), AtOnce);
+    QCOMPARE(Formats(pFront), AtOnce);
+    QCOMPARE(pBehind->document()->lastBlock().previous().layout()->lineCount(), 0);
+    // Lines laid out when the tab comes to the front show the colours.
+    m_pEditor->findChild<QTabWidget*>()->setCurrentIndex(0);
+    QTRY_VERIFY(pBehind->document()->firstBlock().layout()->lineCount() > 0);
+    QCOMPARE(pBehind->document()->firstBlock().layout()->formats(), AtOnce.at(0));
 }
 
 // Settings, compile requests and cycle counts travel between the controller and the panel
