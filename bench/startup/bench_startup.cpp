@@ -3,6 +3,12 @@
 // way in the same run; and the hand-over of a second start to the running editor, against
 // the editor answering --version (loading the program and exiting).
 // Usage: bench_startup <editor> <bare window program> [rounds]
+//        bench_startup --prepare <folder>   writes the same session and settings into folder,
+//        for counting a start's instructions by hand: with XDG_CONFIG_HOME=<folder>/config,
+//        XDG_RUNTIME_DIR=<folder>/runtime, XDG_STATE_HOME=<folder>/state, ZAM_STARTUP_PROBE=quit,
+//        valgrind --tool=callgrind --dump-before='CStartupProbe::Report()' <editor>; part 1 is
+//        the start up to the first paint. Under valgrind the window's one-second fallback may
+//        run its after-paint work (FinishStartup) before that paint; subtract it.
 // Last line: startup_ms=<median> bare_ms=<median> startup_vs_bare=<ratio>
 //            handover_ms=<median> handover_vs_version=<ratio>
 
@@ -11,6 +17,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -56,7 +63,7 @@ QByteArray SessionShader(int iIndex)
 
 // The folder of the benchmark's user: five session files and a preference file that
 // restores them without a splash.
-bool PrepareUser(const QTemporaryDir& Home)
+bool PrepareUser(const QDir& Home)
 {
     QStringList Session;
     for (int i = 0; i < 5; ++i)
@@ -131,6 +138,8 @@ int main(int argc, char** argv)
 {
     QCoreApplication App(argc, argv);
     const QStringList Args = App.arguments();
+    if (Args.size() == 3 && Args.at(1) == QLatin1String("--prepare"))
+        return QDir().mkpath(Args.at(2)) && PrepareUser(QDir(QFileInfo(Args.at(2)).absoluteFilePath())) ? 0 : 1;
     if (Args.size() < 3)
     {
         std::fprintf(stderr, "usage: bench_startup <editor> <bare window> [rounds]\n");
@@ -140,7 +149,7 @@ int main(int argc, char** argv)
     const QString Bare = Args.at(2);
     const int iRounds = Args.size() > 3 ? Args.at(3).toInt() : 15;
     QTemporaryDir Home;
-    if (!Home.isValid() || !PrepareUser(Home))
+    if (!Home.isValid() || !PrepareUser(QDir(Home.path())))
         return 1;
     if (qgetenv("QT_QPA_PLATFORM").isEmpty() && qgetenv("DISPLAY").isEmpty())
         qputenv("QT_QPA_PLATFORM", "offscreen");
