@@ -1,12 +1,11 @@
 // The shader edit controller and its compiler workers, run against fake compilers that
-// misbehave the ways a real one can: odd line ends, floods, hostile profiles, hangs and forks.
+// misbehave the ways a real one can: odd line ends, floods, hangs and forks.
 // How a single run is judged is tst_CompilerProcesses' part.
 
 #include "Common/ZamPreferences/ZamPreferences.h"
 #include "ShaderEditComponent/compile/controller/CCompiler_p.h"
 #include "ShaderEditComponent/compile/controller/CShaderEditController.h"
 #include "ShaderEditComponent/compile/model/MetaTypes.h"
-#include "ShaderEditComponent/compile/model/UIString.h"
 #include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/compile/process/CompilerLocator.h"
 #include "tests/support/CompileTestSupport.h"
@@ -90,8 +89,6 @@ private slots:
 
     void SignalsOfOneCompile_data();
     void SignalsOfOneCompile();
-    void HostileProfiles_data();
-    void HostileProfiles();
     void CompileToFileWithHostileName();
     void CancelAndTearDownEndEverything();
     void FloodIsCutWithinMemoryCap();
@@ -175,31 +172,6 @@ void CShaderEditControllerTest::SignalsOfOneCompile()
     const bool bAsked = Switches.contains("-profile");
     QCOMPARE(pRun->Last.CycleCounts.GetSize(), bAsked ? 2u : 0u);
     QCOMPARE(QByteArray(pRun->Last.Disassembly.GetString()), bAsked ? QByteArray("mov\n") : QByteArray());
-}
-
-void CShaderEditControllerTest::HostileProfiles_data()
-{
-    QTest::addColumn<QByteArray>("Profile");
-    QTest::addColumn<bool>("Malformed");
-
-    // Taken literally, a repeated line would make the scan restart at the same place forever.
-    QTest::newRow("line reported twice") << QByteArray("line: 1, count: 2\nline: 2, count: 2\nline: 1, count: 2\n")
-                                         << true;
-    QTest::newRow("binary junk") << QByteArray("\x01\xff\xfeline: x, count: \x80\n") << false;
-}
-
-void CShaderEditControllerTest::HostileProfiles()
-{
-    QFETCH(QByteArray, Profile);
-    QFETCH(bool, Malformed);
-
-    CScopedEnv Env("ZAM_FAKE_PROFILE", Profile);
-    auto pRun = Make(Fake("print"));
-    pRun->Compile("p", QStringLiteral("a\nb\n"), CompileOption_Profile);
-    QTRY_COMPARE_WITH_TIMEOUT(pRun->iResults, 1, 30000);
-    QCOMPARE(pRun->Last.iStatus, 0);
-    QCOMPARE(pRun->Log.contains(UIString(UIS_MalformedProfileFile) + "\n"), Malformed);
-    QVERIFY(pRun->Last.CycleCounts.GetSize() <= 2u);
 }
 
 void CShaderEditControllerTest::CompileToFileWithHostileName()

@@ -84,6 +84,7 @@ private slots:
 
     void EndIsJudgedByTheOutput_data();
     void EndIsJudgedByTheOutput();
+    void MalformedProfileIsNamed();
     void CompilerReadsNoInput();
     void NothingOutlivesACompile_data();
     void NothingOutlivesACompile();
@@ -175,6 +176,16 @@ void CCompilerProcessesTest::EndIsJudgedByTheOutput()
     QCOMPARE(LogOf(Compile.GetResult()), Log);
     // Only a completed compile has a profile record.
     QCOMPARE(Compile.GetResult().Profiles.GetSize(), Status == 0 ? 1u : 0u);
+}
+
+void CCompilerProcessesTest::MalformedProfileIsNamed()
+{
+    CScopedEnv Env("ZAM_FAKE_PROFILE", "line: 1, count: 2\nline: 2, count: 2\nline: 1, count: 2\n");
+    CBackgroundCompile Compile(TargetFor(Fake("print"), m_Temp.path(), CompileOption_Profile), "a\nb\n");
+    QTRY_VERIFY_WITH_TIMEOUT(Compile.IsDone(), 20000);
+    QCOMPARE(Compile.GetStatus(), CompileStatus_Completed);
+    QVERIFY2(LogOf(Compile.GetResult()).contains(UIString(UIS_MalformedProfileFile) + "\n"),
+             qPrintable(LogOf(Compile.GetResult())));
 }
 
 void CCompilerProcessesTest::CompilerReadsNoInput()
