@@ -226,7 +226,18 @@ public:
     void Put(const char* pText) { Put(pText, std::strlen(pText)); }
     void Put(const std::string& text) { Put(text.data(), text.size()); }
     void Repeat(char c, std::size_t uiCount);
-    void Integer(long long llValue) { RightAligned(llValue, 0); }
+    // Register numbers are mostly one or two digits: those are stored without a call.
+    void Integer(long long llValue)
+    {
+        if (llValue >= 0 && llValue < 100 && m_uiSize + 2 <= sizeof(m_acBuffer))
+        {
+            if (llValue >= 10)
+                m_acBuffer[m_uiSize++] = static_cast<char>('0' + llValue / 10);
+            m_acBuffer[m_uiSize++] = static_cast<char>('0' + llValue % 10);
+            return;
+        }
+        RightAligned(llValue, 0);
+    }
     void RightAligned(long long llValue, std::size_t uiWidth); // padded with spaces on the left
     std::size_t Size() const { return m_out.size() + m_uiSize; }
     void Flush()
