@@ -297,8 +297,6 @@ void CEditPanelTest::MessagesMarkTheirLines()
     QCOMPARE(MarkerAt(2), Red);
     QCOMPARE(MarkerAt(3), Amber);
     QVERIFY(MarkerAt(1) != Red && MarkerAt(1) != Amber);
-    const QPoint OnLine3(5, pPanel->cursorRect(QTextCursor(pPanel->document()->findBlockByNumber(2))).center().y());
-    QVERIFY(pPanel->GutterToolTip(CLineNumberArea::Kind_LineNumbers, OnLine3).contains(QStringLiteral("'x'")));
 
     // Marks move with edits; a deleted line takes its marks along.
     TypeAt(pPanel.get(), 0, 0, QStringLiteral("// added\n"));
@@ -309,11 +307,6 @@ void CEditPanelTest::MessagesMarkTheirLines()
     QVERIFY(pPanel->GetCompileMessages(2).isEmpty());
     QCOMPARE(pPanel->GetCompileMessages(3), QStringLiteral("WARNING: 0:4: blank line"));
     QCOMPARE(Underlines(pPanel.get()).size(), 2);
-
-    // The next result replaces them all.
-    pPanel->OnPanelResultChanged(pPanel->GetPanelID(), SCompileResult());
-    QVERIFY(Underlines(pPanel.get()).isEmpty());
-    QVERIFY(pPanel->GetCompileMessages(4).isEmpty());
 }
 
 void CEditPanelTest::Keys_data()
