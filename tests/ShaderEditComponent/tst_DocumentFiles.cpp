@@ -70,23 +70,16 @@ void CDocumentFilesTest::BadInputOpens_data()
 {
     QTest::addColumn<QString>("Kind");
     QTest::addColumn<QString>("Error"); // empty: the document opens
-    QTest::newRow("binary") << "binary"
-                            << "";
-    QTest::newRow("invalid UTF-8") << "latin1"
-                                   << "";
+    const QString Failed = QStringLiteral("Failed to open file: %1\nReason: ");
+    QTest::newRow("binary") << "binary" << QString();
+    QTest::newRow("invalid UTF-8") << "latin1" << QString();
     // Large shaders open (generated code, big tables); past 256 MiB the limit is named.
-    QTest::newRow("20 MiB") << "large"
-                            << "";
-    QTest::newRow("300 MiB") << "huge"
-                             << "Failed to open file: %1\nReason: too large (300 MiB); the limit is 256 MiB";
-    QTest::newRow("directory") << "directory"
-                               << "Failed to open file: %1\nReason: not a regular file (a folder)";
-    QTest::newRow("vanished") << "vanished"
-                              << "Failed to open file: %1\nReason: No such file or directory";
-    QTest::newRow("pipe") << "fifo"
-                          << "Failed to open file: %1\nReason: not a regular file (a FIFO)";
-    QTest::newRow("device") << "/dev/zero"
-                            << "Failed to open file: %1\nReason: not a regular file (a device)";
+    QTest::newRow("20 MiB") << "large" << QString();
+    QTest::newRow("300 MiB") << "huge" << Failed + QStringLiteral("too large (300 MiB); the limit is 256 MiB");
+    QTest::newRow("directory") << "directory" << Failed + QStringLiteral("not a regular file (a folder)");
+    QTest::newRow("vanished") << "vanished" << Failed + QStringLiteral("No such file or directory");
+    QTest::newRow("pipe") << "fifo" << Failed + QStringLiteral("not a regular file (a FIFO)");
+    QTest::newRow("device") << "/dev/zero" << Failed + QStringLiteral("not a regular file (a device)");
 }
 
 void CDocumentFilesTest::BadInputOpens()
