@@ -190,7 +190,7 @@ CCallInliner::SReturnShape CCallInliner::ReturnShape(TIntermNode* pBody)
     const auto it = m_mapReturnShapes.find(pBody);
     if (it != m_mapReturnShapes.end())
         return it->second;
-    const SReturnCount returns = CountReturns(pBody);
+    const SReturnCount returns = m_facts.Returns(pBody);
     SReturnShape shape;
     shape.bWrapped = returns.iReturns > 1 || (returns.iReturns == 1 && !EndsWithReturn(pBody));
     shape.bNeedsFlag = shape.bWrapped && returns.bInsideLevel;

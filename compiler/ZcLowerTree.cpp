@@ -11,25 +11,32 @@ namespace
 {
 
 // Collects every variable written: assigned, incremented, or passed to an out parameter.
-class CWriteCollector : public TIntermTraverser
+// With bReturns it also counts the returns, visiting nodes after their children too to
+// know which returns sit inside a loop or switch (both leave through a flag then): one walk
+// answers both questions an inlined function's body is asked.
+class CFactCollector : public TIntermTraverser
 {
 public:
+    explicit CFactCollector(bool bReturns) : TIntermTraverser(true, false, bReturns) {}
     std::vector<long long> aWritten;
+    SReturnCount returns;
 
-    bool visitBinary(TVisit, TIntermBinary* pNode) override
+    bool visitBinary(TVisit eVisit, TIntermBinary* pNode) override
     {
-        if (IsAssignment(pNode->getOp()))
+        if (eVisit == EvPreVisit && IsAssignment(pNode->getOp()))
             Note(pNode->getLeft());
         return true;
     }
-    bool visitUnary(TVisit, TIntermUnary* pNode) override
+    bool visitUnary(TVisit eVisit, TIntermUnary* pNode) override
     {
-        if (IsIncDec(pNode->getOp()))
+        if (eVisit == EvPreVisit && IsIncDec(pNode->getOp()))
             Note(pNode->getOperand());
         return true;
     }
-    bool visitAggregate(TVisit, TIntermAggregate* pNode) override
+    bool visitAggregate(TVisit eVisit, TIntermAggregate* pNode) override
     {
+        if (eVisit != EvPreVisit)
+            return true;
         const bool bCall = pNode->getOp() == EOpFunctionCall;
         const TQualifierList& aQualifiers = pNode->getQualifierList();
         const TIntermSequence& aArgs = pNode->getSequence();
@@ -43,6 +50,25 @@ public:
         }
         return true;
     }
+    bool visitBranch(TVisit eVisit, TIntermBranch* pNode) override
+    {
+        if (eVisit == EvPreVisit && pNode->getFlowOp() == EOpReturn)
+        {
+            ++returns.iReturns;
+            returns.bInsideLevel = returns.bInsideLevel || m_iLevels > 0;
+        }
+        return true;
+    }
+    bool visitLoop(TVisit eVisit, TIntermLoop*) override
+    {
+        m_iLevels += eVisit == EvPreVisit ? 1 : -1;
+        return true;
+    }
+    bool visitSwitch(TVisit eVisit, TIntermSwitch*) override
+    {
+        m_iLevels += eVisit == EvPreVisit ? 1 : -1;
+        return true;
+    }
 
 private:
     void Note(TIntermTyped* pTarget)
@@ -50,6 +76,8 @@ private:
         if (TIntermSymbol* pRoot = RootOf(pTarget))
             aWritten.push_back(pRoot->getId());
     }
+
+    int m_iLevels = 0;
 };
 
 class CSideEffectFinder : public TIntermTraverser
@@ -93,42 +121,6 @@ public:
         return false;
     }
 };
-
-// Loops and switches both leave through a flag when a return sits inside them.
-class CReturnFinder : public TIntermTraverser
-{
-public:
-    CReturnFinder() : TIntermTraverser(true, false, true) {}
-    SReturnCount count;
-
-    bool visitBranch(TVisit eVisit, TIntermBranch* pNode) override
-    {
-        if (eVisit == EvPreVisit && pNode->getFlowOp() == EOpReturn)
-        {
-            ++count.iReturns;
-            count.bInsideLevel = count.bInsideLevel || m_iLevels > 0;
-        }
-        return true;
-    }
-    bool visitLoop(TVisit eVisit, TIntermLoop*) override
-    {
-        m_iLevels += eVisit == EvPreVisit ? 1 : -1;
-        return true;
-    }
-    bool visitSwitch(TVisit eVisit, TIntermSwitch*) override
-    {
-        m_iLevels += eVisit == EvPreVisit ? 1 : -1;
-        return true;
-    }
-
-private:
-    int m_iLevels = 0;
-};
-
-} // namespace
-
-namespace
-{
 
 // A type that is neither an array nor a structure: one slot a matrix column, or one slot.
 void PlainSlots(const TType& type, std::size_t& uiSlots, std::uint8_t& uiLanes)
@@ -514,7 +506,7 @@ bool WritesVariable(TIntermNode* pNode, long long llId)
 {
     if (!pNode)
         return false;
-    CWriteCollector collector;
+    CFactCollector collector(false);
     pNode->traverse(&collector);
     return std::find(collector.aWritten.begin(), collector.aWritten.end(), llId) != collector.aWritten.end();
 }
@@ -532,15 +524,26 @@ bool CTreeFacts::Writes(TIntermNode* pNode, long long llId)
 {
     if (!pNode)
         return false;
-    auto it = m_mapWritten.find(pNode);
-    if (it == m_mapWritten.end())
+    const std::vector<long long>& aWritten = Facts(pNode).aWritten;
+    return std::binary_search(aWritten.begin(), aWritten.end(), llId);
+}
+
+SReturnCount CTreeFacts::Returns(TIntermNode* pBody)
+{
+    return pBody ? Facts(pBody).returns : SReturnCount();
+}
+
+const CTreeFacts::SNodeFacts& CTreeFacts::Facts(TIntermNode* pNode)
+{
+    auto it = m_mapFacts.find(pNode);
+    if (it == m_mapFacts.end())
     {
-        CWriteCollector collector;
+        CFactCollector collector(true);
         pNode->traverse(&collector);
         std::sort(collector.aWritten.begin(), collector.aWritten.end());
-        it = m_mapWritten.emplace(pNode, std::move(collector.aWritten)).first;
+        it = m_mapFacts.emplace(pNode, SNodeFacts{std::move(collector.aWritten), collector.returns}).first;
     }
-    return std::binary_search(it->second.begin(), it->second.end(), llId);
+    return it->second;
 }
 
 bool CTreeFacts::HasSideEffects(TIntermNode* pNode)
@@ -551,14 +554,6 @@ bool CTreeFacts::HasSideEffects(TIntermNode* pNode)
     const bool bEffects = ZamCompiler::HasSideEffects(pNode);
     m_mapSideEffects.emplace(pNode, bEffects);
     return bEffects;
-}
-
-SReturnCount CountReturns(TIntermNode* pBody)
-{
-    CReturnFinder finder;
-    if (pBody)
-        pBody->traverse(&finder);
-    return finder.count;
 }
 
 bool EndsWithReturn(TIntermNode* pBody)

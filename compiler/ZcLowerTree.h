@@ -65,25 +65,33 @@ bool HasSideEffects(TIntermNode* pNode);
 
 // The answers above that walk a subtree, kept: an inlined function's body is asked about
 // again at every call.
-class CTreeFacts
-{
-public:
-    bool Writes(TIntermNode* pNode, long long llId);
-    bool HasSideEffects(TIntermNode* pNode);
-
-private:
-    // Every variable a subtree writes, collected in one walk.
-    std::unordered_map<const TIntermNode*, std::vector<long long>> m_mapWritten;
-    std::unordered_map<const TIntermNode*, bool> m_mapSideEffects;
-};
-
-// --- functions ---
 struct SReturnCount
 {
     int iReturns = 0;
     bool bInsideLevel = false; // a return sits inside a loop or switch
 };
-SReturnCount CountReturns(TIntermNode* pBody);
+
+class CTreeFacts
+{
+public:
+    bool Writes(TIntermNode* pNode, long long llId);
+    SReturnCount Returns(TIntermNode* pBody);
+    bool HasSideEffects(TIntermNode* pNode);
+
+private:
+    // Every variable a subtree writes and its returns, collected in one walk.
+    struct SNodeFacts
+    {
+        std::vector<long long> aWritten; // ascending
+        SReturnCount returns;
+    };
+    const SNodeFacts& Facts(TIntermNode* pNode);
+
+    std::unordered_map<const TIntermNode*, SNodeFacts> m_mapFacts;
+    std::unordered_map<const TIntermNode*, bool> m_mapSideEffects;
+};
+
+// --- functions ---
 bool EndsWithReturn(TIntermNode* pBody);
 glslang::TIntermAggregate* ParametersOf(glslang::TIntermAggregate* pDefinition);
 TIntermNode* BodyOf(glslang::TIntermAggregate* pDefinition);
