@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 
 #include <cctype>
+#include <future>
 #include <optional>
 #include <system_error>
 #include <thread>
@@ -28,8 +29,8 @@ class CListingJob
 {
 public:
     CListingJob(const SCompilation& compilation, const SCoreModel& core)
-        : m_compilation(compilation), m_core(core), m_aPoolTexts(ImmediateTexts(compilation.program)),
-          m_uiSplit(compilation.program.aInstructions.size() / 4 * 3)
+        : m_compilation(compilation), m_core(core), m_uiSplit(compilation.program.aInstructions.size() / 4 * 3),
+          m_poolTextsReady(m_poolTextsDone.get_future())
     {
         try
         {
@@ -48,6 +49,8 @@ public:
     {
         if (!m_bComplete)
         {
+            // The thread formats the immediates first, long before the caller gets here.
+            m_poolTextsReady.wait();
             std::string rest;
             AppendDisassembly(m_compilation, m_uiSplit, m_compilation.program.aInstructions.size(), m_aPoolTexts, rest);
             Wait();
@@ -60,6 +63,8 @@ public:
 private:
     void FormatFirstPart()
     {
+        m_aPoolTexts = ImmediateTexts(m_compilation.program);
+        m_poolTextsDone.set_value();
         m_text = DisassemblyHeader(m_compilation, m_core);
         // Room for the rest too, so that appending it copies nothing twice.
         m_text.reserve(m_text.size() + m_compilation.program.aInstructions.size() * 56);
@@ -73,8 +78,10 @@ private:
 
     const SCompilation& m_compilation;
     const SCoreModel& m_core;
-    const std::vector<std::string> m_aPoolTexts;
     const std::size_t m_uiSplit;
+    std::vector<std::string> m_aPoolTexts; // written once, before m_poolTextsDone is set
+    std::promise<void> m_poolTextsDone;
+    std::future<void> m_poolTextsReady;
     std::string m_text;
     bool m_bComplete = false;
     std::thread m_thread;
