@@ -391,7 +391,8 @@ void CShaderEditPanel::PaintGutter(QPaintEvent* pEvent, int iKind)
 
 void CShaderEditPanel::OnCompileCycleCountChanged(const CZamTHash& PanelID, const CZamTArray<int>& CycleCounts)
 {
-    if (PanelID != m_PanelID)
+    // A compile of its own that ended before it became a header may still report.
+    if (PanelID != m_PanelID || !m_bCompiledAlone)
         return;
     m_pCounts->Set(CycleCounts);
     UpdateGutterGeometry();
@@ -400,7 +401,7 @@ void CShaderEditPanel::OnCompileCycleCountChanged(const CZamTHash& PanelID, cons
 
 void CShaderEditPanel::OnPanelResultChanged(const CZamTHash& PanelID, const SCompileResult& Shown)
 {
-    if (PanelID != m_PanelID)
+    if (PanelID != m_PanelID || !m_bCompiledAlone)
         return;
     m_pMarks->Set(document(), Shown.Messages);
     m_iEditsBehind = Shown.iEditsBehind;
@@ -771,6 +772,13 @@ void CShaderEditPanel::SetCompiledAlone(bool bCompiledAlone)
     m_pCounts->Clear();
     m_iEditsBehind = 0;
     m_pCycleCountArea->update();
+}
+
+void CShaderEditPanel::SetIncludersMessages(const QVector<SCompileMessage>& Messages)
+{
+    m_pMarks->Set(document(), Messages);
+    ShowHighlightsNearViewport();
+    m_pLineNumberArea->update();
 }
 
 void CShaderEditPanel::RequestRecompile()

@@ -58,6 +58,8 @@ public:
     // off, edits start no compile and the counts of its own compiles go. On again, it compiles.
     void SetCompiledAlone(bool bCompiledAlone);
     bool IsCompiledAlone() const { return m_bCompiledAlone; }
+    // A header's marks: the messages of the documents that include it, about its own lines.
+    void SetIncludersMessages(const QVector<SCompileMessage>& Messages);
     void SetFilename(const CZamTString& FileName);
     // How the file's bytes were laid out, kept for saving.
     const SDocumentFormat& GetFileFormat() const { return m_FileFormat; }

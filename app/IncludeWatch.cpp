@@ -41,6 +41,9 @@ QStringList CIncludeWatch::GetWatchedFiles() const
 
 void CIncludeWatch::OnPanelResult(const CZamTHash& PanelID, const SCompileResult& Shown)
 {
+    // A header's own compile that ended before it became one says nothing about its includers.
+    if (m_Includers.count(PanelID) != 0)
+        return;
     if (Shown.IncludedFiles.isEmpty())
         m_Included.erase(PanelID);
     else
@@ -139,16 +142,16 @@ void CIncludeWatch::UpdateHeaders(const CShaderEditPanel* pClosing)
 void CIncludeWatch::MarkHeader(CShaderEditPanel* pHeader, const CZamTHash& IncluderID)
 {
     const QString Path = Canonical(ToQString(pHeader->GetFilename()));
-    SCompileResult Marks;
+    QVector<SCompileMessage> Marks;
     for (const SCompileMessage& Message : std::as_const(m_HeaderMessages[IncluderID]))
     {
         if (Message.File != Path)
             continue;
-        Marks.Messages.append(Message);
-        Marks.Messages.last().iLine = Message.iFileLine;
-        Marks.Messages.last().File.clear();
+        Marks.append(Message);
+        Marks.last().iLine = Message.iFileLine;
+        Marks.last().File.clear();
     }
-    pHeader->OnPanelResultChanged(pHeader->GetPanelID(), Marks);
+    pHeader->SetIncludersMessages(Marks);
 }
 
 void CIncludeWatch::UpdateWatcher()
