@@ -19,10 +19,9 @@ CAllCoresDock::CAllCoresDock(QMainWindow& Window, CShaderEditor& Editor, const C
     , m_pCompile(new CAllCoresCompile(Controller, this))
 {
     setObjectName(QStringLiteral("AllCoresDock"));
-    m_pView = new CShaderEditAllCoresOutput(&Window);
+    // The table is made when the dock is first shown (View), not at every start.
     m_pDock = new QDockWidget(tr("All Cores"), &Window);
     m_pDock->setObjectName(QStringLiteral("DockWidget_AllCores"));
-    m_pDock->setWidget(m_pView);
     m_pDock->toggleViewAction()->setText(tr("Show All Cores"));
     Window.addDockWidget(Qt::BottomDockWidgetArea, m_pDock);
     // A tab beside the log: the full width of the window for the table, no room taken from the text.
@@ -53,19 +52,29 @@ CAllCoresDock::CAllCoresDock(QMainWindow& Window, CShaderEditor& Editor, const C
             [this](CShaderEditPanel* pPanel)
             {
                 m_pCompile->OnPanelClosed(pPanel->GetPanelID());
-                if (pPanel == CurrentPanel())
+                if (m_pView && pPanel == CurrentPanel())
                     m_pView->OnClear();
             });
     connect(m_pCompile, &CAllCoresCompile::Compiled, this,
             [this](const CZamTHash& PanelID, const SAllCoresResult& Result)
             {
                 const CShaderEditPanel* pPanel = CurrentPanel();
-                if (pPanel && pPanel->GetPanelID() == PanelID)
+                if (m_pView && pPanel && pPanel->GetPanelID() == PanelID)
                     m_pView->OnResult(Result);
             });
 }
 
 CAllCoresDock::~CAllCoresDock() = default;
+
+CShaderEditAllCoresOutput* CAllCoresDock::View()
+{
+    if (!m_pView)
+    {
+        m_pView = new CShaderEditAllCoresOutput(m_pDock);
+        m_pDock->setWidget(m_pView);
+    }
+    return m_pView;
+}
 
 const CShaderEditPanel* CAllCoresDock::CurrentPanel() const
 {
@@ -77,7 +86,8 @@ void CAllCoresDock::OnVisibilityChanged(bool bVisible)
     const CShaderEditPanel* pPanel = CurrentPanel();
     if (!pPanel)
     {
-        m_pView->OnClear();
+        if (bVisible || m_pView)
+            View()->OnClear();
         return;
     }
     if (!bVisible)
@@ -93,13 +103,13 @@ void CAllCoresDock::ShowPanel(const CZamTHash& PanelID)
     const CShaderEditPanel* pPanel = CurrentPanel();
     if (!pPanel || pPanel->GetPanelID() != PanelID || !CAllCoresCompile::Compiles(pPanel->GetDocumentType()))
     {
-        m_pView->OnNotCompiled();
+        View()->OnNotCompiled();
         return;
     }
     if (const SAllCoresResult* pResult = m_pCompile->GetResult(PanelID))
-        m_pView->OnResult(*pResult);
+        View()->OnResult(*pResult);
     else
-        m_pView->OnClear();
+        View()->OnClear();
     // Figures of text edited while the dock was hidden would be out of date.
     CompileCurrent();
 }
@@ -111,16 +121,16 @@ void CAllCoresDock::CompileCurrent()
         return;
     if (!CAllCoresCompile::Compiles(pPanel->GetDocumentType()))
     {
-        m_pView->OnNotCompiled();
+        View()->OnNotCompiled();
         return;
     }
     // A header is compiled only as part of the documents that include it.
     if (!pPanel->IsCompiledAlone())
     {
-        m_pView->OnClear();
+        View()->OnClear();
         return;
     }
-    m_pView->OnCompiling();
+    View()->OnCompiling();
     m_pCompile->OnCompile(pPanel->GetPanelID(), pPanel->toPlainText(), pPanel->GetDocumentType(),
                           IncludeFolderFor(ToQString(pPanel->GetFilename())));
 }

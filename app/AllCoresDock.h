@@ -33,10 +33,11 @@ private:
     void CompileCurrent();
     void ShowPanel(const CZamTHash& PanelID);
     const CShaderEditPanel* CurrentPanel() const;
+    CShaderEditAllCoresOutput* View();
 
     // The window deletes the editor before it hides its docks for the last time.
     QPointer<CShaderEditor> m_pEditor;
     CAllCoresCompile* m_pCompile = nullptr;
-    CShaderEditAllCoresOutput* m_pView = nullptr;
+    CShaderEditAllCoresOutput* m_pView = nullptr; // null until the dock is first shown
     QDockWidget* m_pDock = nullptr;
 };
