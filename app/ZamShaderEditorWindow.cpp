@@ -93,7 +93,11 @@ ZamShaderEditorWindow::ZamShaderEditorWindow(const SEditorWindowOptions& Options
     ConnectActions();
     OnEditorStateChanged(m_pEditor->GetTabCount() > 0 ? 2 : 1);
 
+    // Each entry in the recent files saves the preference file, twice synced to disk: the
+    // session's entries wait until after the first paint.
+    m_bHoldRecentFiles = true;
     OpenStartFiles(Options.pArguments ? *Options.pArguments : QCoreApplication::arguments());
+    m_bHoldRecentFiles = false;
     OnCompilerFlagsChanged(m_pEditController->GetCompilerFlags());
     m_pUpdateChecker->OnStartupCheck();
     if (m_GUI.HasWindowLayout())
@@ -124,6 +128,7 @@ void ZamShaderEditorWindow::FinishStartup()
     if (std::exchange(m_bStartupFinished, true))
         return;
     m_pHighlight->SetColourHiddenLater(false);
+    AddHeldRecentFiles();
     m_pEditController->StartCompilerDetection();
 }
 
@@ -365,7 +370,19 @@ void ZamShaderEditorWindow::OnFileTypeSelectorChanged(int iRow)
 
 void ZamShaderEditorWindow::OnFileOpened(const QString& FileName)
 {
+    if (m_bHoldRecentFiles)
+    {
+        m_HeldRecentFiles << FileName;
+        return;
+    }
+    AddHeldRecentFiles();
     m_pRecentFiles->Add(QDir::toNativeSeparators(FileName));
+}
+
+void ZamShaderEditorWindow::AddHeldRecentFiles()
+{
+    for (const QString& FileName : std::exchange(m_HeldRecentFiles, {}))
+        m_pRecentFiles->Add(QDir::toNativeSeparators(FileName));
 }
 
 void ZamShaderEditorWindow::OnPanelChanged(const CShaderEditPanel* pPanel)

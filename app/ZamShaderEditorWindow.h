@@ -95,6 +95,8 @@ private:
     void BuildDocks();
     // Once, after the first paint or a second after construction when never painted.
     void FinishStartup();
+    // The files opened while the recent files were held, in order.
+    void AddHeldRecentFiles();
     QDockWidget* AddDock(QWidget* pView, const char* pObjectName, Qt::DockWidgetArea eArea, int iTitle, int iToggle);
     void ConnectEditor();
     void ConnectActions();
@@ -128,4 +130,6 @@ private:
     bool m_bApplyingFlags = false;
     bool m_bPainted = false;
     bool m_bStartupFinished = false;
+    bool m_bHoldRecentFiles = false;
+    QStringList m_HeldRecentFiles;
 };

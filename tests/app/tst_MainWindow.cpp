@@ -331,10 +331,10 @@ void CMainWindowTest::DragAndDropOpensEachFile()
 
 void CMainWindowTest::RecentFilesAndAppMessages()
 {
-    auto pWindow = NewWindow(*m_pGUI);
     const QString First = NewFile(QStringLiteral("r1.frag"), s_pFragment);
     const QString Second = NewFile(QStringLiteral("r2.frag"), s_pFragment);
-    pWindow->OnOpenFile(First);
+    // The start's own file enters the list after the first paint, still before any later one.
+    auto pWindow = NewWindow(*m_pGUI, {First});
     // A message from a second start opens its file; the raise keyword opens nothing.
     pWindow->ReceiveAppMessage(Second);
     pWindow->ReceiveAppMessage(QStringLiteral("raisebanana"));
