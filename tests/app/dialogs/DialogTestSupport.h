@@ -22,17 +22,11 @@ inline QString StorePath()
     return CZamPreferences(QStringLiteral("ZamShaderEditor")).GetFilePath();
 }
 
-// Writes the starting preference file: the custom compiler Compiler (selection 4).
+// Writes the starting preference file afresh: the custom compiler Compiler (selection 4).
 inline void WriteStartingFile(const QString& Compiler, const QString& TempDirectory)
 {
     QFile::remove(StorePath());
-    CZamPreferences Store(QStringLiteral("ZamShaderEditor"));
-    Store.Load();
-    Store.SetString(QStringLiteral("Compiler/GLSLES"), Compiler);
-    Store.SetInteger(QStringLiteral("Compiler/CompilerSelection"), CustomCompilerSelection);
-    Store.SetString(QStringLiteral("Compiler/TempDirectory"), TempDirectory);
-    if (!Store.Save())
-        qFatal("cannot write the starting preference file %s", qPrintable(Store.GetFilePath()));
+    CompileTest::StoreCustomCompiler(Compiler, TempDirectory);
 }
 
 struct SControllers
