@@ -393,68 +393,52 @@ double ScenarioAllCores(CShaderEditor* pEditor, CShaderEditPanel* pPanel, int iK
     return dP99;
 }
 
-int main(int argc, char** argv)
+namespace
 {
-    QApplication App(argc, argv);
-    RegisterCompileMetaTypes();
-    const char* pScenario = argc > 1 ? argv[1] : "";
-    if (std::strcmp(pScenario, "large") == 0)
-    {
-        QTemporaryDir Folder;
-        ScenarioLargeDocument(Folder.path(), argc > 2 ? std::atoi(argv[2]) : 200);
-        return 0;
-    }
 
-    SFixture Fixture;
-    if (!Fixture.Open())
-        return 1;
+int Count(int argc, char** argv, int iDefault)
+{
+    return argc > 2 ? std::atoi(argv[2]) : iDefault;
+}
+
+// One scenario on its own, for profiling; returns -1 when the name is not one of them.
+int RunScenario(const char* pScenario, SFixture& Fixture, CFindReplace& FindBar, int iCount)
+{
     CShaderEditPanel* pPanel = Fixture.pPanel;
-    DisableCursorMatching(&Fixture.Editor);
-
+    auto* pFindText = FindBar.findChild<QLineEdit*>(QStringLiteral("FindTextbox"));
     if (std::strcmp(pScenario, "typing") == 0)
-    {
-        ScenarioTyping(pPanel, argc > 2 ? std::atoi(argv[2]) : 20);
-        return 0;
-    }
-    if (std::strcmp(pScenario, "cores") == 0)
-    {
-        ScenarioAllCores(&Fixture.Editor, pPanel, argc > 2 ? std::atoi(argv[2]) : 20);
-        return 0;
-    }
-    if (std::strcmp(pScenario, "marks") == 0)
+        ScenarioTyping(pPanel, iCount);
+    else if (std::strcmp(pScenario, "cores") == 0)
+        ScenarioAllCores(&Fixture.Editor, pPanel, iCount);
+    else if (std::strcmp(pScenario, "marks") == 0)
     {
         MarkCompileResult(pPanel);
-        ScenarioTyping(pPanel, argc > 2 ? std::atoi(argv[2]) : 20);
-        return 0;
+        ScenarioTyping(pPanel, iCount);
     }
-
-    CFindReplace FindBar;
-    FindBar.SetDelegate(&Fixture.Editor);
-    FindBar.show();
-    auto* pFindText = FindBar.findChild<QLineEdit*>(QStringLiteral("FindTextbox"));
-    auto* pMatches = FindBar.findChild<QLabel*>(QStringLiteral("NumMatchesLabel"));
-    if (!pFindText || !pMatches)
-        return 1;
-
-    if (std::strcmp(pScenario, "match") == 0)
+    else if (std::strcmp(pScenario, "match") == 0)
     {
         PlaceCursorOnWord(pPanel);
         std::printf("cursor match: %.1f ms\n", ScenarioCursorMatch(&Fixture.Editor, pPanel));
-        return 0;
     }
-    if (std::strcmp(pScenario, "find") == 0)
-    {
+    else if (std::strcmp(pScenario, "find") == 0)
         std::printf("quick find: %.1f ms\n", ScenarioQuickFind(pFindText, pPanel));
-        return 0;
-    }
-    if (std::strcmp(pScenario, "highlighted") == 0)
+    else if (std::strcmp(pScenario, "highlighted") == 0)
     {
         PlaceCursorOnWord(pPanel);
         ScenarioCursorMatch(&Fixture.Editor, pPanel);
         ScenarioQuickFind(pFindText, pPanel);
-        ScenarioAmongHighlights(pPanel, 10, argc > 2 ? std::atoi(argv[2]) : 20);
-        return 0;
+        ScenarioAmongHighlights(pPanel, 10, iCount);
     }
+    else
+        return -1;
+    return 0;
+}
+
+int RunAll(SFixture& Fixture, CFindReplace& FindBar)
+{
+    CShaderEditPanel* pPanel = Fixture.pPanel;
+    auto* pFindText = FindBar.findChild<QLineEdit*>(QStringLiteral("FindTextbox"));
+    auto* pMatches = FindBar.findChild<QLabel*>(QStringLiteral("NumMatchesLabel"));
 
     const std::vector<double> Keystrokes = ScenarioTyping(pPanel, 200);
     const double dKeystrokeP99 = Percentile(Keystrokes, 0.99);
@@ -487,4 +471,39 @@ int main(int argc, char** argv)
                 Fixture.dOpenMs, dKeystrokeP99, dMarkedP99, dAllCoresP99, dCursorMatchMs, dQuickFindMs, Large.dOpenMs,
                 Large.dOpenRatio, Large.dKeystrokeP99Ms, Large.dKeystrokeRatio);
     return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication App(argc, argv);
+    RegisterCompileMetaTypes();
+    const char* pScenario = argc > 1 ? argv[1] : "";
+    if (std::strcmp(pScenario, "large") == 0)
+    {
+        QTemporaryDir Folder;
+        ScenarioLargeDocument(Folder.path(), Count(argc, argv, 200));
+        return 0;
+    }
+
+    SFixture Fixture;
+    if (!Fixture.Open())
+        return 1;
+    DisableCursorMatching(&Fixture.Editor);
+    CFindReplace FindBar;
+    FindBar.SetDelegate(&Fixture.Editor);
+    FindBar.show();
+    if (!FindBar.findChild<QLineEdit*>(QStringLiteral("FindTextbox"))
+        || !FindBar.findChild<QLabel*>(QStringLiteral("NumMatchesLabel")))
+        return 1;
+
+    if (*pScenario)
+    {
+        if (RunScenario(pScenario, Fixture, FindBar, Count(argc, argv, 20)) == 0)
+            return 0;
+        std::fprintf(stderr, "unknown scenario: %s\n", pScenario);
+        return 2;
+    }
+    return RunAll(Fixture, FindBar);
 }
