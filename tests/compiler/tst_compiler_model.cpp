@@ -1,6 +1,7 @@
 // The machine model behind the numbers, in process: cost relations between
-// cores, monotonicity, the profile's shape, loop trip counts, inputs and
-// texture reads, register allocation and path cycles on hand-built programs.
+// cores, monotonicity, loop trip counts, inputs and texture reads, register
+// allocation and path cycles on hand-built programs. The profile's shape is held
+// by the corpus's reference files and, for the real-world shaders, tst_compiler_figures.
 
 #include "ClCompiler.h"
 #include "ZcCompilation.h"
@@ -81,28 +82,6 @@ int LoopTrips(const SCompilation& compilation)
     return -2;
 }
 
-// The profile lists each line once, in ascending order (the editor would loop on a line
-// reported twice), and its totals are the sum of the lines and the instruction count.
-void VerifyProfile(const QString& name, const QByteArray& source, const SCompilation& compilation)
-{
-    const QStringList lines = QString::fromStdString(FormatProfile(compilation)).split('\n', Qt::SkipEmptyParts);
-    QVERIFY2(lines.size() >= 3, qPrintable(name));
-    int iPrevious = 0;
-    long long llSum = 0;
-    const QRegularExpression entry("^line: (\\d+), count: (\\d+)$");
-    for (int i = 0; i < lines.size() - 2; ++i)
-    {
-        const QRegularExpressionMatch match = entry.match(lines[i]);
-        QVERIFY2(match.hasMatch(), qPrintable(name + ": " + lines[i]));
-        const int iLine = match.captured(1).toInt();
-        QVERIFY2(iLine > iPrevious && iLine <= source.count('\n'), qPrintable(name + ": " + lines[i]));
-        iPrevious = iLine;
-        llSum += match.captured(2).toLongLong();
-    }
-    QCOMPARE(lines[lines.size() - 2], QString("Total consumed cycles = %1").arg(llSum));
-    QCOMPARE(lines.last(), QString("TXC generated instructions = %1").arg(compilation.program.aInstructions.size()));
-}
-
 } // namespace
 
 class CCompilerModelTest : public QObject
@@ -126,13 +105,7 @@ private slots:
             const ETxeStage eStage = name.endsWith(".vsh") ? Stage_Vertex : Stage_Fragment;
             SCompilation results[Core_Count];
             for (int c = 0; c < Core_Count; ++c)
-            {
                 results[c] = Compile(source, eStage, static_cast<ECore>(c));
-                if (results[c].bSucceeded)
-                    VerifyProfile(name, source, results[c]);
-                if (QTest::currentTestFailed())
-                    return;
-            }
             if (!results[0].bSucceeded)
                 continue;
             ++iCompiled;
