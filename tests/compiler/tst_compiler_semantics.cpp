@@ -4,7 +4,8 @@
 // inside switches, the comma operator and run-time indexes. Integer results are compared as
 // exact 32-bit words, their expected values computed by C++ doing the same arithmetic.
 // Texture samples return (coordinate.x, coordinate.y, texture unit, 1).
-// Every built-in function compiles, or is refused with one message naming it at its line.
+// Every built-in function compiles (most are computed here or against Mesa in
+// tst_compiler_differential), or is refused with one message naming it at its line.
 
 #include "TxeMachine.h"
 #include "ZcCompilation.h"
@@ -87,55 +88,23 @@ struct SBuiltinUse
     const char* pStatement; // adds to vec4 s
 };
 
-// Every built-in function of GLSL ES 1.00 and 3.00 and the integer functions of 3.10, each
-// called once; they all compile.
+// The built-in functions of GLSL ES 1.00, 3.00 and 3.10 that neither the real-world shaders
+// (checked against Mesa) nor the value tables here call, each called once; they all compile.
 // clang-format off
 const SBuiltinUse s_aCompiled[] = {
     {"radians", "100", Both, "s.x += radians(f);"},
     {"degrees", "100", Both, "s.x += degrees(f);"},
-    {"sin", "100", Both, "s.x += sin(f);"},
-    {"cos", "100", Both, "s.xy += cos(v2);"},
     {"tan", "100", Both, "s.x += tan(f);"},
     {"asin", "100", Both, "s.x += asin(f);"},
     {"acos", "100", Both, "s.x += acos(f);"},
     {"atan", "100", Both, "s.x += atan(f, v2.x) + atan(f);"},
-    {"pow", "100", Both, "s += pow(v4, v4);"},
-    {"exp", "100", Both, "s.x += exp(f);"},
     {"log", "100", Both, "s.x += log(f);"},
-    {"exp2", "100", Both, "s.x += exp2(f);"},
-    {"log2", "100", Both, "s.x += log2(f);"},
-    {"sqrt", "100", Both, "s.x += sqrt(f);"},
     {"inversesqrt", "100", Both, "s.x += inversesqrt(f);"},
-    {"abs", "100", Both, "s.xyz += abs(v3);"},
-    {"sign", "100", Both, "s.x += sign(f);"},
-    {"floor", "100", Both, "s.x += floor(f);"},
-    {"ceil", "100", Both, "s.x += ceil(f);"},
-    {"fract", "100", Both, "s.x += fract(f);"},
-    {"mod", "100", Both, "s.xy += mod(v2, f) + mod(v2, v2);"},
-    {"min", "100", Both, "s.xy += min(v2, f);"},
-    {"max", "100", Both, "s.xy += max(v2, v2);"},
-    {"clamp", "100", Both, "s.xy += clamp(v2, 0.0, 1.0);"},
-    {"mix", "100", Both, "s.xyz += mix(v3, v3 * 2.0, f);"},
-    {"step", "100", Both, "s.xy += step(f, v2);"},
-    {"smoothstep", "100", Both, "s.xy += smoothstep(0.0, 1.0, v2);"},
-    {"length", "100", Both, "s.x += length(v3);"},
     {"distance", "100", Both, "s.x += distance(v3, v3.zyx);"},
-    {"dot", "100", Both, "s.x += dot(v4, v4);"},
-    {"cross", "100", Both, "s.xyz += cross(v3, v3.yzx);"},
-    {"normalize", "100", Both, "s.xyz += normalize(v3);"},
     {"faceforward", "100", Both, "s.xyz += faceforward(v3, v3.yzx, v3.zxy);"},
-    {"reflect", "100", Both, "s.xyz += reflect(v3, v3.yzx);"},
     {"refract", "100", Both, "s.xyz += refract(v3, v3.yzx, f);"},
-    {"matrixCompMult", "100", Both, "s.xy += matrixCompMult(m2, m2)[1];"},
-    {"lessThan", "100", Both, "s.xy += vec2(lessThan(v2, v2.yx));"},
-    {"lessThanEqual", "100", Both, "s.xy += vec2(lessThanEqual(v2, v2.yx));"},
-    {"greaterThan", "100", Both, "s.xy += vec2(greaterThan(v2, v2.yx));"},
     {"greaterThanEqual", "100", Both, "s.xy += vec2(greaterThanEqual(v2, v2.yx));"},
-    {"equal", "100", Both, "s.xy += vec2(equal(v2, v2.yx));"},
     {"notEqual", "100", Both, "s.xy += vec2(notEqual(v2, v2.yx));"},
-    {"any", "100", Both, "s.x += any(lessThan(v2, v2.yx)) ? 1.0 : 0.0;"},
-    {"all", "100", Both, "s.x += all(lessThan(v2, v2.yx)) ? 1.0 : 0.0;"},
-    {"not", "100", Both, "s.xy += vec2(not(lessThan(v2, v2.yx)));"},
     {"texture2D", "100", Both, "s += texture2D(t2, v2);"},
     {"texture2D", "100", Fragment, "s += texture2D(t2, v2, f);"},
     {"texture2DProj", "100", Both, "s += texture2DProj(t2, v3) + texture2DProj(t2, v4);"},
@@ -143,23 +112,14 @@ const SBuiltinUse s_aCompiled[] = {
     {"texture2DProjLod", "100", Vertex, "s += texture2DProjLod(t2, v3, f);"},
     {"textureCube", "100", Both, "s += textureCube(tc, v3);"},
     {"textureCubeLod", "100", Vertex, "s += textureCubeLod(tc, v3, f);"},
-    {"dFdx", "100", Fragment, "s.x += dFdx(f) + dFdy(f) + fwidth(f);"},
     {"sinh", "300 es", Both, "s.x += sinh(f) + cosh(f) + tanh(f);"},
     {"asinh", "300 es", Both, "s.x += asinh(f) + acosh(f) + atanh(f);"},
     {"trunc", "300 es", Both, "s.x += trunc(f) + round(f) + roundEven(f);"},
-    {"modf", "300 es", Both, "float w; s.x += modf(f, w) + w;"},
     {"min", "300 es", Both, "s.x += float(min(i, 3) + max(i, 1) + clamp(i, 0, 2)) + float(min(u, 3u) + clamp(u, 1u, 2u));"},
     {"mix", "300 es", Both, "s.xy += mix(v2, v2.yx, bvec2(true, false));"},
     {"isnan", "300 es", Both, "s.x += isnan(f) || isinf(f) ? 1.0 : 0.0;"},
-    {"floatBitsToInt", "300 es", Both, "s.x += float(floatBitsToInt(f)) + float(floatBitsToUint(f));"},
-    {"intBitsToFloat", "300 es", Both, "s.x += intBitsToFloat(i) + uintBitsToFloat(u);"},
     {"packSnorm2x16", "300 es", Both, "s.xy += unpackSnorm2x16(packSnorm2x16(v2));"},
     {"packUnorm2x16", "300 es", Both, "s.xy += unpackUnorm2x16(packUnorm2x16(v2));"},
-    {"packHalf2x16", "300 es", Both, "s.xy += unpackHalf2x16(packHalf2x16(v2));"},
-    {"outerProduct", "300 es", Both, "s.xyz += outerProduct(v3, v2)[1];"},
-    {"transpose", "300 es", Both, "s.xyz += transpose(mat3x2(m3))[1];"},
-    {"determinant", "300 es", Both, "s.x += determinant(m2) + determinant(m3) + determinant(m4);"},
-    {"inverse", "300 es", Both, "s += inverse(m4)[1] + vec4(inverse(m3)[2], inverse(m2)[0].x);"},
     {"abs", "300 es", Both, "s.x += float(abs(i) + sign(i));"},
     {"textureSize", "300 es", Both, "s.xy += vec2(textureSize(t2, 0)) + vec2(textureSize(tc, 1));"},
     {"texture", "300 es", Both, "s += texture(t2, v2) + texture(tc, v3) + texture(t3, v3) + texture(ta, v3) + vec4(texture(ts, v3));"},
@@ -175,12 +135,7 @@ const SBuiltinUse s_aCompiled[] = {
     {"textureGrad", "300 es", Both, "s += textureGrad(t2, v2, v2, v2) + textureGradOffset(t2, v2, v2, v2, ivec2(1));"},
     {"textureProjGrad", "300 es", Both, "s += textureProjGrad(t2, v3, v2, v2) + textureProjGradOffset(t2, v4, v2, v2, ivec2(1));"},
     {"dFdx", "300 es", Fragment, "s.xy += dFdx(v2) + dFdy(v2) + fwidth(v2);"},
-    {"frexp", "310 es", Both, "int e; s.x += frexp(f, e) + ldexp(f, e);"},
     {"packUnorm4x8", "310 es", Both, "s += unpackUnorm4x8(packUnorm4x8(v4)) + unpackSnorm4x8(packSnorm4x8(v4));"},
-    {"uaddCarry", "310 es", Both, "uint c; uint b; s.x += float(uaddCarry(u, u, c) + usubBorrow(u, 1u, b) + c + b);"},
-    {"umulExtended", "310 es", Both, "uint h; uint l; int ih; int il; umulExtended(u, u, h, l); imulExtended(i, i, ih, il); s.x += float(h + l) + float(ih + il);"},
-    {"bitfieldExtract", "310 es", Both, "s.x += float(bitfieldExtract(i, 1, 3)) + float(bitfieldInsert(u, u, 2, 5));"},
-    {"bitfieldReverse", "310 es", Both, "s.x += float(bitfieldReverse(u)) + float(bitCount(i) + findLSB(u) + findMSB(i));"},
 };
 
 // Functions the code generator refuses: the message names the function at its line.
@@ -553,10 +508,6 @@ private slots:
         machine.Set("params", {{0.5f, 0, 0, 0}, {7, 0, 0, 0}});
         QVERIFY2(machine.Run(), machine.Error().c_str());
         QCOMPARE(machine.Output(0), (SLanes{55.5f + 7.0f, 111.0f + 40.0f, 166.5f, 222.0f}));
-        int iLoads = 0;
-        for (const STxeInstruction& instr : compilation.program.aInstructions)
-            iLoads += instr.eOp == Op_Ldc ? 1 : 0;
-        QVERIFY2(iLoads >= 4, "every read of a storage buffer is a load");
     }
 
     // A refusal is one error at the construct's line, naming it as the user wrote it.
