@@ -1,9 +1,9 @@
 // What lowered programs compute: the tests' TXE interpreter runs each shader with known
-// uniforms and the outputs are compared with hand-worked values. Among the shapes are those
-// the lowering once got wrong: functions that return calls, nested and early returns, returns
-// inside switches, the comma operator and run-time indexes. Integer results are compared as
+// uniforms and the outputs are compared with hand-worked values: the shapes the lowering once got
+// wrong (functions that return calls, nested and early returns, returns inside switches, the
+// comma operator, run-time indexes) and those the real-world shaders compared with Mesa in
+// tst_compiler_differential do not have. Integer results are compared as
 // exact 32-bit words, their expected values computed by C++ doing the same arithmetic.
-// Texture samples return (coordinate.x, coordinate.y, texture unit, 1).
 // Every built-in function compiles (most are computed here or against Mesa in
 // tst_compiler_differential), or is refused with one message naming it at its line.
 
@@ -23,18 +23,8 @@ using namespace ZamCompilerTest;
 namespace
 {
 
-class CEchoSampler : public ITxeSampler
-{
-public:
-    SLanes Sample(const STxeSample& sample) override
-    {
-        return {sample.coordinate[0], sample.coordinate[1], static_cast<float>(sample.iUnit), 1.0f};
-    }
-    SLanes Size(int, int) override { return {64, 32, 0, 0}; }
-};
-
 const char* const k_pEs1 = "precision highp float;\nuniform vec4 uA;\nuniform vec4 uB;\nuniform float uF;\n"
-                           "uniform vec4 uArr[3];\nuniform sampler2D uTex;\nuniform sampler2D uTex2;\n";
+                           "uniform vec4 uArr[3];\n";
 const char* const k_pEs3 = "#version 300 es\nprecision highp float;\nprecision highp int;\n"
                            "uniform vec4 uA;\nuniform vec4 uB;\nuniform float uF;\nout vec4 o;\n";
 const char* const k_pEs31 = "#version 310 es\nprecision highp float;\nprecision highp int;\n";
@@ -221,65 +211,16 @@ private slots:
         AddColumns();
         using V = QVector<double>;
         // clang-format off
-        QTest::addRow("arithmetic") << Es1("", "gl_FragColor = uA * 2.0 - uB / 4.0;") << V{2.875f, -5, 0.75f, 5.5f};
-        QTest::addRow("division") << Es1("", "gl_FragColor = uA / uB;") << V{3, -0.5f, -0.25f, 1.5f};
-        QTest::addRow("swizzled writes")
-            << Es1("", "vec4 c = vec4(0.0); c.wx = uA.xy; c.yz = uB.zw; gl_FragColor = c;") << V{-2, -1, 2, 1.5f};
         QTest::addRow("rounding") << Es1("", "gl_FragColor = vec4(mod(7.5, uF * 4.0), floor(uA.y), fract(uA.x), ceil(uA.z));")
                                   << V{1.5f, -2, 0.5f, 1};
-        QTest::addRow("interpolation")
-            << Es1("", "gl_FragColor = vec4(clamp(uA.x, 0.0, 1.0), mix(uB.x, uB.y, uF), smoothstep(0.0, 1.0, uF), step(uF, uA.z));")
-            << V{1, 3.125f, 0.84375f, 0};
-        QTest::addRow("geometry")
-            << Es1("", "vec3 n = normalize(vec3(uB.y, 0.0, 3.0));\n"
-                       "gl_FragColor = vec4(n, length(uA.xy)) + vec4(cross(vec3(uF, 0.0, 0.0), vec3(0.0, 1.0, 0.0)), dot(uA.xy, uB.xy));")
-            << V{0.8f, 0, 0.6f + 0.75f, -4.75f};
-        QTest::addRow("matrix and vector")
-            << Es1("", "mat2 m = mat2(uA.x, uA.y, uA.z, uA.w); gl_FragColor = vec4(m * uB.xy, uB.xy * m);")
-            << V{1.75f, 11, -7.25f, 12.125f};
-        QTest::addRow("matrix product")
-            << Es1("", "mat2 a = mat2(2.0 * uF); mat2 b = mat2(uB.x, uB.y, uB.z, uB.w); mat2 c = a * b; gl_FragColor = vec4(c[0], c[1]);")
-            << V{0.75f, 6, -1.5f, 3};
-        QTest::addRow("branches")
-            << Es1("", "vec4 c = uA; if (uF > 0.5) c.x = 10.0; else c.x = 20.0; if (uA.y > 0.0) { c.y = 1.0; } gl_FragColor = c;")
-            << V{10, -2, 0.25f, 3};
-        QTest::addRow("counted loop") << Es1("", "float s = 0.0; for (int i = 0; i < 5; i++) s += float(i); gl_FragColor = vec4(s);")
-                                      << V{10, 10, 10, 10};
-        QTest::addRow("break and continue")
-            << Es1("", "float s = 0.0;\n"
-                       "for (int i = 0; i < 10; i++) { if (i == 2) continue; if (i == 5) break; s += float(i); }\n"
-                       "gl_FragColor = vec4(s);")
-            << V{8, 8, 8, 8};
-        QTest::addRow("while") << Es1("", "float s = 1.0; int n = 0; while (s < 100.0) { s *= uB.y; n++; } gl_FragColor = vec4(s, float(n), 0.0, 0.0);")
-                               << V{256, 4, 0, 0};
         QTest::addRow("do while") << Es1("", "int n = 0; do { n++; } while (n < 3); int m = 5; do { m++; } while (m < 3);\n"
                                              "gl_FragColor = vec4(float(n), float(m), 0.0, 0.0);")
                                   << V{3, 6, 0, 0};
-        QTest::addRow("functions")
-            << Es1("float f(float x) { if (x > 1.0) return 1.0; return x * 0.5; }\n"
-                   "void g(in float a, out float b, inout vec2 c) { b = a * 2.0; c += vec2(a); }",
-                   "float b; vec2 c = vec2(1.0, 2.0); g(uF, b, c); gl_FragColor = vec4(f(uA.x), f(uF), b, c.x + c.y);")
-            << V{1, 0.375f, 1.5f, 4.5f};
-        QTest::addRow("return inside a loop")
-            << Es1("float firstAbove(float t) { for (int i = 0; i < 8; i++) { if (float(i) * uF > t) return float(i); } return -1.0; }",
-                   "gl_FragColor = vec4(firstAbove(2.0), firstAbove(100.0), 0.0, 0.0);")
-            << V{3, -1, 0, 0};
-        QTest::addRow("globals written by a function")
-            << Es1("float g = 1.0;\nvoid bump() { g *= 3.0; }", "bump(); bump(); gl_FragColor = vec4(g);") << V{9, 9, 9, 9};
-        QTest::addRow("selection and logic")
-            << Es1("", "float x = uF > 0.5 ? uA.x : uB.x; bool t = uA.x > 1.0 && uB.y > 3.0; bool u = uA.y > 0.0 || uB.z > 0.0;\n"
-                       "gl_FragColor = vec4(x, t ? 1.0 : 0.0, u ? 1.0 : 0.0, (uA.x == 1.5) ? 2.0 : 3.0);")
-            << V{1.5f, 1, 0, 2};
         QTest::addRow("effects only when needed")
             << Es1("float n = 0.0;\nbool touch() { n += 1.0; return true; }",
                    "bool a = uF > 1.0 && touch(); bool b = uF < 1.0 || touch(); bool c = uF < 1.0 && touch();\n"
                    "gl_FragColor = vec4(n, float(a), float(b), float(c));")
             << V{1, 0, 1, 1};
-        QTest::addRow("local array")
-            << Es1("", "float w[4]; for (int i = 0; i < 4; i++) w[i] = float(i) * uF;\n"
-                       "float s = 0.0; for (int i = 0; i < 4; i++) s += w[3 - i] * float(i);\n"
-                       "gl_FragColor = vec4(s, w[2], 0.0, 0.0);")
-            << V{3, 1.5f, 0, 0};
         QTest::addRow("indexed uniform and vector")
             << Es1("", "int k = int(uF * 4.0) - 1; vec4 v = uArr[k]; gl_FragColor = vec4(v[k], uArr[k - 1].w, 0.0, 0.0);")
             << V{11, 8, 0, 0};
@@ -293,20 +234,6 @@ private slots:
             << V{1, 1, 1, 0};
         QTest::addRow("transcendentals")
             << Es1("", "gl_FragColor = vec4(pow(uB.y, 1.5), exp(0.0 * uF), log2(uB.y), inversesqrt(uB.y));") << V{8, 1, 2, 0.5f};
-        QTest::addRow("textures") << Es1("", "gl_FragColor = texture2D(uTex, uA.zw) + texture2D(uTex2, vec2(0.5 * uF));")
-                                  << V{0.625f, 3.375f, 1, 2};
-        QTest::addRow("discard") << Es1("", "if (uF > 0.5) discard; gl_FragColor = vec4(1.0);") << V{};
-        QTest::addRow("integers") << Es3("", "int a = int(uA.w); int b = 7;\n"
-                                             "o = vec4(float(b / 2), float(b % 3), float(a << 2), float((b & 3) | 8));")
-                                  << V{3, 1, 12, 11};
-        QTest::addRow("switch with fall-through")
-            << Es3("", "float r = 0.0;\n"
-                       "switch (int(uA.w)) { case 1: r = 1.0; break; case 3: r = 3.0; case 4: r += 4.0; break; default: r = -1.0; }\n"
-                       "float d = 0.0; switch (int(uB.y)) { case 1: d = 1.0; break; default: d = 5.0; }\n"
-                       "o = vec4(r, d, 0.0, 0.0);")
-            << V{7, 5, 0, 0};
-        QTest::addRow("constant array")
-            << Es3("const float k[3] = float[3](1.0, 2.0, 4.0);", "o = vec4(k[int(uA.w) - 1], k[0], 0.0, 0.0);") << V{4, 1, 0, 0};
         QTest::addRow("a function returns a call")
             << Es1("float g(vec2 p) { return length(p) + 1.0; }\n"
                    "float f(vec2 p) { float a = p.x * 2.0; return g(p) * 0.5 + a; }",
@@ -604,7 +531,7 @@ private:
     static void AddColumns()
     {
         QTest::addColumn<QString>("shader");
-        QTest::addColumn<QVector<double>>("expected"); // empty: the fragment is discarded
+        QTest::addColumn<QVector<double>>("expected");
     }
 
     // The row's shader is a whole source, or main's body under the header. A tolerance of 0
@@ -618,8 +545,7 @@ private:
         QVERIFY2(
             Lower(header.isEmpty() ? shader : Shader(header, "", shader), Stage_Fragment, compilation, diagnostics),
             qPrintable(diagnostics.join('\n')));
-        CEchoSampler sampler;
-        CTxeMachine machine(compilation.program, &sampler);
+        CTxeMachine machine(compilation.program);
         machine.Set("uA", {{1.5f, -2.0f, 0.25f, 3.0f}});
         machine.Set("uB", {{0.5f, 4.0f, -1.0f, 2.0f}});
         machine.Set("uF", {{0.75f, 0, 0, 0}});
@@ -633,7 +559,7 @@ private:
         machine.Set("uU", {{double(0xF00DBEEFu), 0, 0, 0}});
         machine.Set("uI", {{-12345.0, 0, 0, 0}});
         QVERIFY2(machine.Run(), machine.Error().c_str());
-        QCOMPARE(machine.Discarded(), expected.isEmpty());
+        QVERIFY(!machine.Discarded());
         const SLanes result = machine.Output(0);
         for (int i = 0; i < expected.size(); ++i)
         {
