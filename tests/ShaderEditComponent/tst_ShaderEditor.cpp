@@ -1,49 +1,37 @@
+#include "EditorFixture.h"
 #include "EditTestSupport.h"
-#include "FakeEditorDelegate.h"
 #include "ShaderEditComponent/compile/controller/CShaderEditController.h"
-#include "ShaderEditComponent/compile/model/MetaTypes.h"
-#include "ShaderEditComponent/compile/model/ZamStringConversion.h"
-#include "ShaderEditComponent/CShaderEditor.h"
 #include "ShaderEditComponent/CShaderEditPanel.h"
-#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
 #include "ShaderEditComponent/NewFileName_p.h"
-#include "tests/support/TestFiles.h"
 
 #include <QSignalSpy>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTextBlock>
 #include <QTextLayout>
-#include <QTemporaryDir>
 #include <QtTest>
 
-#include <memory>
-
 using namespace EditTestSupport;
+using TestFiles::ReadAll;
 
 class CShaderEditorTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void init();
     void cleanup();
 
     void NewFileNames_data();
     void NewFileNames();
-    void NewFilesThroughTheTabs();
-    void NewEffectFileCompiles();
-    void EffectFindsItsFilesBesideIt();
+    void EffectFilesCompileAsTheyAre();
 
     void CloseQuestion_data();
     void CloseQuestion();
-    void CloseAllStopsAtCancel();
-    void MiddleClickAsksToo();
+    void NewFilesAndClosingThem();
 
     void OpenSwitchesToAnOpenFile();
     void ModifiedMarkerAndSaveAs();
-    void TitlesShowTheWholeName();
     void HighlightsFollowTheSettings();
     void HiddenTabsAreColouredLater();
     void FollowsTheController();
@@ -61,37 +49,25 @@ private:
     QStringList TabTitles() const;
     void Type(const QString& Text);
 
-    std::unique_ptr<CShaderHighlightController> m_pHighlight;
-    std::unique_ptr<CShaderEditor> m_pEditor;
-    std::unique_ptr<QTemporaryDir> m_pDir;
-    CFakeEditorDelegate m_Delegate;
+    SEditorFixture m_F;
 };
-
-void CShaderEditorTest::initTestCase()
-{
-    RegisterCompileMetaTypes();
-    m_pHighlight = std::make_unique<CShaderHighlightController>();
-}
 
 void CShaderEditorTest::init()
 {
-    m_Delegate = CFakeEditorDelegate();
-    m_pDir = std::make_unique<QTemporaryDir>();
-    m_pEditor = std::make_unique<CShaderEditor>(m_pHighlight.get());
-    m_pEditor->SetDelegate(&m_Delegate);
-    m_pEditor->resize(700, 500);
-    m_pEditor->show();
+    m_F.Reset();
+    m_F.pEditor->resize(700, 500);
+    m_F.pEditor->show();
 }
 
 void CShaderEditorTest::cleanup()
 {
-    m_pEditor.reset();
+    m_F.pEditor.reset();
 }
 
 QStringList CShaderEditorTest::TabTitles() const
 {
     QStringList Titles;
-    const auto* pTabs = m_pEditor->findChild<QTabWidget*>();
+    const auto* pTabs = m_F.pEditor->findChild<QTabWidget*>();
     for (int i = 0; i < pTabs->count(); ++i)
         Titles << pTabs->tabText(i);
     return Titles;
@@ -99,7 +75,7 @@ QStringList CShaderEditorTest::TabTitles() const
 
 void CShaderEditorTest::Type(const QString& Text)
 {
-    QTest::keyClicks(m_pEditor->GetCurrentPanel(), Text);
+    QTest::keyClicks(m_F.pEditor->GetCurrentPanel(), Text);
 }
 
 void CShaderEditorTest::NewFileNames_data()
@@ -120,22 +96,6 @@ void CShaderEditorTest::NewFileNames()
     QFETCH(QStringList, Tabs);
     QFETCH(QString, Next);
     QCOMPARE(NextNewFileName(Tabs), Next);
-}
-
-void CShaderEditorTest::NewFilesThroughTheTabs()
-{
-    QSignalSpy State(m_pEditor.get(), &CShaderEditor::StateChanged);
-    m_pEditor->OnNewFile(DocType_GLSLESVertex);
-    m_pEditor->OnNewFile(DocType_PlainText);
-    Type(QStringLiteral("x"));
-    m_pEditor->OnNewFile(DocType_OpenCLKernel);
-    QCOMPARE(TabTitles(), QStringList({"New File", "New File (1)*", "New File (2)"}));
-    QCOMPARE(State.count(), 1);
-    QCOMPARE(State.at(0).at(0).toInt(), 2);
-    QCOMPARE(m_pEditor->GetCurrentPanel()->GetDocumentType(), DocType_OpenCLKernel);
-    // Never-saved documents share the PanelID of the empty path.
-    QCOMPARE(m_pEditor->GetPanel(0)->GetPanelID(), m_pEditor->GetPanel(2)->GetPanelID());
-    QCOMPARE(m_pEditor->GetPanel(0)->GetPanelID(), CZamTHash(""));
 }
 
 std::unique_ptr<CShaderEditController> CShaderEditorTest::BundledCompilerController(SDelivered& Delivered)
@@ -159,62 +119,48 @@ std::unique_ptr<CShaderEditController> CShaderEditorTest::BundledCompilerControl
                 Delivered.Log = ToQString(Result.Log);
                 ++Delivered.iResults;
             });
-    m_pEditor->SetController(pController.get());
+    m_F.pEditor->SetController(pController.get());
     return pController;
 }
 
-// The new-file dialog promises a basic template for effect files: it is one the bundled
-// compiler takes as it is.
-void CShaderEditorTest::NewEffectFileCompiles()
+// The new-file dialog promises a basic template for effect files: one the bundled compiler
+// takes as it is. An effect's FILE shaders are beside it, whatever folder the editor was
+// started in; a tab never saved looks in the folder last opened from or saved to.
+void CShaderEditorTest::EffectFilesCompileAsTheyAre()
 {
     SDelivered Delivered;
     const auto pController = BundledCompilerController(Delivered);
     if (!pController)
         QSKIP("the bundled compiler is not part of this build");
 
-    m_pEditor->OnNewFile(DocType_ZFXGLSLES);
-    CShaderEditPanel* pPanel = m_pEditor->GetCurrentPanel();
+    m_F.pEditor->OnNewFile(DocType_ZFXGLSLES);
+    CShaderEditPanel* pPanel = m_F.pEditor->GetCurrentPanel();
     QVERIFY(!pPanel->IsModified());
-    QCOMPARE(TabTitles(), QStringList{"New File"});
     QTRY_COMPARE_WITH_TIMEOUT(Delivered.iResults, 1, 30000);
     QCOMPARE(Delivered.Log, QStringLiteral("MainVS: Compile succeeded.\nMainFS: Compile succeeded.\n"));
     QCOMPARE(Delivered.Last.iStatus, 0);
     QCOMPARE(Delivered.Last.Profiles.GetSize(), 2u);
 
-    // The desktop effect gets the same effect; the other types start empty.
-    m_pEditor->OnNewFile(DocType_ZFXGLSL);
-    QCOMPARE(m_pEditor->GetCurrentPanel()->toPlainText(), pPanel->toPlainText());
-    m_pEditor->OnNewFile(DocType_GLSLESFragment);
-    QVERIFY(m_pEditor->GetCurrentPanel()->toPlainText().isEmpty());
-}
-
-// An effect's FILE shaders are beside it, whatever folder the editor was started in; a tab
-// never saved looks in the folder last opened from or saved to.
-void CShaderEditorTest::EffectFindsItsFilesBesideIt()
-{
-    SDelivered Delivered;
-    const auto pController = BundledCompilerController(Delivered);
-    if (!pController)
-        QSKIP("the bundled compiler is not part of this build");
-    QVERIFY(QDir(m_pDir->path()).mkdir(QStringLiteral("fx")));
-    TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("fx/lit.frag"),
-                             "precision mediump float;\nvoid main() { gl_FragColor = vec4(1.0); }\n");
+    m_F.Write(QStringLiteral("fx/lit.frag"), "precision mediump float;\nvoid main() { gl_FragColor = vec4(1.0); }\n");
     // The precision line makes it a GLSL ES effect, which is compiled in the background.
     const QByteArray Effect = "[VERTEXSHADER]\nNAME vs\n[GLSL_CODE]\nprecision highp float;\n"
                               "void main() { gl_Position = vec4(0.0); }\n"
                               "[/GLSL_CODE]\n[/VERTEXSHADER]\n[FRAGMENTSHADER]\nNAME fs\nFILE lit.frag\n"
                               "[/FRAGMENTSHADER]\n[EFFECT]\nNAME e\nVERTEXSHADER vs\nFRAGMENTSHADER fs\n[/EFFECT]\n";
     const QString Expected = QStringLiteral("vs: Compile succeeded.\nfs: Compile succeeded.\n");
-
-    QVERIFY(m_pEditor->OnOpenFile(TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("fx/scene.zfx"), Effect)));
-    QTRY_COMPARE_WITH_TIMEOUT(Delivered.iResults, 1, 30000);
+    QVERIFY(m_F.pEditor->OnOpenFile(m_F.Write(QStringLiteral("fx/scene.zfx"), Effect)));
+    QTRY_COMPARE_WITH_TIMEOUT(Delivered.iResults, 2, 30000);
     QCOMPARE(Delivered.Log, Expected);
-
-    m_pEditor->OnNewFile(DocType_ZFXGLSLES);
-    QTRY_COMPARE_WITH_TIMEOUT(Delivered.iResults, 2, 30000); // its template
-    m_pEditor->GetCurrentPanel()->setPlainText(QString::fromLatin1(Effect));
-    QTRY_COMPARE_WITH_TIMEOUT(Delivered.iResults, 3, 30000);
+    m_F.pEditor->OnNewFile(DocType_ZFXGLSLES);
+    QTRY_COMPARE_WITH_TIMEOUT(Delivered.iResults, 3, 30000); // its template
+    m_F.pEditor->GetCurrentPanel()->setPlainText(QString::fromLatin1(Effect));
+    QTRY_COMPARE_WITH_TIMEOUT(Delivered.iResults, 4, 30000);
     QCOMPARE(Delivered.Log, Expected);
+    // The desktop effect gets the same effect; the other types start empty.
+    m_F.pEditor->OnNewFile(DocType_ZFXGLSL);
+    QCOMPARE(m_F.pEditor->GetCurrentPanel()->toPlainText(), pPanel->toPlainText());
+    m_F.pEditor->OnNewFile(DocType_GLSLESFragment);
+    QVERIFY(m_F.pEditor->GetCurrentPanel()->toPlainText().isEmpty());
 }
 
 void CShaderEditorTest::CloseQuestion_data()
@@ -243,153 +189,141 @@ void CShaderEditorTest::CloseQuestion()
     QFETCH(bool, Closed);
     QFETCH(QByteArray, OnDisk);
 
-    QVERIFY(QDir(m_pDir->path()).mkdir(QStringLiteral("sub")));
-    const QString Closing = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("sub/closing.vsh"), "old");
-    const QString Current = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("current.fsh"), "keep");
-    QVERIFY(m_pEditor->OnOpenFile(Closing));
+    QVERIFY(QDir(m_F.pDir->path()).mkdir(QStringLiteral("sub")));
+    const QString Closing = m_F.Write(QStringLiteral("sub/closing.vsh"), "old");
+    const QString Current = m_F.Write(QStringLiteral("current.fsh"), "keep");
+    QVERIFY(m_F.pEditor->OnOpenFile(Closing));
     if (Modify)
         Type(QStringLiteral("new"));
-    QVERIFY(m_pEditor->OnOpenFile(Current));
+    QVERIFY(m_F.pEditor->OnOpenFile(Current));
     Type(QStringLiteral("unsaved"));
     if (FolderVanishes)
-        QVERIFY(QDir(m_pDir->filePath(QStringLiteral("sub"))).removeRecursively());
+        QVERIFY(QDir(m_F.pDir->filePath(QStringLiteral("sub"))).removeRecursively());
 
     // The background tab is closed while another one is current.
-    m_Delegate.eAnswer = static_cast<QMessageBox::StandardButton>(Answer);
-    auto* pTabs = m_pEditor->findChild<QTabWidget*>();
+    m_F.Delegate.eAnswer = static_cast<QMessageBox::StandardButton>(Answer);
+    auto* pTabs = m_F.pEditor->findChild<QTabWidget*>();
     emit pTabs->tabCloseRequested(0);
 
-    QCOMPARE(m_Delegate.Asked, Modify ? QStringList{QDir::toNativeSeparators(Closing)} : QStringList());
-    QCOMPARE(m_pEditor->GetTabCount(), Closed ? 1 : 2);
-    QCOMPARE(QFile::exists(Closing) ? TestFiles::ReadAll(Closing) : QByteArray("<missing>"), OnDisk);
-    QCOMPARE(TestFiles::ReadAll(Current), QByteArray("keep"));
+    QCOMPARE(m_F.Delegate.Asked, Modify ? QStringList{QDir::toNativeSeparators(Closing)} : QStringList());
+    QCOMPARE(m_F.pEditor->GetTabCount(), Closed ? 1 : 2);
+    QCOMPARE(QFile::exists(Closing) ? ReadAll(Closing) : QByteArray("<missing>"), OnDisk);
+    QCOMPARE(ReadAll(Current), QByteArray("keep"));
     if (!Closed)
-        QVERIFY(m_pEditor->GetPanel(0)->IsModified());
-    QCOMPARE(m_Delegate.Errors.size(), FolderVanishes ? 1 : 0);
+        QVERIFY(m_F.pEditor->GetPanel(0)->IsModified());
+    QCOMPARE(m_F.Delegate.Errors.size(), FolderVanishes ? 1 : 0);
 }
 
-void CShaderEditorTest::CloseAllStopsAtCancel()
+void CShaderEditorTest::NewFilesAndClosingThem()
 {
-    QSignalSpy State(m_pEditor.get(), &CShaderEditor::StateChanged);
-    m_pEditor->OnNewFile(DocType_PlainText);
-    m_pEditor->OnNewFile(DocType_PlainText);
+    QSignalSpy State(m_F.pEditor.get(), &CShaderEditor::StateChanged);
+    m_F.pEditor->OnNewFile(DocType_GLSLESVertex);
+    m_F.pEditor->OnNewFile(DocType_PlainText);
     Type(QStringLiteral("typed"));
-    m_pEditor->OnNewFile(DocType_PlainText);
+    m_F.pEditor->OnNewFile(DocType_OpenCLKernel);
+    QCOMPARE(TabTitles(), QStringList({"New File", "New File (1)*", "New File (2)"}));
+    QCOMPARE(State.count(), 1);
+    QCOMPARE(State.at(0).at(0).toInt(), 2);
+    QCOMPARE(m_F.pEditor->GetCurrentPanel()->GetDocumentType(), DocType_OpenCLKernel);
+    // Never-saved documents share the PanelID of the empty path.
+    QCOMPARE(m_F.pEditor->GetPanel(0)->GetPanelID(), m_F.pEditor->GetPanel(2)->GetPanelID());
+    QCOMPARE(m_F.pEditor->GetPanel(0)->GetPanelID(), CZamTHash(""));
 
     // The document asked about is the one in view while the question is asked.
+    auto* pTabs = m_F.pEditor->findChild<QTabWidget*>();
     QStringList Shown;
-    m_Delegate.OnAsk = [&]
-    { Shown << m_pEditor->findChild<QTabWidget*>()->tabText(m_pEditor->findChild<QTabWidget*>()->currentIndex()); };
-    m_Delegate.eAnswer = QMessageBox::Cancel;
-    QVERIFY(!m_pEditor->OnCloseAllTabs());
+    m_F.Delegate.OnAsk = [&] { Shown << pTabs->tabText(pTabs->currentIndex()); };
+    QVERIFY(!m_F.pEditor->OnCloseAllTabs());
     QCOMPARE(TabTitles(), QStringList({"New File (1)*", "New File (2)"}));
-    QCOMPARE(m_Delegate.Asked, QStringList{"New File (1)"});
+    QCOMPARE(m_F.Delegate.Asked, QStringList{"New File (1)"});
     QCOMPARE(Shown, QStringList{"New File (1)*"});
 
     // Save of a never-saved document asks for a name; cancelling that keeps the tab too.
-    m_Delegate.eAnswer = QMessageBox::Save;
-    QVERIFY(!m_pEditor->OnCloseAllTabs());
-    QCOMPARE(m_Delegate.iSaveNameRequests, 1);
-    QCOMPARE(m_pEditor->GetTabCount(), 2);
+    m_F.Delegate.eAnswer = QMessageBox::Save;
+    QVERIFY(!m_F.pEditor->OnCloseAllTabs());
+    QCOMPARE(m_F.Delegate.iSaveNameRequests, 1);
+    QCOMPARE(m_F.pEditor->GetTabCount(), 2);
 
-    m_Delegate.eAnswer = QMessageBox::Discard;
-    QVERIFY(m_pEditor->OnCloseAllTabs());
-    QCOMPARE(m_pEditor->GetTabCount(), 0);
+    // A middle click closes a tab, asking first, only when the setting says so.
+    const QPoint FirstTab = pTabs->tabBar()->tabRect(0).center();
+    QTest::mouseClick(pTabs->tabBar(), Qt::MiddleButton, Qt::NoModifier, FirstTab);
+    QCOMPARE(m_F.pEditor->GetTabCount(), 2);
+    Settings::SEditor Editor;
+    Editor.bCloseTabsMiddleMouse = true;
+    m_F.pEditor->OnEditorSettingsChanged(Editor);
+    m_F.Delegate.eAnswer = QMessageBox::Discard;
+    m_F.Delegate.Asked.clear();
+    QTest::mouseClick(pTabs->tabBar(), Qt::MiddleButton, Qt::NoModifier, FirstTab);
+    QCOMPARE(m_F.Delegate.Asked, QStringList{"New File (1)"});
+    QCOMPARE(TabTitles(), QStringList{"New File (2)"});
+
+    QVERIFY(m_F.pEditor->OnCloseAllTabs());
+    QCOMPARE(m_F.pEditor->GetTabCount(), 0);
     QCOMPARE(State.count(), 2);
     QCOMPARE(State.at(1).at(0).toInt(), 1);
 }
 
-void CShaderEditorTest::MiddleClickAsksToo()
-{
-    m_pEditor->OnNewFile(DocType_PlainText);
-    Type(QStringLiteral("typed"));
-    m_pEditor->OnNewFile(DocType_PlainText);
-    QTabBar* pBar = m_pEditor->findChild<QTabWidget*>()->tabBar();
-    const QPoint FirstTab = pBar->tabRect(0).center();
-    QTest::mouseClick(pBar, Qt::MiddleButton, Qt::NoModifier, FirstTab);
-    QCOMPARE(m_pEditor->GetTabCount(), 2); // the setting is off by default
-
-    Settings::SEditor Editor;
-    Editor.bCloseTabsMiddleMouse = true;
-    m_pEditor->OnEditorSettingsChanged(Editor);
-    m_Delegate.eAnswer = QMessageBox::Discard;
-    QTest::mouseClick(pBar, Qt::MiddleButton, Qt::NoModifier, FirstTab);
-    QCOMPARE(m_Delegate.Asked, QStringList{"New File"});
-    QCOMPARE(TabTitles(), QStringList{"New File (1)"});
-}
-
 void CShaderEditorTest::OpenSwitchesToAnOpenFile()
 {
-    QSignalSpy Opened(m_pEditor.get(), &CShaderEditor::FileOpened);
-    const QString First =
-        TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("a.vsh"), "void main() { gl_Position = vec4(1.0); }");
-    const QString Second = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("b.fsh"), "void main() {}");
-    QVERIFY(m_pEditor->OnOpenFile(First));
-    QVERIFY(m_pEditor->OnOpenFile(Second));
-    QCOMPARE(m_pEditor->GetPanel(0)->GetDocumentType(), DocType_GLSLESVertex);
-    QCOMPARE(m_pEditor->GetPanel(1)->GetDocumentType(), DocType_GLSLESFragment);
+    QSignalSpy Opened(m_F.pEditor.get(), &CShaderEditor::FileOpened);
+    const QString First = m_F.Write(QStringLiteral("a.vsh"), "void main() { gl_Position = vec4(1.0); }");
+    const QString Second = m_F.Write(QStringLiteral("b.fsh"), "void main() {}");
+    QVERIFY(m_F.pEditor->OnOpenFile(First));
+    QVERIFY(m_F.pEditor->OnOpenFile(Second));
+    QCOMPARE(m_F.pEditor->GetPanel(0)->GetDocumentType(), DocType_GLSLESVertex);
+    QCOMPARE(m_F.pEditor->GetPanel(1)->GetDocumentType(), DocType_GLSLESFragment);
 
-    QVERIFY(m_pEditor->OnOpenFile(m_pDir->path() + QStringLiteral("/./a.vsh")));
-    QCOMPARE(m_pEditor->GetTabCount(), 2);
-    QCOMPARE(m_pEditor->GetCurrentPanel(), m_pEditor->GetPanel(0));
+    QVERIFY(m_F.pEditor->OnOpenFile(m_F.pDir->path() + QStringLiteral("/./a.vsh")));
+    QCOMPARE(m_F.pEditor->GetTabCount(), 2);
+    QCOMPARE(m_F.pEditor->GetCurrentPanel(), m_F.pEditor->GetPanel(0));
     QCOMPARE(Opened.count(), 2);
     QCOMPARE(Opened.at(0).at(0).toString(), QDir::toNativeSeparators(First));
 
-    m_Delegate.OpenPath = Second;
-    QVERIFY(m_pEditor->OnOpenFile());
-    QCOMPARE(m_pEditor->GetCurrentPanel(), m_pEditor->GetPanel(1));
-    m_Delegate.OpenPath.clear();
-    QVERIFY(m_pEditor->OnOpenFile()); // cancelled: nothing to report
-    QCOMPARE(m_pEditor->GetTabCount(), 2);
-    QVERIFY(!m_pEditor->GetPanel(0)->IsModified());
+    m_F.Delegate.OpenPath = Second;
+    QVERIFY(m_F.pEditor->OnOpenFile());
+    QCOMPARE(m_F.pEditor->GetCurrentPanel(), m_F.pEditor->GetPanel(1));
+    m_F.Delegate.OpenPath.clear();
+    QVERIFY(m_F.pEditor->OnOpenFile()); // cancelled: nothing to report
+    QCOMPARE(m_F.pEditor->GetTabCount(), 2);
+    QVERIFY(!m_F.pEditor->GetPanel(0)->IsModified());
 }
 
+// Names may hold the marker themselves; the marker goes with a save or an undo.
 void CShaderEditorTest::ModifiedMarkerAndSaveAs()
 {
-    const QString Path = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("shader.vsh"), "abc");
-    QVERIFY(m_pEditor->OnOpenFile(Path));
-    const CZamTHash PanelID = m_pEditor->GetCurrentPanel()->GetPanelID();
+    const QString Path = m_F.Write(QStringLiteral("a*b.vsh"), "abc");
+    QVERIFY(m_F.pEditor->OnOpenFile(Path));
+    const CZamTHash PanelID = m_F.pEditor->GetCurrentPanel()->GetPanelID();
+    QVERIFY(m_F.pEditor->OnOpenFile(m_F.Write(QStringLiteral("star*"), "x")));
+    QCOMPARE(TabTitles(), QStringList({"a*b.vsh", "star*"}));
+    Type(QStringLiteral("y"));
+    m_F.pEditor->findChild<QTabWidget*>()->setCurrentIndex(0);
     Type(QStringLiteral("x*"));
-    QCOMPARE(TabTitles(), QStringList{"shader.vsh*"});
-    m_pEditor->OnSaveCurrentTab();
-    QCOMPARE(TabTitles(), QStringList{"shader.vsh"});
-    QCOMPARE(TestFiles::ReadAll(Path), QByteArray("x*abc"));
-
-    m_Delegate.SavePath = m_pDir->filePath(QStringLiteral("renamed.vsh"));
-    Type(QStringLiteral("y"));
-    m_pEditor->OnSaveCurrentTabAs();
-    QCOMPARE(TabTitles(), QStringList{"renamed.vsh"});
-    QCOMPARE(m_pEditor->findChild<QTabWidget*>()->tabToolTip(0), QDir::toNativeSeparators(m_Delegate.SavePath));
-    QCOMPARE(TestFiles::ReadAll(m_Delegate.SavePath), QByteArray("x*yabc"));
-    QCOMPARE(m_pEditor->GetCurrentPanel()->GetPanelID(), PanelID);
-    QCOMPARE(m_pEditor->GetOpenFilenames().GetSize(), 1u);
-    QCOMPARE(ToQString(m_pEditor->GetOpenFilenames()[0]), m_Delegate.SavePath);
-}
-
-void CShaderEditorTest::TitlesShowTheWholeName()
-{
-    QVERIFY(
-        m_pEditor->OnOpenFile(TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("a*b.fsh"), "void main() {}")));
-    QVERIFY(m_pEditor->OnOpenFile(TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("star*"), "x")));
-    QCOMPARE(TabTitles(), QStringList({"a*b.fsh", "star*"}));
-    Type(QStringLiteral("y"));
-    m_pEditor->findChild<QTabWidget*>()->setCurrentIndex(0);
-    Type(QStringLiteral("y"));
-    QCOMPARE(TabTitles(), QStringList({"a*b.fsh*", "star**"}));
-    m_pEditor->OnSaveAllTabs();
-    QCOMPARE(TabTitles(), QStringList({"a*b.fsh", "star*"}));
+    QCOMPARE(TabTitles(), QStringList({"a*b.vsh*", "star**"}));
+    QVERIFY(m_F.pEditor->OnSaveAllTabs());
+    QCOMPARE(TabTitles(), QStringList({"a*b.vsh", "star*"}));
+    QCOMPARE(ReadAll(Path), QByteArray("x*abc"));
     Type(QStringLiteral("z"));
-    m_pEditor->GetCurrentPanel()->Undo();
-    QCOMPARE(TabTitles(), QStringList({"a*b.fsh", "star*"}));
+    m_F.pEditor->GetCurrentPanel()->Undo();
+    QCOMPARE(TabTitles(), QStringList({"a*b.vsh", "star*"}));
+
+    m_F.Delegate.SavePath = m_F.pDir->filePath(QStringLiteral("renamed.vsh"));
+    Type(QStringLiteral("y"));
+    m_F.pEditor->OnSaveCurrentTabAs();
+    QCOMPARE(TabTitles(), QStringList({"renamed.vsh", "star*"}));
+    QCOMPARE(m_F.pEditor->findChild<QTabWidget*>()->tabToolTip(0), QDir::toNativeSeparators(m_F.Delegate.SavePath));
+    QCOMPARE(ReadAll(m_F.Delegate.SavePath), QByteArray("x*yabc"));
+    QCOMPARE(m_F.pEditor->GetPanel(0)->GetPanelID(), PanelID);
+    QCOMPARE(ToQString(m_F.pEditor->GetOpenFilenames()[0]), m_F.Delegate.SavePath);
 }
 
 // Cursor matches and find results are drawn only while their settings say so.
 void CShaderEditorTest::HighlightsFollowTheSettings()
 {
-    QVERIFY(!m_pEditor->GetTextEdit());
-    m_pEditor->OnNewFile(DocType_GLSLESVertex);
-    CShaderEditPanel* pPanel = m_pEditor->GetCurrentPanel();
-    QCOMPARE(m_pEditor->GetTextEdit(), pPanel);
+    QVERIFY(!m_F.pEditor->GetTextEdit());
+    m_F.pEditor->OnNewFile(DocType_GLSLESVertex);
+    CShaderEditPanel* pPanel = m_F.pEditor->GetCurrentPanel();
+    QCOMPARE(m_F.pEditor->GetTextEdit(), pPanel);
     SetMarkedText(pPanel, QStringLiteral("gl_Position = 1234;\n x = gl_Position + gl_Position2 + gl_|Position;\n1234"));
     auto Highlighted = [pPanel]()
     {
@@ -410,19 +344,19 @@ void CShaderEditorTest::HighlightsFollowTheSettings()
 
     Settings::SEditor Editor;
     Editor.bPerformCursorMatch = false;
-    m_pEditor->OnEditorSettingsChanged(Editor);
+    m_F.pEditor->OnEditorSettingsChanged(Editor);
     QVERIFY(Highlighted().isEmpty());
     QTextEdit::ExtraSelection Found;
     Found.cursor = pPanel->document()->find(QStringLiteral("1234"));
-    m_pEditor->ShowFindResults({Found});
+    m_F.pEditor->ShowFindResults({Found});
     QCOMPARE(Highlighted(), QStringList{"1234"});
     Editor.bHighlightFindResults = false;
-    m_pEditor->OnEditorSettingsChanged(Editor);
+    m_F.pEditor->OnEditorSettingsChanged(Editor);
     QVERIFY(Highlighted().isEmpty());
-    m_pEditor->ShowFindResults({Found});
+    m_F.pEditor->ShowFindResults({Found});
     QVERIFY(Highlighted().isEmpty());
     SetMarkedText(pPanel, QStringLiteral("one <two| three"));
-    QCOMPARE(m_pEditor->GetSelectedText(), QStringLiteral("two"));
+    QCOMPARE(m_F.pEditor->GetSelectedText(), QStringLiteral("two"));
 }
 
 // A start opens its session before the window is shown: the tab on screen is coloured before
@@ -430,20 +364,20 @@ void CShaderEditorTest::HighlightsFollowTheSettings()
 // tab that is not on screen lays out none of its lines.
 void CShaderEditorTest::HiddenTabsAreColouredLater()
 {
-    m_pEditor->hide();
-    m_pHighlight->SetColourHiddenLater(true);
+    m_F.pEditor->hide();
+    m_F.pHighlight->SetColourHiddenLater(true);
     QByteArray Text = "#version 300 es\nprecision highp float;\n/* a comment\nover lines */\nout vec4 fragColor;\n";
     for (int i = 0; i < 120; ++i)
         Text += "float f" + QByteArray::number(i) + "(vec3 n) { return max(dot(n, n), 0.0); } // "
                 + QByteArray::number(i) + "\n";
     for (const char* pName : {"behind.frag", "front.frag", "closed.frag"})
-        TestFiles::WriteAll(m_pDir->filePath(QLatin1String(pName)), Text);
-    QVERIFY(m_pEditor->OnOpenFile(m_pDir->filePath(QStringLiteral("behind.frag"))));
-    QVERIFY(m_pEditor->OnOpenFile(m_pDir->filePath(QStringLiteral("closed.frag"))));
-    m_pEditor->OnCloseCurrentTab(); // a tab gone before its colouring
-    QVERIFY(m_pEditor->OnOpenFile(m_pDir->filePath(QStringLiteral("front.frag"))));
-    CShaderEditPanel* pBehind = m_pEditor->GetPanel(0);
-    CShaderEditPanel* pFront = m_pEditor->GetPanel(1);
+        TestFiles::WriteAll(m_F.pDir->filePath(QLatin1String(pName)), Text);
+    QVERIFY(m_F.pEditor->OnOpenFile(m_F.pDir->filePath(QStringLiteral("behind.frag"))));
+    QVERIFY(m_F.pEditor->OnOpenFile(m_F.pDir->filePath(QStringLiteral("closed.frag"))));
+    m_F.pEditor->OnCloseCurrentTab(); // a tab gone before its colouring
+    QVERIFY(m_F.pEditor->OnOpenFile(m_F.pDir->filePath(QStringLiteral("front.frag"))));
+    CShaderEditPanel* pBehind = m_F.pEditor->GetPanel(0);
+    CShaderEditPanel* pFront = m_F.pEditor->GetPanel(1);
     auto Formats = [](const CShaderEditPanel* pPanel)
     {
         QList<QList<QTextLayout::FormatRange>> Blocks;
@@ -454,19 +388,19 @@ void CShaderEditorTest::HiddenTabsAreColouredLater()
     const QList<QTextLayout::FormatRange> None;
     QCOMPARE(Formats(pFront).at(0), None);
 
-    m_pEditor->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_pEditor.get()));
+    m_F.pEditor->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_F.pEditor.get()));
     QVERIFY(Formats(pFront).at(0) != None);
     QCOMPARE(Formats(pBehind).at(0), None);
 
-    m_pHighlight->SetColourHiddenLater(false);
-    QVERIFY(m_pEditor->OnOpenFile(m_pDir->filePath(QStringLiteral("closed.frag"))));
-    const auto AtOnce = Formats(m_pEditor->GetCurrentPanel());
+    m_F.pHighlight->SetColourHiddenLater(false);
+    QVERIFY(m_F.pEditor->OnOpenFile(m_F.pDir->filePath(QStringLiteral("closed.frag"))));
+    const auto AtOnce = Formats(m_F.pEditor->GetCurrentPanel());
     QCOMPARE(Formats(pBehind), AtOnce);
     QCOMPARE(Formats(pFront), AtOnce);
     QCOMPARE(pBehind->document()->lastBlock().previous().layout()->lineCount(), 0);
     // Lines laid out when the tab comes to the front show the colours.
-    m_pEditor->findChild<QTabWidget*>()->setCurrentIndex(0);
+    m_F.pEditor->findChild<QTabWidget*>()->setCurrentIndex(0);
     QTRY_VERIFY(pBehind->document()->firstBlock().layout()->lineCount() > 0);
     QCOMPARE(pBehind->document()->firstBlock().layout()->formats(), AtOnce.at(0));
 }
@@ -476,11 +410,10 @@ void CShaderEditorTest::HiddenTabsAreColouredLater()
 void CShaderEditorTest::FollowsTheController()
 {
     CShaderEditController Controller;
-    m_pEditor->SetController(&Controller);
-    const QString Path = TestFiles::WriteTestFile(m_pDir->path(), QStringLiteral("c.vsh"),
-                                                  "void main() { gl_Position = vec4(1.0); }\n\n");
-    QVERIFY(m_pEditor->OnOpenFile(Path));
-    m_pEditor->OnNewFile(DocType_GLSLESVertex);
+    m_F.pEditor->SetController(&Controller);
+    const QString Path = m_F.Write(QStringLiteral("c.vsh"), "void main() { gl_Position = vec4(1.0); }\n\n");
+    QVERIFY(m_F.pEditor->OnOpenFile(Path));
+    m_F.pEditor->OnNewFile(DocType_GLSLESVertex);
     Settings::SEditor Editor = Controller.GetEditorSettings();
     Editor.bTreatTabAsSpace = true;
     Editor.iTabSpaceSize = 2;
@@ -489,10 +422,10 @@ void CShaderEditorTest::FollowsTheController()
     Settings::SCompiler Compiler = Controller.GetCompilerSettings();
     Compiler.bAutoCompile = true;
     Controller.SetCompilerSettings(Compiler, Settings::CompilerSetting_AutoCompile);
-    QSignalSpy Requests(m_pEditor.get(), &CShaderEditor::RecompileContents);
-    QSignalSpy Cancels(m_pEditor.get(), &CShaderEditor::CancelCompile);
-    QTest::keyClick(m_pEditor->GetCurrentPanel(), Qt::Key_Tab);
-    QCOMPARE(m_pEditor->GetCurrentPanel()->toPlainText(), QStringLiteral("  "));
+    QSignalSpy Requests(m_F.pEditor.get(), &CShaderEditor::RecompileContents);
+    QSignalSpy Cancels(m_F.pEditor.get(), &CShaderEditor::CancelCompile);
+    QTest::keyClick(m_F.pEditor->GetCurrentPanel(), Qt::Key_Tab);
+    QCOMPARE(m_F.pEditor->GetCurrentPanel()->toPlainText(), QStringLiteral("  "));
     QCOMPARE(Requests.count(), 1);
     QCOMPARE(Cancels.count(), 1);
     QCOMPARE(Requests.at(0).at(0).value<CZamTHash>(), CZamTHash(""));
@@ -506,11 +439,11 @@ void CShaderEditorTest::FollowsTheController()
     Counts.Append(-1);
     Counts.Append(12);
     emit Controller.CompileCycleCountChanged(CZamTHash(QDir::toNativeSeparators(Path).toUtf8().constData()), Counts);
-    QCOMPARE(m_pEditor->GetPanel(0)->GetCycleCounts().GetSize(), 2u);
-    QCOMPARE(m_pEditor->GetPanel(1)->GetCycleCounts().GetSize(), 0u);
+    QCOMPARE(m_F.pEditor->GetPanel(0)->GetCycleCounts().GetSize(), 2u);
+    QCOMPARE(m_F.pEditor->GetPanel(1)->GetCycleCounts().GetSize(), 0u);
     emit Controller.CompileCycleCountChanged(CZamTHash(""), Counts);
-    QCOMPARE(m_pEditor->GetPanel(1)->GetCycleCounts().GetSize(), 2u);
-    m_pEditor.reset(); // before the controller it is wired to
+    QCOMPARE(m_F.pEditor->GetPanel(1)->GetCycleCounts().GetSize(), 2u);
+    m_F.pEditor.reset(); // before the controller it is wired to
 }
 
 QTEST_MAIN(CShaderEditorTest)
