@@ -1,5 +1,7 @@
-// The shader edit controller and its compiler workers, run against fake compilers that
-// misbehave the ways a real one can: odd line ends, floods, hangs and forks.
+// The shader edit controller, its compiler workers and its compiler detection, run against
+// fake compilers that misbehave the ways a real one can: odd line ends, floods, hangs and forks.
+// Detection runs beside the GUI thread: a compiler that hangs, floods or is not a program at
+// all never holds up the event loop, and compiles asked for meanwhile wait for the answer.
 // How a single run is judged is tst_CompilerProcesses' part.
 
 #include "Common/ZamPreferences/ZamPreferences.h"
@@ -10,6 +12,7 @@
 #include "ShaderEditComponent/compile/process/CompilerLocator.h"
 #include "tests/support/CompileTestSupport.h"
 
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -89,17 +92,23 @@ private slots:
 
     void SignalsOfOneCompile_data();
     void SignalsOfOneCompile();
-    void CompileToFileWithHostileName();
     void CancelAndTearDownEndEverything();
     void FloodIsCutWithinMemoryCap();
     void ThousandCompileCancelCycles();
-    void SelectionRerunsDetection();
+    void BadExecutablesAreUnusable_data();
+    void BadExecutablesAreUnusable();
+    void NewestRequestWins();
+    void HangingCompilerNeverBlocksTheController();
+    void CompilesWaitForTheAnswer();
     void SelectionResolvesExecutable_data();
     void SelectionResolvesExecutable();
     void PanelSwitchAndEditorState();
 
 private:
+    SShaderEditControllerOptions Options(int iTimeoutMs) const;
     std::unique_ptr<CRecorder> Make(const QString& Executable, int iTimeoutMs = DefaultDetectionTimeoutMs);
+    // A controller whose stored selection is the custom compiler Custom: detection starts with it.
+    std::unique_ptr<CShaderEditController> MakeStored(const QString& Custom, int iTimeoutMs);
 
     QTemporaryDir m_Temp;
 };
@@ -121,14 +130,25 @@ void CShaderEditControllerTest::cleanup()
     QTRY_COMPARE_WITH_TIMEOUT(Children().iLiving + Children().iZombies, 0, 5000);
 }
 
-std::unique_ptr<CRecorder> CShaderEditControllerTest::Make(const QString& Executable, int iTimeoutMs)
+SShaderEditControllerOptions CShaderEditControllerTest::Options(int iTimeoutMs) const
 {
     SShaderEditControllerOptions Options;
     Options.CompilerSearchPaths = {m_Temp.filePath("none")};
     Options.iDetectionTimeoutMs = iTimeoutMs;
-    auto pRecorder = std::make_unique<CRecorder>(Options);
+    return Options;
+}
+
+std::unique_ptr<CRecorder> CShaderEditControllerTest::Make(const QString& Executable, int iTimeoutMs)
+{
+    auto pRecorder = std::make_unique<CRecorder>(Options(iTimeoutMs));
     pRecorder->UseCompiler(Executable, m_Temp.path() + "/");
     return pRecorder;
+}
+
+std::unique_ptr<CShaderEditController> CShaderEditControllerTest::MakeStored(const QString& Custom, int iTimeoutMs)
+{
+    StoreCustomCompiler(Custom, m_Temp.path() + "/");
+    return std::make_unique<CShaderEditController>(Options(iTimeoutMs));
 }
 
 void CShaderEditControllerTest::SignalsOfOneCompile_data()
@@ -172,29 +192,6 @@ void CShaderEditControllerTest::SignalsOfOneCompile()
     const bool bAsked = Switches.contains("-profile");
     QCOMPARE(pRun->Last.CycleCounts.GetSize(), bAsked ? 2u : 0u);
     QCOMPARE(QByteArray(pRun->Last.Disassembly.GetString()), bAsked ? QByteArray("mov\n") : QByteArray());
-}
-
-void CShaderEditControllerTest::CompileToFileWithHostileName()
-{
-    // What a shell would run if the name reached one; it must only ever be a file name.
-    const QString Name = QStringLiteral("x\"; touch pwned; \".frag");
-    const QString Folder = m_Temp.filePath("src");
-    const QString Source = WriteTestFile(Folder, Name, "void main(){}\n");
-    const QString Records = m_Temp.filePath("records-file");
-    QDir().mkpath(Records);
-    CScopedEnv Env("ZAM_FAKE_RECORD_DIR", Records.toUtf8());
-
-    auto pRun = Make(Fake("print"));
-    const QString Template = QStringLiteral("\"%1\" %f% \"%b%\" \"out/%b%\" -nowarn").arg(Fake("print"));
-    pRun->Controller.OnCompileFile(CZamTHash("f"), ToZamString(Source), ToZamString(Template),
-                                   DocType_GLSLESFragment);
-    QTRY_COMPARE_WITH_TIMEOUT(pRun->iResults, 1, 30000);
-    QCOMPARE(pRun->Last.iStatus, 0);
-    QCOMPARE(ReadLines(Records + "/0.args"),
-             (QStringList{Name, "x\"; touch pwned; \"", "out/x\"; touch pwned; \"", "-nowarn"}));
-    QCOMPARE(ReadAll(Records + "/0.src"), QByteArray("void main(){}\n")); // run in the file's folder
-    QVERIFY(!QFileInfo::exists(Folder + "/pwned") && !QFileInfo::exists("pwned"));
-    QVERIFY(pRun->Log.startsWith(Name + ": "));
 }
 
 // The compiler and the child it forked, both hanging: a cancel ends them within 2 s, and so
@@ -267,20 +264,6 @@ void CShaderEditControllerTest::ThousandCompileCancelCycles()
     QCOMPARE(pRun->Last.iStatus, 0);
 }
 
-// A banner without options: the background flags go, announced when the answer arrives.
-void CShaderEditControllerTest::SelectionRerunsDetection()
-{
-    auto pRun = Make(Fake("print"));
-    QCOMPARE(pRun->Controller.GetCompilerFlags(), CShaderEditController::BackgroundOptions);
-    CScopedEnv Banner("ZAM_FAKE_BANNER", "Some compiler for X rev 1 Version 2.0\n");
-    pRun->Controller.SetCompilerSettings(pRun->Controller.GetCompilerSettings(),
-                                         Settings::CompilerSetting_CompilerSelection);
-    QCOMPARE(pRun->Names, (QStringList{"CompilerSettings(128)"}));
-    pRun->Controller.WaitForCompilerDetection();
-    QCOMPARE(pRun->Names, (QStringList{"CompilerSettings(128)", "Flags(0)"}));
-    QCOMPARE(pRun->Controller.GetCompilerDetection().Compiler, QStringLiteral("X rev 1"));
-}
-
 void CShaderEditControllerTest::SelectionResolvesExecutable_data()
 {
     QTest::addColumn<quint32>("Selection");
@@ -334,6 +317,127 @@ void CShaderEditControllerTest::PanelSwitchAndEditorState()
                                     CompileInvocation_Background);
     QCOMPARE(pRun->Names, (QStringList{"Output", "Profile", "Clear", "Clear"}));
     QCOMPARE(pRun->Controller.GetCompilesInFlight(), 0);
+}
+
+void CShaderEditControllerTest::BadExecutablesAreUnusable_data()
+{
+    QTest::addColumn<QString>("Path");
+    QTest::addColumn<QByteArray>("Banner"); // for the fake; empty: its own
+    QTest::addColumn<bool>("bRan");
+
+    QTest::newRow("directory") << m_Temp.path() << QByteArray() << false;
+    QTest::newRow("not executable") << WriteTestFile(m_Temp.path(), "not-executable", "OPTIONS are:\n -v \n")
+                                    << QByteArray() << false;
+    QTest::newRow("missing") << m_Temp.filePath(QStringLiteral("missing")) << QByteArray() << false;
+    QTest::newRow("prints nothing") << Fake("print") << QByteArray(" ") << true;
+    QTest::newRow("never exits") << Fake("hang") << QByteArray() << false;
+    // A script: the fake compiler floods while compiling, not while asked for its banner.
+    const QString Flood = WriteTestFile(m_Temp.path(), "flood", "#!/bin/sh\nhead -c 104857600 /dev/zero\n");
+    QFile::setPermissions(Flood, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QTest::newRow("prints 100 MB") << Flood << QByteArray() << true;
+}
+
+void CShaderEditControllerTest::BadExecutablesAreUnusable()
+{
+    QFETCH(QString, Path);
+    QFETCH(QByteArray, Banner);
+    QFETCH(bool, bRan);
+    CScopedEnv Env("ZAM_FAKE_BANNER", Banner);
+    if (Banner.isEmpty())
+        qunsetenv("ZAM_FAKE_BANNER");
+
+    CCompilerDetector Detector(1500);
+    QSignalSpy Detected(&Detector, &CCompilerDetector::Detected);
+    Detector.Start(Path);
+    QVERIFY(Detector.IsBusy());
+    const qint64 iStall = LongestStall([&] { return !Detector.IsBusy(); }, 5000);
+    QVERIFY2(iStall >= 0 && iStall < 400, qPrintable(QString::number(iStall)));
+    QCOMPARE(Detected.size(), 1);
+    const SCompilerDetection Detection = Detected.first().at(1).value<SCompilerDetection>();
+    QCOMPARE(Detected.first().at(0).toString(), Path);
+    QCOMPARE(Detection.bRan, bRan);
+    QVERIFY(!Detection.IsUsable());
+    QCOMPARE(Detection.Compiler, QStringLiteral("Unknown"));
+}
+
+void CShaderEditControllerTest::NewestRequestWins()
+{
+    CScopedEnv Banner("ZAM_FAKE_BANNER", "Newest compiler for NEW rev 3 Version 1.0\nOPTIONS are:\n -v  -f \n");
+    CCompilerDetector Detector(5000);
+    QSignalSpy Detected(&Detector, &CCompilerDetector::Detected);
+    Detector.Start(Fake("hang"));
+    QTRY_COMPARE_WITH_TIMEOUT(Children().iLiving, 1, 5000);
+    Detector.Start(Fake("print"));
+    QTRY_VERIFY_WITH_TIMEOUT(!Detector.IsBusy(), 5000);
+    QCOMPARE(Detected.size(), 1);
+    QCOMPARE(Detected.first().at(0).toString(), Fake("print"));
+    QCOMPARE(Detected.first().at(1).value<SCompilerDetection>().Compiler, QStringLiteral("NEW rev 3"));
+    // The hanging one was killed when it was replaced, long before its time limit.
+    QTRY_COMPARE_WITH_TIMEOUT(Children().iLiving, 0, 1000);
+}
+
+void CShaderEditControllerTest::HangingCompilerNeverBlocksTheController()
+{
+    QElapsedTimer Clock;
+    Clock.start();
+    auto pController = MakeStored(Fake("hang"), 1500);
+    QVERIFY2(Clock.elapsed() < 1000, qPrintable(QString::number(Clock.elapsed())));
+    QVERIFY(pController->IsDetectingCompilers());
+    QCOMPARE(pController->GetCompilerPath(), Fake("hang"));
+
+    // The event loop keeps running all the while the compiler is asked, then gives it up.
+    const qint64 iStall = LongestStall([&] { return !pController->IsDetectingCompilers(); }, 5000);
+    QVERIFY2(iStall >= 0 && iStall < 400, qPrintable(QString::number(iStall)));
+    QVERIFY(Clock.elapsed() >= 1500);
+    QVERIFY(!pController->GetCompilerDetection().bRan);
+    QCOMPARE(pController->GetCompilerFlags(), 0u);
+    QTRY_COMPARE_WITH_TIMEOUT(Children().iLiving, 0, 1000);
+
+    // A window closed while the compiler is still being asked closes at once.
+    pController->SetCompilerSettings(pController->GetCompilerSettings(), Settings::CompilerSetting_CustomCompilerPath);
+    QTRY_COMPARE_WITH_TIMEOUT(Children().iLiving, 1, 5000);
+    Clock.restart();
+    pController.reset();
+    QVERIFY2(Clock.elapsed() < 1000, qPrintable(QString::number(Clock.elapsed())));
+}
+
+void CShaderEditControllerTest::CompilesWaitForTheAnswer()
+{
+    const QString Records = m_Temp.filePath(QStringLiteral("records"));
+    QVERIFY(QDir().mkpath(Records));
+    CScopedEnv Record("ZAM_FAKE_RECORD_DIR", Records.toUtf8());
+    auto pController = MakeStored(Fake("print"), 5000);
+    QSignalSpy Flags(pController.get(), &CShaderEditController::CompilerFlagsChanged);
+    QSignalSpy Results(pController.get(), &CShaderEditController::CompileProfileChanged);
+    QVERIFY(pController->IsDetectingCompilers());
+
+    // Asked for before the compiler has answered: it starts once the switches are known.
+    pController->OnCompilePanel(CZamTHash("early"), QStringLiteral("void main(){}\n"), DocType_GLSLESFragment,
+                                CompileInvocation_Background);
+    QTRY_COMPARE_WITH_TIMEOUT(Results.size(), 1, 10000);
+    QCOMPARE(Flags.size(), 1);
+    QCOMPARE(Flags.first().at(0).toUInt(), CShaderEditController::BackgroundOptions);
+    const QStringList Arguments = ReadLines(Records + "/0.args");
+    QCOMPARE(Arguments.mid(3), (QStringList{"-f", "-profile", "-perfsim", "-disasm"}));
+
+    // A new selection asks again; a banner without options takes the background flags away,
+    // announced when the answer arrives. One compile cancelled while it waits never runs.
+    CScopedEnv Banner("ZAM_FAKE_BANNER", "Some compiler for X rev 1 Version 2.0\n");
+    QSignalSpy Selected(pController.get(), &CShaderEditController::CompilerSettingsChanged);
+    pController->SetCompilerSettings(pController->GetCompilerSettings(), Settings::CompilerSetting_CompilerSelection);
+    QVERIFY(pController->IsDetectingCompilers());
+    QCOMPARE(Selected.size(), 1);
+    pController->OnCompilePanel(CZamTHash("gone"), QStringLiteral("x\n"), DocType_GLSLESFragment,
+                                CompileInvocation_Manual);
+    pController->OnCancelCompile(CZamTHash("gone"));
+    QCOMPARE(Flags.size(), 1);
+    pController->WaitForCompilerDetection();
+    QCOMPARE(Flags.size(), 2);
+    QCOMPARE(Flags.last().at(0).toUInt(), 0u);
+    QCOMPARE(pController->GetCompilerDetection().Compiler, QStringLiteral("X rev 1"));
+    QTest::qWait(200);
+    QCOMPARE(Results.size(), 1);
+    QVERIFY(!QFile::exists(Records + "/1.args"));
 }
 
 QTEST_GUILESS_MAIN(CShaderEditControllerTest)
