@@ -202,7 +202,9 @@ void CCompileSettingsTest::StoredValuesOfWrongKind_data()
     const QString Default = QString::number(0xFFC4FFFFu);
     QTest::newRow("signed colour") << Colour << 8u << QVariant(qint64(qint32(0xFF102030u))) << "4279246896";
     QTest::newRow("unsigned colour") << Colour << 8u << QVariant(qint64(0xFF102030u)) << "4279246896";
-    QTest::newRow("colour beyond 32 bits") << Colour << 8u << QVariant(qint64(0x1FF102030ll)) << Default;
+    QTest::newRow("lowest signed colour") << Colour << 8u << QVariant(qint64(-2147483648ll)) << "2147483648";
+    QTest::newRow("colour beyond 32 bits") << Colour << 8u << QVariant(qint64(0x100000000ll)) << Default;
+    QTest::newRow("colour below 32 bits") << Colour << 8u << QVariant(qint64(-2147483649ll)) << Default;
     QTest::newRow("colour as text") << Colour << 8u << QVariant(QStringLiteral("red")) << Default;
     QTest::newRow("colour as real") << Colour << 8u << QVariant(1.5) << Default;
     QTest::newRow("signed format colour") << "Output/Error" << 32u << QVariant(qint64(-1)) << "4294967295";
