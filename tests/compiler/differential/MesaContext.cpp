@@ -16,18 +16,9 @@ namespace
 const char* const k_pInstallHint = " (Mesa's EGL and software renderer are needed: packages libegl1, libegl-mesa0 and "
                                    "libgl1-mesa-dri, which scripts/bootstrap.sh installs)";
 
-bool HasExtension(const char* pList, const char* pName)
+bool HasExtension(const char* pList, const std::string& name)
 {
-    if (!pList)
-        return false;
-    const std::size_t uiLength = std::strlen(pName);
-    for (const char* p = std::strstr(pList, pName); p; p = std::strstr(p + 1, pName))
-    {
-        const bool bStart = p == pList || p[-1] == ' ';
-        if (bStart && (p[uiLength] == ' ' || p[uiLength] == '\0'))
-            return true;
-    }
-    return false;
+    return pList && (" " + std::string(pList) + " ").find(" " + name + " ") != std::string::npos;
 }
 
 bool HasGlExtension(const char* pName)
@@ -76,7 +67,8 @@ bool CMesaContext::Initialise(std::string& error)
         return false;
     }
     auto pGetDisplay = reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(eglGetProcAddress("eglGetPlatformDisplayEXT"));
-    m_pDisplay = pGetDisplay ? pGetDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr) : EGL_NO_DISPLAY;
+    m_pDisplay =
+        pGetDisplay ? pGetDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr) : EGL_NO_DISPLAY;
     if (m_pDisplay == EGL_NO_DISPLAY || !eglInitialize(m_pDisplay, nullptr, nullptr))
     {
         m_pDisplay = nullptr;
@@ -84,9 +76,9 @@ bool CMesaContext::Initialise(std::string& error)
         return false;
     }
     const EGLint aiAttributes[] = {EGL_CONTEXT_MAJOR_VERSION, 3, EGL_CONTEXT_MINOR_VERSION, 2, EGL_NONE};
-    if (!eglBindAPI(EGL_OPENGL_ES_API) ||
-        !(m_pContext = eglCreateContext(m_pDisplay, EGL_NO_CONFIG_KHR, EGL_NO_CONTEXT, aiAttributes)) ||
-        !eglMakeCurrent(m_pDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, m_pContext))
+    if (!eglBindAPI(EGL_OPENGL_ES_API)
+        || !(m_pContext = eglCreateContext(m_pDisplay, EGL_NO_CONFIG_KHR, EGL_NO_CONTEXT, aiAttributes))
+        || !eglMakeCurrent(m_pDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, m_pContext))
     {
         error = EglError("creating an OpenGL ES 3.2 context") + k_pInstallHint;
         return false;
@@ -112,37 +104,15 @@ CGlObjects::~CGlObjects()
         glDeleteProgram(uiProgram);
     for (GLuint uiShader : m_aShaders)
         glDeleteShader(uiShader);
-    glDeleteBuffers(static_cast<GLsizei>(m_aBuffers.size()), m_aBuffers.data());
-    glDeleteTextures(static_cast<GLsizei>(m_aTextures.size()), m_aTextures.data());
-    glDeleteRenderbuffers(static_cast<GLsizei>(m_aRenderbuffers.size()), m_aRenderbuffers.data());
-    glDeleteFramebuffers(static_cast<GLsizei>(m_aFramebuffers.size()), m_aFramebuffers.data());
+    for (const auto& name : m_aNames)
+        name.first(1, &name.second);
 }
 
-GLuint CGlObjects::Buffer()
-{
-    return Generate(glGenBuffers, m_aBuffers);
-}
-
-GLuint CGlObjects::Texture()
-{
-    return Generate(glGenTextures, m_aTextures);
-}
-
-GLuint CGlObjects::Renderbuffer()
-{
-    return Generate(glGenRenderbuffers, m_aRenderbuffers);
-}
-
-GLuint CGlObjects::Framebuffer()
-{
-    return Generate(glGenFramebuffers, m_aFramebuffers);
-}
-
-GLuint CGlObjects::Generate(void (*pGenerate)(GLsizei, GLuint*), std::vector<GLuint>& aNames)
+GLuint CGlObjects::Generate(FNames pGenerate, FDelete pDelete)
 {
     GLuint uiName = 0;
     pGenerate(1, &uiName);
-    aNames.push_back(uiName);
+    m_aNames.emplace_back(pDelete, uiName);
     return uiName;
 }
 

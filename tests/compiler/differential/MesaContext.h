@@ -6,6 +6,7 @@
 #include <GLES3/gl32.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ZamDifferential
@@ -37,22 +38,21 @@ public:
     CGlObjects(const CGlObjects&) = delete;
     CGlObjects& operator=(const CGlObjects&) = delete;
 
-    GLuint Buffer();
-    GLuint Texture();
-    GLuint Renderbuffer();
-    GLuint Framebuffer();
+    GLuint Buffer() { return Generate(glGenBuffers, glDeleteBuffers); }
+    GLuint Texture() { return Generate(glGenTextures, glDeleteTextures); }
+    GLuint Renderbuffer() { return Generate(glGenRenderbuffers, glDeleteRenderbuffers); }
+    GLuint Framebuffer() { return Generate(glGenFramebuffers, glDeleteFramebuffers); }
     // A linked program, or 0 with Mesa's log in error. aCaptured: transform feedback varyings.
     GLuint Program(const std::string& vertexSource, const std::string& fragmentSource,
                    const std::vector<std::string>& aCaptured, std::string& error);
 
 private:
-    static GLuint Generate(void (*pGenerate)(GLsizei, GLuint*), std::vector<GLuint>& aNames);
+    using FNames = void (*)(GLsizei, GLuint*);
+    using FDelete = void (*)(GLsizei, const GLuint*);
+    GLuint Generate(FNames pGenerate, FDelete pDelete);
     GLuint Shader(GLenum eType, const std::string& source, std::string& error);
 
-    std::vector<GLuint> m_aBuffers;
-    std::vector<GLuint> m_aTextures;
-    std::vector<GLuint> m_aRenderbuffers;
-    std::vector<GLuint> m_aFramebuffers;
+    std::vector<std::pair<FDelete, GLuint>> m_aNames;
     std::vector<GLuint> m_aShaders;
     std::vector<GLuint> m_aPrograms;
 };

@@ -1,4 +1,4 @@
-#include "MesaPasses.h"
+#include "MesaRunner.h"
 
 #include "InputValues.h"
 

@@ -1,9 +1,6 @@
 #include "MesaRunner.h"
 
 #include "InputValues.h"
-#include "MesaContext.h"
-#include "MesaPasses.h"
-#include "MesaSources.h"
 
 #include <cstring>
 #include <regex>

@@ -1,4 +1,4 @@
-#include "MesaSources.h"
+#include "MesaRunner.h"
 
 #include "InputValues.h"
 

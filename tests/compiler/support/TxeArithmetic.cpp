@@ -28,12 +28,7 @@ double Number(std::uint32_t uiWord, ETxeType eType)
 
 int HighestBit(std::uint32_t uiWord)
 {
-    for (int i = 31; i >= 0; --i)
-    {
-        if ((uiWord >> i) & 1u)
-            return i;
-    }
-    return -1;
+    return uiWord ? 31 - __builtin_clz(uiWord) : -1;
 }
 
 std::uint32_t Reversed(std::uint32_t uiWord)
@@ -142,13 +137,7 @@ double Bits(ETxeOp eOp, ETxeType eType, double a, double b, double c, double d)
     const std::uint32_t wa = Word(a, eType);
     switch (eOp)
     {
-    case Op_Bcnt:
-    {
-        int iCount = 0;
-        for (std::uint32_t w = wa; w; w &= w - 1)
-            ++iCount;
-        return iCount;
-    }
+    case Op_Bcnt: return __builtin_popcount(wa);
     case Op_Brev: return Number(Reversed(wa), eType);
     case Op_Fbl: return wa ? HighestBit(wa & (~wa + 1u)) : -1;
     case Op_Fbh: return HighestBit(eType == Type_Int && (wa >> 31) ? ~wa : wa);
