@@ -359,12 +359,10 @@ int RunGlslCompiler(const std::string& programPath, const std::vector<std::strin
     options.aDefines = commandLine.aDefines;
     SCompilation compilation;
     std::optional<CListingJob> listing;
-    {
-        CFrontEndProcess process;
-        SCompileJob job{&source, eStage, &core, &options, &compilation, &commandLine, &listing};
-        if (!RunWithLargeStack(&CompileJob, &job))
-            return Fail(output, "cannot start the compiler thread");
-    }
+    KeepFrontEndForProcess();
+    SCompileJob job{&source, eStage, &core, &options, &compilation, &commandLine, &listing};
+    if (!RunWithLargeStack(&CompileJob, &job))
+        return Fail(output, "cannot start the compiler thread");
 
     for (const SDiagnostic& diagnostic : compilation.aDiagnostics)
     {

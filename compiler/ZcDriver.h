@@ -45,7 +45,8 @@ constexpr int Request_Compile = -1;
 int ReadCompileRequest(const std::vector<std::string>& aArgs, const std::string& banner, SCommandLine& commandLine,
                        std::string& source, std::string& output, bool bPreprocessorOptions = false);
 
-// Exit status: 0 success, 1 compile failed, 2 unusable command line.
+// Exit status: 0 success, 1 compile failed, 2 unusable command line. Once per process: glslang's
+// tables stay until the process exits.
 int RunGlslCompiler(const std::string& programPath, const std::vector<std::string>& aArgs, std::string& output);
 
 } // namespace ZamCompiler

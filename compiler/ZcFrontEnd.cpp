@@ -97,6 +97,12 @@ CFrontEndProcess::~CFrontEndProcess()
     glslang::FinalizeProcess();
 }
 
+void KeepFrontEndForProcess()
+{
+    static const bool s_bInitialized = glslang::InitializeProcess();
+    static_cast<void>(s_bInitialized);
+}
+
 SParsedShader::SParsedShader() = default;
 SParsedShader::~SParsedShader() = default;
 

@@ -32,6 +32,10 @@ public:
     CFrontEndProcess& operator=(const CFrontEndProcess&) = delete;
 };
 
+// The same tables for the rest of a process that compiles and exits: they are never freed
+// one by one, the exit takes them back at once.
+void KeepFrontEndForProcess();
+
 // The parsed tree lives in the shader's memory pool: use it on the parsing thread only.
 struct SParsedShader
 {
