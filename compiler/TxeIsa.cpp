@@ -1,8 +1,10 @@
 #include "TxeIsa.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstring>
+#include <iterator>
 
 namespace ZamCompiler
 {
@@ -95,6 +97,91 @@ char FileLetter(ETxeFile eFile)
     }
 }
 
+// Two digits a step: a listing is mostly register numbers and counts.
+const char s_acPairs[] = "00010203040506070809101112131415161718192021222324"
+                         "25262728293031323334353637383940414243444546474849"
+                         "50515253545556575859606162636465666768697071727374"
+                         "75767778798081828384858687888990919293949596979899";
+// Characters a long long can take, sign included.
+constexpr std::size_t k_uiMaxDecimal = 20;
+
+unsigned long long Magnitude(long long llValue)
+{
+    return llValue < 0 ? 0ULL - static_cast<unsigned long long>(llValue) : static_cast<unsigned long long>(llValue);
+}
+
+// The digits of ullValue, written backwards so that they end at pEnd; returns the first.
+char* DigitsBefore(char* pEnd, unsigned long long ullValue)
+{
+    while (ullValue >= 100)
+    {
+        pEnd -= 2;
+        std::memcpy(pEnd, s_acPairs + 2 * (ullValue % 100), 2);
+        ullValue /= 100;
+    }
+    if (ullValue >= 10)
+    {
+        pEnd -= 2;
+        std::memcpy(pEnd, s_acPairs + 2 * ullValue, 2);
+    }
+    else
+    {
+        *--pEnd = static_cast<char>('0' + ullValue);
+    }
+    return pEnd;
+}
+
+// llValue at p, right-aligned in uiWidth columns or as wide as it needs; returns the end.
+// p needs room for max(uiWidth, 8) + k_uiMaxDecimal characters.
+char* WriteRightAligned(char* p, long long llValue, std::size_t uiWidth)
+{
+    static const unsigned long long s_aullLimits[] = {0, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
+    if (llValue >= 0 && uiWidth < std::size(s_aullLimits) &&
+        static_cast<unsigned long long>(llValue) < s_aullLimits[uiWidth])
+    {
+        // The usual case: the field holds the number, so the digits go straight into it.
+        std::memcpy(p, "        ", 8);
+        DigitsBefore(p + uiWidth, static_cast<unsigned long long>(llValue));
+        return p + uiWidth;
+    }
+    char acDigits[k_uiMaxDecimal];
+    char* const pEnd = acDigits + sizeof(acDigits);
+    char* pFirst = DigitsBefore(pEnd, Magnitude(llValue));
+    if (llValue < 0)
+        *--pFirst = '-';
+    const std::size_t uiLength = static_cast<std::size_t>(pEnd - pFirst);
+    for (std::size_t i = uiLength; i < uiWidth; ++i)
+        *p++ = ' ';
+    std::memcpy(p, pFirst, uiLength);
+    return p + uiLength;
+}
+
+char* WriteInteger(char* p, long long llValue)
+{
+    if (llValue >= 0 && llValue < 10)
+    {
+        *p = static_cast<char>('0' + llValue);
+        return p + 1;
+    }
+    if (llValue >= 10 && llValue < 100)
+    {
+        std::memcpy(p, s_acPairs + 2 * llValue, 2);
+        return p + 2;
+    }
+    return WriteRightAligned(p, llValue, 0);
+}
+
+std::size_t MnemonicLength(ETxeOp eOp)
+{
+    static const auto s_auiLengths = [] {
+        std::array<std::uint8_t, Op_Count> auiLengths{};
+        for (std::size_t i = 0; i < auiLengths.size(); ++i)
+            auiLengths[i] = static_cast<std::uint8_t>(std::strlen(s_aOpInfo[i].pMnemonic));
+        return auiLengths;
+    }();
+    return s_auiLengths[eOp < Op_Count ? eOp : Op_Mov];
+}
+
 // Integer immediates print every digit; floats with six significant digits, as "%g" does
 // (to_chars is printf's format without its cost).
 void AppendValue(CTextSink& out, double dValue, ETxeType eType)
@@ -156,25 +243,28 @@ void PutOperand(CTextSink& out, const STxeProgram& program, const STxeOperand& o
         AppendImmediate(out, program, op, pPoolTexts);
         return;
     }
+    // A register operand has a bounded length: it is written straight into the sink.
+    char* p = out.Reserve(2 * k_uiMaxDecimal + 16 + op.uiCount);
     const bool bAbs = !bDestination && op.bAbs;
     if (!bDestination && op.bNegate)
-        out.Put('-');
+        *p++ = '-';
     if (bAbs)
-        out.Put('|');
-    out.Put(FileLetter(op.eFile));
+        *p++ = '|';
+    *p++ = FileLetter(op.eFile);
     if (op.iRelative >= 0)
     {
-        out.Put("[r", 2);
-        out.Integer(op.iRelative);
-        out.Put('.');
-        out.Put("xyzw"[op.iRelativeLane & 3]);
-        out.Put('+');
-        out.Integer(op.iIndex);
-        out.Put(']');
+        *p++ = '[';
+        *p++ = 'r';
+        p = WriteInteger(p, op.iRelative);
+        *p++ = '.';
+        *p++ = "xyzw"[op.iRelativeLane & 3];
+        *p++ = '+';
+        p = WriteInteger(p, op.iIndex);
+        *p++ = ']';
     }
     else
     {
-        out.Integer(op.iIndex);
+        p = WriteInteger(p, op.iIndex);
     }
     if (op.eFile != File_Sampler)
     {
@@ -183,13 +273,14 @@ void PutOperand(CTextSink& out, const STxeProgram& program, const STxeOperand& o
             bIdentity = op.auiSwizzle[i] == i;
         if (!bIdentity)
         {
-            out.Put('.');
+            *p++ = '.';
             for (int i = 0; i < op.uiCount; ++i)
-                out.Put("xyzw"[op.auiSwizzle[i] & 3]);
+                *p++ = "xyzw"[op.auiSwizzle[i] & 3];
         }
     }
     if (bAbs)
-        out.Put('|');
+        *p++ = '|';
+    out.Commit(p);
 }
 
 } // namespace
@@ -207,53 +298,25 @@ void CTextSink::Repeat(char c, std::size_t uiCount)
 {
     while (uiCount > 0)
     {
-        if (m_uiSize == sizeof(m_acBuffer))
-            Flush();
-        const std::size_t uiRun = std::min(uiCount, sizeof(m_acBuffer) - m_uiSize);
-        for (std::size_t i = 0; i < uiRun; ++i)
-            m_acBuffer[m_uiSize + i] = c;
-        m_uiSize += uiRun;
+        const std::size_t uiRun = std::min(uiCount, k_uiRoom);
+        char* p = Reserve(uiRun);
+        std::memset(p, c, uiRun);
+        Commit(p + uiRun);
         uiCount -= uiRun;
     }
 }
 
 void CTextSink::RightAligned(long long llValue, std::size_t uiWidth)
 {
-    // Digits from the right into a field of spaces: widths up to 12 cost no padding loop.
-    char acField[32];
-    std::memcpy(acField, "                                ", sizeof(acField));
-    char* const pEnd = acField + sizeof(acField);
-    char* pDigit = pEnd;
-    unsigned long long ullMagnitude =
-        llValue < 0 ? 0ULL - static_cast<unsigned long long>(llValue) : static_cast<unsigned long long>(llValue);
-    // Two digits a step: a listing is mostly register numbers and counts.
-    static const char s_acPairs[] = "00010203040506070809101112131415161718192021222324"
-                                    "25262728293031323334353637383940414243444546474849"
-                                    "50515253545556575859606162636465666768697071727374"
-                                    "75767778798081828384858687888990919293949596979899";
-    while (ullMagnitude >= 100)
+    if (uiWidth + k_uiMaxDecimal + 8 > k_uiRoom)
     {
-        pDigit -= 2;
-        std::memcpy(pDigit, s_acPairs + 2 * (ullMagnitude % 100), 2);
-        ullMagnitude /= 100;
+        char acDigits[k_uiMaxDecimal];
+        const std::size_t uiLength = static_cast<std::size_t>(WriteRightAligned(acDigits, llValue, 0) - acDigits);
+        if (uiLength < uiWidth)
+            Repeat(' ', uiWidth - uiLength);
+        uiWidth = 0;
     }
-    if (ullMagnitude >= 10)
-    {
-        pDigit -= 2;
-        std::memcpy(pDigit, s_acPairs + 2 * ullMagnitude, 2);
-    }
-    else
-    {
-        *--pDigit = static_cast<char>('0' + ullMagnitude);
-    }
-    if (llValue < 0)
-        *--pDigit = '-';
-    std::size_t uiLength = static_cast<std::size_t>(pEnd - pDigit);
-    if (uiLength < uiWidth && uiWidth <= sizeof(acField))
-        uiLength = uiWidth;
-    else if (uiLength < uiWidth)
-        Repeat(' ', uiWidth - uiLength);
-    Put(pEnd - uiLength, uiLength);
+    Commit(WriteRightAligned(Reserve(uiWidth + k_uiMaxDecimal + 8), llValue, uiWidth));
 }
 
 bool HasTexelOffset(const STxeInstruction& instr)
@@ -296,26 +359,35 @@ void AppendInstruction(CTextSink& out, const STxeProgram& program, const STxeIns
                        const std::vector<std::string>* pPoolTexts)
 {
     const STxeOpInfo& info = TxeOpInfo(instr.eOp);
-    const std::size_t uiStart = out.Size();
-    out.Put(info.pMnemonic);
-    if (instr.eType == Type_Int)
-        out.Put(".i", 2);
-    else if (instr.eType == Type_Uint)
-        out.Put(".u", 2);
-    if (instr.eOp == Op_Loop)
+    // Mnemonic, type and the padding to the operands: a short run written in place.
+    char* const pStart = out.Reserve(k_uiMaxDecimal + 16);
+    char* p = pStart;
+    const std::size_t uiLength = MnemonicLength(instr.eOp);
+    std::memcpy(p, info.pMnemonic, uiLength);
+    p += uiLength;
+    if (instr.eType == Type_Int || instr.eType == Type_Uint)
     {
-        out.Put(' ');
-        if (instr.trips.bKnown)
-            out.Integer(instr.trips.iWorst);
-        else
-            out.Put('?');
-        return;
+        *p++ = '.';
+        *p++ = instr.eType == Type_Int ? 'i' : 'u';
     }
     const bool bHasDst = instr.dst.eFile != File_None;
-    if (!bHasDst && info.iSources == 0)
+    if (instr.eOp == Op_Loop)
+    {
+        *p++ = ' ';
+        if (instr.trips.bKnown)
+            p = WriteInteger(p, instr.trips.iWorst);
+        else
+            *p++ = '?';
+    }
+    else if (bHasDst || info.iSources != 0)
+    {
+        const std::size_t uiMnemonic = static_cast<std::size_t>(p - pStart);
+        std::memcpy(p, "        ", 8);
+        p += uiMnemonic < 8 ? 8 - uiMnemonic : 1;
+    }
+    out.Commit(p);
+    if (instr.eOp == Op_Loop || (!bHasDst && info.iSources == 0))
         return;
-    const std::size_t uiMnemonic = out.Size() - uiStart;
-    out.Repeat(' ', uiMnemonic < 8 ? 8 - uiMnemonic : 1);
     bool bFirst = true;
     if (bHasDst)
     {

@@ -240,6 +240,17 @@ public:
     }
     void RightAligned(long long llValue, std::size_t uiWidth); // padded with spaces on the left
     std::size_t Size() const { return m_out.size() + m_uiSize; }
+    // Room for up to uiBytes (no more than k_uiRoom) in the buffer itself: a caller that
+    // knows a bound writes through the pointer without a check a character, then hands the
+    // end to Commit.
+    static constexpr std::size_t k_uiRoom = 1024;
+    char* Reserve(std::size_t uiBytes)
+    {
+        if (uiBytes > sizeof(m_acBuffer) - m_uiSize)
+            Flush();
+        return m_acBuffer + m_uiSize;
+    }
+    void Commit(const char* pEnd) { m_uiSize = static_cast<std::size_t>(pEnd - m_acBuffer); }
     void Flush()
     {
         m_out.append(m_acBuffer, m_uiSize);
