@@ -14,6 +14,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <algorithm>
 #include <map>
 #include <memory>
 
@@ -31,47 +32,43 @@ const char kFragment[] = "precision mediump float;\n"       // 1
                          "    gl_FragColor = c * 2.0;\n"    // 8
                          "}\n";                             // 9
 
-// Three shaders; code lines 8, 19 and 31 do the work.
-const char kEffect[] = "[VERTEXSHADER]\n"                            // 1
-                       "NAME SceneVS\n"                              // 2
-                       "[GLSL_CODE]\n"                               // 3
-                       "attribute vec4 a_position;\n"                // 4
-                       "uniform mat4 u_mvp;\n"                       // 5
-                       "void main()\n"                               // 6
-                       "{\n"                                         // 7
-                       "gl_Position = u_mvp * a_position;\n"         // 8
-                       "}\n"                                         // 9
-                       "[/GLSL_CODE]\n"                              // 10
-                       "[/VERTEXSHADER]\n"                           // 11
-                       "[FRAGMENTSHADER]\n"                          // 12
-                       "NAME FlatFS\n"                               // 13
-                       "[GLSL_CODE]\n"                               // 14
-                       "precision mediump float;\n"                  // 15
-                       "uniform vec4 u_colour;\n"                    // 16
-                       "void main()\n"                               // 17
-                       "{\n"                                         // 18
-                       "gl_FragColor = u_colour * 0.5;\n"            // 19
-                       "}\n"                                         // 20
-                       "[/GLSL_CODE]\n"                              // 21
-                       "[/FRAGMENTSHADER]\n"                         // 22
-                       "[FRAGMENTSHADER]\n"                          // 23
-                       "NAME TexturedFS\n"                           // 24
-                       "[GLSL_CODE]\n"                               // 25
-                       "precision mediump float;\n"                  // 26
-                       "uniform sampler2D u_tex;\n"                  // 27
-                       "varying vec2 v_uv;\n"                        // 28
-                       "void main()\n"                               // 29
-                       "{\n"                                         // 30
-                       "gl_FragColor = texture2D(u_tex, v_uv) %1;\n" // 31
-                       "}\n"                                         // 32
-                       "[/GLSL_CODE]\n"                              // 33
-                       "[/FRAGMENTSHADER]\n"                         // 34
-                       "[EFFECT]\nNAME Flat\nVERTEXSHADER SceneVS\nFRAGMENTSHADER FlatFS\n[/EFFECT]\n"
-                       "[EFFECT]\nNAME Textured\nVERTEXSHADER SceneVS\nFRAGMENTSHADER TexturedFS\n[/EFFECT]\n";
-
-QString Effect(const char* pLine31Tail = "* 2.0")
+// The bloom example: three shaders with comments, a loop and functions of their own.
+QString Effect()
 {
-    return QString::fromLatin1(kEffect).arg(QLatin1String(pLine31Tail));
+    return QString::fromUtf8(ReadAll(SourceDir() + QStringLiteral("/examples/bloom_postprocess.zfx")));
+}
+
+const QString kEffectSucceeded = QStringLiteral(
+    "FullScreenVS: Compile succeeded.\nBrightPassFS: Compile succeeded.\nCompositeFS: Compile succeeded.\n");
+
+// The document line (1-based) of the first line that holds Needle.
+int LineOf(const QString& Text, const QString& Needle)
+{
+    return static_cast<int>(Text.left(Text.indexOf(Needle)).count(QLatin1Char('\n'))) + 1;
+}
+
+struct SShaderCode
+{
+    QString Name;
+    int iFirst = 0; // the document lines of its code, 1-based
+    int iLast = 0;
+};
+
+// Each shader's name and code lines, in the order of the file.
+QList<SShaderCode> ShaderCode(const QString& Text)
+{
+    QList<SShaderCode> Shaders;
+    const QStringList Lines = Text.split(QLatin1Char('\n'));
+    for (int i = 1; i < Lines.size(); ++i)
+    {
+        if (Lines[i - 1].endsWith(QLatin1String("SHADER]")) && Lines[i].startsWith(QLatin1String("NAME ")))
+            Shaders.append({Lines[i].mid(5), 0, 0});
+        else if (Lines[i] == QLatin1String("[GLSL_CODE]"))
+            Shaders.last().iFirst = i + 2;
+        else if (Lines[i] == QLatin1String("[/GLSL_CODE]"))
+            Shaders.last().iLast = i;
+    }
+    return Shaders;
 }
 
 QString BrokenFragment()
@@ -79,17 +76,14 @@ QString BrokenFragment()
     return QString::fromLatin1(kFragment).replace(QStringLiteral("c * 2.0"), QStringLiteral("c * missing"));
 }
 
-// The effect with FlatFS's code block replaced by Code.
-QString EffectWithFlatCode(const QString& Code)
+// The effect with BrightPassFS's code block replaced by Code.
+QString EffectWithBrightPassCode(const QString& Code)
 {
     QString Text = Effect();
-    const qsizetype iCode = Text.indexOf(QStringLiteral("[GLSL_CODE]"), Text.indexOf(QStringLiteral("NAME FlatFS")));
+    const qsizetype iCode = Text.indexOf(QStringLiteral("[GLSL_CODE]"), Text.indexOf(QStringLiteral("NAME BrightPassFS")));
     const qsizetype iEnd = Text.indexOf(QStringLiteral("[/GLSL_CODE]\n"), iCode) + 13;
     return Text.replace(iCode, iEnd - iCode, Code);
 }
-
-const QString kEffectSucceeded =
-    QStringLiteral("SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\nTexturedFS: Compile succeeded.\n");
 
 // The document lines (1-based) that have a cycle count.
 QList<int> CountedLines(const CZamTArray<int>& Counts)
@@ -217,36 +211,40 @@ void CCompilePipelineTest::ShaderLogCountsProfileAndDisassembly()
 
 void CCompilePipelineTest::EffectFileShaderByShader()
 {
-    CompileAndWait(Effect(), DocType_ZFXGLSLES);
+    const QString Text = Effect();
+    CompileAndWait(Text, DocType_ZFXGLSLES);
     const SCompileResult& Result = m_Delivery.Last;
     QCOMPARE(Result.iStatus, 0);
     QCOMPARE(m_Delivery.LastLog, kEffectSucceeded);
 
-    // Counts land on the effect file's own lines, inside each shader's code.
+    // Counts land on the effect file's own lines: on code, inside a shader, never on a comment.
     const CZamTArray<int>& Counts = m_Delivery.CountsByPanel[CZamTHash("panel").GetValue()];
+    const QList<SShaderCode> Shaders = ShaderCode(Text);
+    const QStringList TextLines = Text.split(QLatin1Char('\n'));
     const QList<int> Lines = CountedLines(Counts);
-    QVERIFY(Lines.contains(8) && Lines.contains(19) && Lines.contains(31));
+    for (const char* pWork : {"gl_Position = vec4(corner", "ramp = ramp * ramp", "fragColour = vec4(pow("})
+        QVERIFY2(Lines.contains(LineOf(Text, pWork)), pWork);
     for (int iLine : Lines)
-        QVERIFY2((iLine >= 4 && iLine <= 9) || (iLine >= 15 && iLine <= 20) || (iLine >= 26 && iLine <= 32),
-                 qPrintable(QString::number(iLine)));
-
-    QCOMPARE(Result.Profiles.GetSize(), 3u);
-    const struct
     {
-        const char* pName;
-        int iFirst;
-        int iLast;
-    } Shaders[] = {{"SceneVS", 4, 9}, {"FlatFS", 15, 20}, {"TexturedFS", 26, 32}};
+        const QString Line = TextLines.value(iLine - 1).trimmed();
+        const bool bInCode = std::any_of(Shaders.begin(), Shaders.end(), [&](const SShaderCode& Shader)
+                                         { return iLine >= Shader.iFirst && iLine <= Shader.iLast; });
+        QVERIFY2(bInCode && !Line.isEmpty() && !Line.startsWith(QLatin1String("//")), qPrintable(Line));
+    }
+
+    QCOMPARE(Shaders.size(), 3);
+    QCOMPARE(Result.Profiles.GetSize(), 3u);
     for (uint32_t i = 0; i < 3; ++i)
     {
-        const SCompileResult::SProfile* pProfile = Result.FindProfile(Shaders[i].pName);
-        QVERIFY2(pProfile, Shaders[i].pName);
-        QCOMPARE(QByteArray(Result.Profiles[i].Name.GetString()), QByteArray(Shaders[i].pName));
-        QCOMPARE(pProfile->iTotalConsumedCycles, SumOfLines(Counts, Shaders[i].iFirst, Shaders[i].iLast));
+        const SShaderCode& Shader = Shaders[static_cast<int>(i)];
+        const SCompileResult::SProfile* pProfile = Result.FindProfile(ToZamString(Shader.Name));
+        QVERIFY2(pProfile, qPrintable(Shader.Name));
+        QCOMPARE(ToQString(Result.Profiles[i].Name), Shader.Name);
+        QCOMPARE(pProfile->iTotalConsumedCycles, SumOfLines(Counts, Shader.iFirst, Shader.iLast));
         QVERIFY(QByteArray(pProfile->Disassembly.GetString()).startsWith("; TXE"));
     }
-    QCOMPARE(Result.FindProfile("TexturedFS")->iNonDependentTextureReads, 1);
-    QCOMPARE(Result.FindProfile("FlatFS")->iNonDependentTextureReads, 0);
+    QCOMPARE(Result.FindProfile("BrightPassFS")->iNonDependentTextureReads, 1);
+    QCOMPARE(Result.FindProfile("FullScreenVS")->iNonDependentTextureReads, 0);
 }
 
 void CCompilePipelineTest::BackgroundCompileLog_data()
@@ -264,25 +262,24 @@ void CCompilePipelineTest::BackgroundCompileLog_data()
     // Errors land on the document's line, in an effect on the effect file's; the other shaders still compile.
     QTest::newRow("fragment error") << BrokenFragment() << iFragment << QString()
                                     << "GLSL:ES Fragment Shader: Compile failed.\nERROR: 0:8:" << 1 << 8;
-    QTest::newRow("effect error") << Effect("* nowhere") << iEffect << QString()
-                                  << "SceneVS: Compile succeeded.\nFlatFS: Compile succeeded.\n"
-                                     "TexturedFS: Compile failed.\nERROR: 0:31:"
-                                  << 1 << 31;
-    QTest::newRow("shader named like a switch") << Effect().replace(QStringLiteral("FlatFS"), QStringLiteral("-v"))
-                                                << iEffect << QString()
-                                                << "SceneVS: Compile succeeded.\n-v: Compile succeeded.\n"
-                                                   "TexturedFS: Compile succeeded.\n"
-                                                << 0 << 0;
+    const QString Scene = QStringLiteral("vec3 scene = texture(uScene, vTexCoord).rgb");
+    QTest::newRow("effect error") << Effect().replace(Scene, Scene + " * nowhere") << iEffect << QString()
+                                  << QStringLiteral("FullScreenVS: Compile succeeded.\nBrightPassFS: Compile succeeded.\n"
+                                                    "CompositeFS: Compile failed.\nERROR: 0:%1:")
+                                         .arg(LineOf(Effect(), Scene))
+                                  << 1 << LineOf(Effect(), Scene);
+    QTest::newRow("shader named like a switch")
+        << Effect().replace(QStringLiteral("BrightPassFS"), QStringLiteral("-v")) << iEffect << QString()
+        << "FullScreenVS: Compile succeeded.\n-v: Compile succeeded.\nCompositeFS: Compile succeeded.\n" << 0 << 0;
     // Said to be skipped, not left out in silence.
-    QTest::newRow("shader without source") << EffectWithFlatCode(QStringLiteral("[GLSL_CODE]\n[/GLSL_CODE]\n"))
-                                           << iEffect << QString()
-                                           << "SceneVS: Compile succeeded.\nFlatFS: no source to compile.\n"
-                                              "TexturedFS: Compile succeeded.\n"
-                                           << 0 << 0;
+    QTest::newRow("shader without source")
+        << EffectWithBrightPassCode(QStringLiteral("[GLSL_CODE]\n[/GLSL_CODE]\n")) << iEffect << QString()
+        << "FullScreenVS: Compile succeeded.\nBrightPassFS: no source to compile.\nCompositeFS: Compile succeeded.\n"
+        << 0 << 0;
     // FILE shaders are read from beside the effect, whatever folder the program runs in.
-    QTest::newRow("FILE shader") << EffectWithFlatCode(QStringLiteral("FILE shaders/flat.frag\n")) << iEffect << Fx
+    QTest::newRow("FILE shader") << EffectWithBrightPassCode(QStringLiteral("FILE shaders/flat.frag\n")) << iEffect << Fx
                                  << kEffectSucceeded << 0 << 0;
-    QTest::newRow("FILE shader missing") << EffectWithFlatCode(QStringLiteral("FILE shaders/gone.frag\n")) << iEffect
+    QTest::newRow("FILE shader missing") << EffectWithBrightPassCode(QStringLiteral("FILE shaders/gone.frag\n")) << iEffect
                                          << Fx << QStringLiteral("Error loading file '%1/shaders/gone.frag'").arg(Fx)
                                          << 1 << 0;
 }
@@ -312,10 +309,11 @@ void CCompilePipelineTest::CompileToFiles_data()
     QTest::addColumn<QStringList>("Outputs"); // in files/out
     QTest::addColumn<int>("CountedLine");     // 0: none asked for
 
+    QStringList Written;
+    for (const char* pShader : {"FullScreenVS", "BrightPassFS", "CompositeFS"})
+        Written << QStringLiteral("scene_%1").arg(pShader) << QStringLiteral("scene_%1.prof").arg(pShader);
     QTest::newRow("effect") << "scene.zfx" << int(DocType_ZFXGLSLES) << uint(CompileOption_Profile) << kEffectSucceeded
-                            << QStringList{"scene_SceneVS", "scene_SceneVS.prof", "scene_FlatFS", "scene_FlatFS.prof",
-                                           "scene_TexturedFS", "scene_TexturedFS.prof"}
-                            << 31;
+                            << Written << LineOf(Effect(), "fragColour = vec4(pow(");
     // Names that look like options, with the built-in command and with one typed by hand.
     QTest::newRow("dash name, built-in") << "-x.frag" << int(DocType_GLSLESFragment)
                                          << uint(CompileOption_Disassembly) << "-x.frag: Compile succeeded.\n"
