@@ -72,8 +72,6 @@ void CCompileCommandLineTest::HostileFileNameStaysOneArgument_data()
     const QString Hostile = QStringLiteral("x\"; rm -rf ~; \".frag");
     QTest::newRow("bare placeholders") << "tool %f% -o %i%/%b%.out" << Hostile
                                        << QStringList{Hostile, "-o", "/src/x\"; rm -rf ~; \".out"};
-    // The form the compile dialog's quoting step makes of the same template.
-    QTest::newRow("dialog quoting") << "\"tool\" %\"f%\" -o \"out\"" << Hostile << QStringList{Hostile, "-o", "out"};
     QTest::newRow("placeholder text in the name")
         << "tool %f% %b%" << QStringLiteral("%b%.frag") << QStringList{"%b%.frag", "%b%"};
 }
