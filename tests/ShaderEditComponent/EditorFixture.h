@@ -3,6 +3,7 @@
 #include "ShaderEditComponent/compile/model/MetaTypes.h"
 #include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/CShaderEditor.h"
+#include "ShaderEditComponent/CShaderEditPanel.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
 #include "ShaderEditComponent/IShaderEditorDelegate.h"
 #include "tests/support/TestFiles.h"
@@ -59,8 +60,8 @@ private:
     }
 };
 
-// An editor with that delegate over a fresh temporary folder per case; the highlight
-// controller lives as long as the suite.
+// An editor with that delegate over a fresh temporary folder per case (Reset), and panels
+// of their own; the highlight controller lives as long as the suite.
 struct SEditorFixture
 {
     SEditorFixture()
@@ -80,6 +81,17 @@ struct SEditorFixture
         auto pNew = std::make_unique<CShaderEditor>(pHighlight.get());
         pNew->SetDelegate(&Delegate);
         return pNew;
+    }
+    // A shown panel of its own, outside the editor's tabs.
+    std::unique_ptr<CShaderEditPanel> NewPanel(EShaderDocType eType, const QString& FileName = QString(),
+                                               const QString* pText = nullptr) const
+    {
+        const QByteArray Name = FileName.toUtf8();
+        auto pPanel =
+            std::make_unique<CShaderEditPanel>(nullptr, CZamTString(Name.constData()), pText, eType, pHighlight.get());
+        pPanel->resize(600, 400);
+        pPanel->show();
+        return pPanel;
     }
     QString Write(const QString& Name, const QByteArray& Bytes) const
     {

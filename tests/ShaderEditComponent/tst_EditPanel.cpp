@@ -1,8 +1,6 @@
+#include "EditorFixture.h"
 #include "EditTestSupport.h"
 #include "ShaderEditComponent/CLineNumberArea.h"
-#include "ShaderEditComponent/compile/model/MetaTypes.h"
-#include "ShaderEditComponent/CShaderEditPanel.h"
-#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlighter.h"
 #include "tests/support/CompileTestSupport.h"
 
@@ -11,158 +9,8 @@
 #include <QtTest>
 
 #include <cmath>
-#include <memory>
 
 using namespace EditTestSupport;
-
-class CEditPanelTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void initTestCase();
-
-    void GuttersWidenButNeverNarrow();
-    void CountsShowWhileTheyCanBeReplaced();
-    void CountsStayOnTheirLinesAndShowWhatMoved();
-    void MessagesMarkTheirLines();
-
-    void Keys_data();
-    void Keys();
-    void TabOverSeveralLinesAsksForIndentation();
-    void OnlyATypedReturnCopiesIndentation();
-
-    void BackgroundCompileRequests();
-    void DocumentTypeDetectionAndChange();
-    void EffectBlocksGetTheirBackground();
-
-private:
-    std::unique_ptr<CShaderEditPanel> MakePanel(EShaderDocType eType, const QString& FileName = QString(),
-                                                const QString* pText = nullptr);
-    static void ApplyEditorSettings(CShaderEditPanel* pPanel, bool bTabAsSpace, int iTabSize);
-
-    std::unique_ptr<CShaderHighlightController> m_pHighlight;
-};
-
-std::unique_ptr<CShaderEditPanel> CEditPanelTest::MakePanel(EShaderDocType eType, const QString& FileName,
-                                                            const QString* pText)
-{
-    const QByteArray Name = FileName.toUtf8();
-    auto pPanel =
-        std::make_unique<CShaderEditPanel>(nullptr, CZamTString(Name.constData()), pText, eType, m_pHighlight.get());
-    pPanel->resize(600, 400);
-    pPanel->show();
-    return pPanel;
-}
-
-void CEditPanelTest::ApplyEditorSettings(CShaderEditPanel* pPanel, bool bTabAsSpace, int iTabSize)
-{
-    Settings::SEditor Editor;
-    Editor.bTreatTabAsSpace = bTabAsSpace;
-    Editor.iTabSpaceSize = iTabSize;
-    pPanel->OnEditorSettingsChanged(Editor);
-}
-
-void CEditPanelTest::initTestCase()
-{
-    RegisterCompileMetaTypes();
-    m_pHighlight = std::make_unique<CShaderHighlightController>();
-}
-
-// Each compile result and each deleted line used to resize the gutters, moving every line of
-// text left or right under the user's hands: they widen with the digits and never narrow.
-void CEditPanelTest::GuttersWidenButNeverNarrow()
-{
-    auto pPanel = MakePanel(DocType_GLSLESVertex, QStringLiteral("/tmp/steady.vsh"));
-    pPanel->setPlainText(QStringLiteral("a\nb\nc"));
-    const float fNine = static_cast<float>(pPanel->fontMetrics().horizontalAdvance(QLatin1Char('9')));
-    const auto Width = [fNine](float fChars) { return static_cast<int>(std::ceil(fNine * fChars)); };
-    const auto Gutters = pPanel->findChildren<CLineNumberArea*>();
-    QCOMPARE(Gutters.size(), 2);
-    QCOMPARE(pPanel->LineNumberAreaWidth(), Width(2.3f));
-    QCOMPARE(pPanel->CycleCountAreaWidth(), Width(2.5f));
-
-    // Only the panel's own counts, and none for the first line or past the last one, widen it.
-    CZamTArray<int> Counts;
-    for (const int iCount : {99999, -1, 1234, 7777777})
-        Counts.Append(iCount);
-    pPanel->OnCompileCycleCountChanged(CZamTHash("/tmp/other.vsh"), Counts);
-    QCOMPARE(pPanel->GetCycleCounts().GetSize(), 0u);
-    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), Counts);
-    QCOMPARE(pPanel->GetCycleCounts().GetSize(), 4u);
-    QCOMPARE(pPanel->CycleCountAreaWidth(), Width(5.5f));
-    QCOMPARE(Gutters.at(1)->width(), Width(5.5f));
-
-    // One digit more than the largest line number needs.
-    for (const auto& [iLines, fChars] :
-         {qMakePair(9, 2.3f), qMakePair(10, 3.3f), qMakePair(99, 3.3f), qMakePair(100, 4.3f), qMakePair(121, 4.3f)})
-    {
-        pPanel->setPlainText(QStringLiteral("line\n").repeated(iLines - 1) + QStringLiteral("line"));
-        QVERIFY2(pPanel->LineNumberAreaWidth() == Width(fChars), qPrintable(QString::number(iLines)));
-    }
-    QTRY_COMPARE(pPanel->viewport()->x(), pPanel->contentsRect().left() + Width(4.3f) + Width(5.5f));
-    QCOMPARE(Gutters.at(0)->width(), Width(4.3f));
-    const int iTextLeft = pPanel->viewport()->x();
-
-    // Smaller counts, counts gone, lines deleted: the text stays where it is.
-    const auto SetCounts = [&](int iCount)
-    {
-        CZamTArray<int> Array;
-        Array.Append(-1);
-        Array.Append(iCount);
-        pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), Array);
-    };
-    SetCounts(7);
-    QCOMPARE(pPanel->CycleCountAreaWidth(), Width(5.5f));
-    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), CZamTArray<int>());
-    QTextCursor Cursor(pPanel->document());
-    Cursor.movePosition(QTextCursor::End);
-    Cursor.movePosition(QTextCursor::Up, QTextCursor::KeepAnchor, 115);
-    Cursor.removeSelectedText();
-    QCOMPARE(pPanel->blockCount(), 6);
-    QCOMPARE(pPanel->LineNumberAreaWidth(), Width(4.3f));
-    QCoreApplication::processEvents(); // the gutters are brought up to date once per batch of edits
-    QCOMPARE(pPanel->viewport()->x(), iTextLeft);
-
-    SetCounts(123456);
-    QCOMPARE(pPanel->CycleCountAreaWidth(), Width(7.5f));
-    pPanel->setPlainText(QStringLiteral("line\n").repeated(1200));
-    QCOMPARE(pPanel->LineNumberAreaWidth(), Width(5.3f));
-}
-
-// The first line's count is never drawn, and a type that is not compiled drops its counts:
-// nothing would ever replace them.
-void CEditPanelTest::CountsShowWhileTheyCanBeReplaced()
-{
-    auto pPanel = MakePanel(DocType_GLSLESFragment, QStringLiteral("/tmp/typed.fsh"));
-    pPanel->setPlainText(QStringLiteral("a\nb"));
-    CLineNumberArea* pGutter = pPanel->findChildren<CLineNumberArea*>().at(1);
-    const auto HasInk = [pGutter]()
-    {
-        const QImage Image = pGutter->grab().toImage();
-        for (int y = 0; y < Image.height(); ++y)
-            for (int x = 0; x < Image.width(); ++x)
-                if (qGray(Image.pixel(x, y)) < 64)
-                    return true;
-        return false;
-    };
-    QCOMPARE(pGutter->grab().toImage().pixelColor(1, 1), QColor(191, 215, 215));
-    CZamTArray<int> Counts;
-    Counts.Append(88);
-    Counts.Append(-1);
-    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), Counts);
-    QVERIFY(!HasInk());
-    Counts[1] = 88;
-    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), Counts);
-    QVERIFY(HasInk());
-
-    // Another compiled type is compiled again at once; its new counts will replace these.
-    pPanel->SetDocumentType(DocType_GLSLESVertex);
-    QCOMPARE(pPanel->GetCycleCounts().GetSize(), 2u);
-    pPanel->SetDocumentType(DocType_PlainText);
-    QCOMPARE(pPanel->GetCycleCounts().GetSize(), 0u);
-    QVERIFY(!HasInk());
-}
 
 namespace
 {
@@ -205,9 +53,124 @@ QList<QPair<int, QColor>> Underlines(const CShaderEditPanel* pPanel)
 }
 } // namespace
 
+class CEditPanelTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void GuttersWidenButNeverNarrow();
+    void CountsShowWhileTheyCanBeReplaced();
+    void CountsStayOnTheirLinesAndShowWhatMoved();
+    void MessagesMarkTheirLines();
+
+    void Keys_data();
+    void Keys();
+    void TabOverSeveralLinesAsksForIndentation();
+    void OnlyATypedReturnCopiesIndentation();
+
+    void BackgroundCompileRequests();
+    void DocumentTypeDetectionAndChange();
+    void EffectBlocksGetTheirBackground();
+
+private:
+    static void ApplyEditorSettings(CShaderEditPanel* pPanel, bool bTabAsSpace, int iTabSize);
+
+    SEditorFixture m_F;
+};
+
+void CEditPanelTest::ApplyEditorSettings(CShaderEditPanel* pPanel, bool bTabAsSpace, int iTabSize)
+{
+    Settings::SEditor Editor;
+    Editor.bTreatTabAsSpace = bTabAsSpace;
+    Editor.iTabSpaceSize = iTabSize;
+    pPanel->OnEditorSettingsChanged(Editor);
+}
+
+// Each compile result and each deleted line used to resize the gutters, moving every line of
+// text left or right under the user's hands: they widen with the digits and never narrow.
+void CEditPanelTest::GuttersWidenButNeverNarrow()
+{
+    auto pPanel = m_F.NewPanel(DocType_GLSLESVertex, QStringLiteral("/tmp/steady.vsh"));
+    pPanel->setPlainText(QStringLiteral("a\nb\nc"));
+    const float fNine = static_cast<float>(pPanel->fontMetrics().horizontalAdvance(QLatin1Char('9')));
+    const auto Width = [fNine](float fChars) { return static_cast<int>(std::ceil(fNine * fChars)); };
+    const auto Gutters = pPanel->findChildren<CLineNumberArea*>();
+    QCOMPARE(Gutters.size(), 2);
+    QCOMPARE(pPanel->LineNumberAreaWidth(), Width(2.3f));
+    QCOMPARE(pPanel->CycleCountAreaWidth(), Width(2.5f));
+
+    // Only the panel's own counts, and none for the first line or past the last one, widen it.
+    const CZamTArray<int> Counts = CountsOf({99999, -1, 1234, 7777777});
+    pPanel->OnCompileCycleCountChanged(CZamTHash("/tmp/other.vsh"), Counts);
+    QCOMPARE(pPanel->GetCycleCounts().GetSize(), 0u);
+    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), Counts);
+    QCOMPARE(pPanel->GetCycleCounts().GetSize(), 4u);
+    QCOMPARE(pPanel->CycleCountAreaWidth(), Width(5.5f));
+    QCOMPARE(Gutters.at(1)->width(), Width(5.5f));
+
+    // One digit more than the largest line number needs.
+    for (const auto& [iLines, fChars] :
+         {qMakePair(9, 2.3f), qMakePair(10, 3.3f), qMakePair(99, 3.3f), qMakePair(100, 4.3f), qMakePair(121, 4.3f)})
+    {
+        pPanel->setPlainText(QStringLiteral("line\n").repeated(iLines - 1) + QStringLiteral("line"));
+        QVERIFY2(pPanel->LineNumberAreaWidth() == Width(fChars), qPrintable(QString::number(iLines)));
+    }
+    QTRY_COMPARE(pPanel->viewport()->x(), pPanel->contentsRect().left() + Width(4.3f) + Width(5.5f));
+    QCOMPARE(Gutters.at(0)->width(), Width(4.3f));
+    const int iTextLeft = pPanel->viewport()->x();
+
+    // Smaller counts, counts gone, lines deleted: the text stays where it is.
+    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), CountsOf({-1, 7}));
+    QCOMPARE(pPanel->CycleCountAreaWidth(), Width(5.5f));
+    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), CZamTArray<int>());
+    QTextCursor Cursor(pPanel->document());
+    Cursor.movePosition(QTextCursor::End);
+    Cursor.movePosition(QTextCursor::Up, QTextCursor::KeepAnchor, 115);
+    Cursor.removeSelectedText();
+    QCOMPARE(pPanel->blockCount(), 6);
+    QCOMPARE(pPanel->LineNumberAreaWidth(), Width(4.3f));
+    QCoreApplication::processEvents(); // the gutters are brought up to date once per batch of edits
+    QCOMPARE(pPanel->viewport()->x(), iTextLeft);
+
+    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), CountsOf({-1, 123456}));
+    QCOMPARE(pPanel->CycleCountAreaWidth(), Width(7.5f));
+    pPanel->setPlainText(QStringLiteral("line\n").repeated(1200));
+    QCOMPARE(pPanel->LineNumberAreaWidth(), Width(5.3f));
+}
+
+// The first line's count is never drawn, and a type that is not compiled drops its counts:
+// nothing would ever replace them.
+void CEditPanelTest::CountsShowWhileTheyCanBeReplaced()
+{
+    auto pPanel = m_F.NewPanel(DocType_GLSLESFragment, QStringLiteral("/tmp/typed.fsh"));
+    pPanel->setPlainText(QStringLiteral("a\nb"));
+    CLineNumberArea* pGutter = pPanel->findChildren<CLineNumberArea*>().at(1);
+    const auto HasInk = [pGutter]()
+    {
+        const QImage Image = pGutter->grab().toImage();
+        for (int y = 0; y < Image.height(); ++y)
+            for (int x = 0; x < Image.width(); ++x)
+                if (qGray(Image.pixel(x, y)) < 64)
+                    return true;
+        return false;
+    };
+    QCOMPARE(pGutter->grab().toImage().pixelColor(1, 1), QColor(191, 215, 215));
+    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), CountsOf({88, -1}));
+    QVERIFY(!HasInk());
+    pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), CountsOf({88, 88}));
+    QVERIFY(HasInk());
+
+    // Another compiled type is compiled again at once; its new counts will replace these.
+    pPanel->SetDocumentType(DocType_GLSLESVertex);
+    QCOMPARE(pPanel->GetCycleCounts().GetSize(), 2u);
+    pPanel->SetDocumentType(DocType_PlainText);
+    QCOMPARE(pPanel->GetCycleCounts().GetSize(), 0u);
+    QVERIFY(!HasInk());
+}
+
 void CEditPanelTest::CountsStayOnTheirLinesAndShowWhatMoved()
 {
-    auto pPanel = MakePanel(DocType_GLSLESFragment, QStringLiteral("/tmp/moves.fsh"));
+    auto pPanel = m_F.NewPanel(DocType_GLSLESFragment, QStringLiteral("/tmp/moves.fsh"));
     pPanel->setPlainText(QStringLiteral("l1\nl2\nl3\nl4\nl5"));
     pPanel->OnCompileCycleCountChanged(pPanel->GetPanelID(), CountsOf({-1, 2, 3, 4, 5}));
     // The first counts replace nothing, so nothing has moved.
@@ -254,7 +217,7 @@ void CEditPanelTest::CountsStayOnTheirLinesAndShowWhatMoved()
 
 void CEditPanelTest::MessagesMarkTheirLines()
 {
-    auto pPanel = MakePanel(DocType_GLSLESFragment, QStringLiteral("/tmp/marks.fsh"));
+    auto pPanel = m_F.NewPanel(DocType_GLSLESFragment, QStringLiteral("/tmp/marks.fsh"));
     pPanel->setPlainText(QStringLiteral("void main()\n{\n    x = 1;\n\n    y = 2;  \n}"));
     Settings::SCompiler Compiler;
     Compiler.ErrorFormat = Settings::MakeForegroundFormat(0xFFCC0000);
@@ -359,7 +322,7 @@ void CEditPanelTest::Keys()
     QFETCH(int, TabSize);
     QFETCH(QString, After);
 
-    auto pPanel = MakePanel(DocType_PlainText);
+    auto pPanel = m_F.NewPanel(DocType_PlainText);
     ApplyEditorSettings(pPanel.get(), TabAsSpace, TabSize);
     SetMarkedText(pPanel.get(), Before);
     QTest::keyClick(pPanel.get(), static_cast<Qt::Key>(Key), static_cast<Qt::KeyboardModifiers>(Modifiers));
@@ -368,7 +331,7 @@ void CEditPanelTest::Keys()
 
 void CEditPanelTest::TabOverSeveralLinesAsksForIndentation()
 {
-    auto pPanel = MakePanel(DocType_PlainText);
+    auto pPanel = m_F.NewPanel(DocType_PlainText);
     ApplyEditorSettings(pPanel.get(), true, 4);
     QSignalSpy Outdent(pPanel.get(), &CShaderEditPanel::OutdentSelection);
 
@@ -386,7 +349,7 @@ void CEditPanelTest::TabOverSeveralLinesAsksForIndentation()
 // the indentation there would double the blanks and lose the redo.
 void CEditPanelTest::OnlyATypedReturnCopiesIndentation()
 {
-    auto pPanel = MakePanel(DocType_PlainText);
+    auto pPanel = m_F.NewPanel(DocType_PlainText);
     SetMarkedText(pPanel.get(), QStringLiteral("\tfoo|"));
     pPanel->insertPlainText(QStringLiteral("x\ny"));
     QCOMPARE(MarkedText(pPanel.get()), QStringLiteral("\tfoox\ny|"));
@@ -404,7 +367,7 @@ void CEditPanelTest::OnlyATypedReturnCopiesIndentation()
 
 void CEditPanelTest::BackgroundCompileRequests()
 {
-    auto pPanel = MakePanel(DocType_GLSLESFragment, QStringLiteral("/tmp/x.fsh"));
+    auto pPanel = m_F.NewPanel(DocType_GLSLESFragment, QStringLiteral("/tmp/x.fsh"));
     pPanel->setPlainText(QStringLiteral("void main() {}"));
     QSignalSpy Cancel(pPanel.get(), &CShaderEditPanel::CancelCompile);
     QSignalSpy Recompile(pPanel.get(), &CShaderEditPanel::RecompileContents);
@@ -449,13 +412,14 @@ void CEditPanelTest::DocumentTypeDetectionAndChange()
 {
     const QString Vertex = QStringLiteral("precision highp float;\nvoid main() { gl_Position = vec4(0.0); }\n");
     // The HLSL extensions win over the text.
-    QCOMPARE(MakePanel(DocType_Detect, QStringLiteral("/tmp/a.vs"), &Vertex)->GetDocumentType(), DocType_HLSLVertex);
-    QCOMPARE(MakePanel(DocType_Detect, QStringLiteral("/tmp/a.txt"), &Vertex)->GetDocumentType(), DocType_GLSLESVertex);
+    QCOMPARE(m_F.NewPanel(DocType_Detect, QStringLiteral("/tmp/a.vs"), &Vertex)->GetDocumentType(), DocType_HLSLVertex);
+    QCOMPARE(m_F.NewPanel(DocType_Detect, QStringLiteral("/tmp/a.txt"), &Vertex)->GetDocumentType(),
+             DocType_GLSLESVertex);
     // An explicit type is kept whatever the text says.
-    QCOMPARE(MakePanel(DocType_GLSLFragment, QStringLiteral("/tmp/a.txt"), &Vertex)->GetDocumentType(),
+    QCOMPARE(m_F.NewPanel(DocType_GLSLFragment, QStringLiteral("/tmp/a.txt"), &Vertex)->GetDocumentType(),
              DocType_GLSLFragment);
 
-    auto pPanel = MakePanel(DocType_PlainText, QStringLiteral("/tmp/b.vs"));
+    auto pPanel = m_F.NewPanel(DocType_PlainText, QStringLiteral("/tmp/b.vs"));
     pPanel->SetContents(Vertex, true); // detected without the extension
     QCOMPARE(pPanel->GetDocumentType(), DocType_GLSLESVertex);
     QVERIFY(!pPanel->IsModified());
@@ -472,7 +436,7 @@ void CEditPanelTest::EffectBlocksGetTheirBackground()
         const QRect Line = pPanel->cursorRect(QTextCursor(Block));
         return pPanel->viewport()->grab().toImage().pixelColor(pPanel->viewport()->width() - 20, Line.center().y());
     };
-    auto pEffect = MakePanel(DocType_ZFXGLSLES);
+    auto pEffect = m_F.NewPanel(DocType_ZFXGLSLES);
     pEffect->setPlainText(Effect);
     const auto* pData = dynamic_cast<const CTextBlockZFXData*>(pEffect->document()->firstBlock().userData());
     QVERIFY(pData);

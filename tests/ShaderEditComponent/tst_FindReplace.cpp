@@ -1,10 +1,6 @@
+#include "EditorFixture.h"
 #include "EditTestSupport.h"
 #include "ShaderEditComponent/CFindReplace.h"
-#include "ShaderEditComponent/compile/model/MetaTypes.h"
-#include "ShaderEditComponent/CShaderEditor.h"
-#include "ShaderEditComponent/CShaderEditPanel.h"
-#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
-#include "ShaderEditComponent/IFindReplaceDelagte.h"
 #include "ShaderEditComponent/TextSearch_p.h"
 
 #include <QCheckBox>
@@ -22,20 +18,6 @@ using namespace EditTestSupport;
 
 namespace
 {
-// The editor side of the bar over a bare text edit, recording the highlights it is given.
-class CFakeFindDelegate : public IFindReplaceDelagte
-{
-public:
-    void ShowFindResults(const QList<QTextEdit::ExtraSelection>& lSelections) override { Highlights = lSelections; }
-    void ClearFindResults() override { Highlights.clear(); }
-    QPlainTextEdit* GetTextEdit() override { return &Edit; }
-    QTextCharFormat GetFindResultFormat() const override { return QTextCharFormat(); }
-    QString GetSelectedText() const override { return Edit.textCursor().selectedText(); }
-
-    QPlainTextEdit Edit;
-    QList<QTextEdit::ExtraSelection> Highlights;
-};
-
 // vec4 three times, VEC3, vec3, and my_vec4, where the underscore is no part of a word for
 // the document's own whole-word search.
 const char* const s_Shader = "uniform vec4 a;\nvec4 b = vec4(1.0);\nVEC3 c; vec3 d;\nmy_vec4 e;\n";
@@ -53,7 +35,7 @@ private slots:
     void CountsWhatFindNextStepsThrough();
     void ReplacesAll();
 
-    // The bar over a text edit
+    // The bar over the editor's current tab
     void QuickFindCountsAndHighlights();
     void StepsAndWrapsOnce();
     void ReplaceReplacesAnySelection();
@@ -68,23 +50,27 @@ private:
     template <typename T> T* Child(const char* pName) const { return m_pBar->findChild<T*>(QLatin1String(pName)); }
     QString MatchesLabel() const { return Child<QLabel>("NumMatchesLabel")->text(); }
     void Click(const char* pCheckBox) { Child<QCheckBox>(pCheckBox)->click(); }
+    CShaderEditPanel* Edit() const { return m_F.pEditor->GetCurrentPanel(); }
+    QList<QTextEdit::ExtraSelection> Highlights() const
+    {
+        return Edit()->GetHighlightSelections(CShaderEditPanel::Highlight_FindResults);
+    }
 
-    CFakeFindDelegate* m_pDelegate = nullptr;
+    SEditorFixture m_F;
     CFindReplace* m_pBar = nullptr;
 };
 
 void CFindReplaceTest::init()
 {
-    RegisterCompileMetaTypes();
-    m_pDelegate = new CFakeFindDelegate;
+    m_F.Reset();
+    m_F.pEditor->OnNewFile(DocType_PlainText);
     m_pBar = new CFindReplace;
-    m_pBar->SetDelegate(m_pDelegate);
+    m_pBar->SetDelegate(m_F.pEditor.get());
 }
 
 void CFindReplaceTest::cleanup()
 {
     delete m_pBar;
-    delete m_pDelegate;
 }
 
 void CFindReplaceTest::CountsWhatFindNextStepsThrough()
@@ -167,20 +153,20 @@ void CFindReplaceTest::ReplacesAll()
 void CFindReplaceTest::QuickFindCountsAndHighlights()
 {
     QVERIFY(m_pBar->isHidden());
-    m_pDelegate->Edit.setPlainText(QStringLiteral("vec4 a; vec4 b;\nvec3 c; vec4 d;"));
+    Edit()->setPlainText(QStringLiteral("vec4 a; vec4 b;\nvec3 c; vec4 d;"));
     m_pBar->ShowFind();
     QLineEdit* pFind = Child<QLineEdit>("FindTextbox");
     QTest::keyClicks(pFind, QStringLiteral("vec"));
     QCOMPARE(MatchesLabel(), QStringLiteral("Matches: 4"));
-    QCOMPARE(m_pDelegate->Highlights.size(), 4);
-    QCOMPARE(m_pDelegate->Highlights.last().cursor.selectionStart(), 24);
-    QCOMPARE(m_pDelegate->Edit.textCursor().position(), 0); // quick find only looks
+    QCOMPARE(Highlights().size(), 4);
+    QCOMPARE(Highlights().last().cursor.selectionStart(), 24);
+    QCOMPARE(Edit()->textCursor().position(), 0); // quick find only looks
 
     // With no match the earlier highlights stay.
     Click("CheckAdvanced");
     Click("MatchWord");
     QCOMPARE(MatchesLabel(), QStringLiteral("Matches: 0"));
-    QCOMPARE(m_pDelegate->Highlights.size(), 4);
+    QCOMPARE(Highlights().size(), 4);
     pFind->setText(QStringLiteral("VEC\\d"));
     Child<QComboBox>("MatchMode")->setCurrentIndex(1);
     QCOMPARE(MatchesLabel(), QStringLiteral("Matches: 4"));
@@ -192,7 +178,7 @@ void CFindReplaceTest::QuickFindCountsAndHighlights()
     pFind->setText(QStringLiteral("VEC"));
     QCOMPARE(MatchesLabel(), QStringLiteral("Matches: 4"));
     Child<QToolButton>("FindNext")->click();
-    QCOMPARE(m_pDelegate->Edit.textCursor().selectedText(), QStringLiteral("vec"));
+    QCOMPARE(Edit()->textCursor().selectedText(), QStringLiteral("vec"));
     Click("CheckAdvanced");
     QVERIFY(Child<QCheckBox>("MatchCase")->isChecked());
     QCOMPARE(MatchesLabel(), QStringLiteral("Matches: 0"));
@@ -206,7 +192,7 @@ void CFindReplaceTest::QuickFindCountsAndHighlights()
     // An empty find text is no search: nothing counted, nothing left highlighted.
     pFind->clear();
     QCOMPARE(MatchesLabel(), QString());
-    QVERIFY(m_pDelegate->Highlights.isEmpty());
+    QVERIFY(Highlights().isEmpty());
 }
 
 void CFindReplaceTest::StepsAndWrapsOnce()
@@ -230,19 +216,19 @@ void CFindReplaceTest::StepsAndWrapsOnce()
     QLineEdit* pFind = Child<QLineEdit>("FindTextbox");
     for (const auto& Row : Rows)
     {
-        SetMarkedText(&m_pDelegate->Edit, QString::fromLatin1(Row.pBefore));
+        SetMarkedText(Edit(), QString::fromLatin1(Row.pBefore));
         pFind->setText(QString::fromLatin1(Row.pText));
         if (qstrcmp(Row.pButton, "Return") == 0)
             QTest::keyClick(pFind, Qt::Key_Return);
         else
             Child<QToolButton>(Row.pButton)->click();
-        QVERIFY2(MarkedText(&m_pDelegate->Edit) == QString::fromLatin1(Row.pAfter), Row.pBefore);
+        QVERIFY2(MarkedText(Edit()) == QString::fromLatin1(Row.pAfter), Row.pBefore);
     }
 }
 
 void CFindReplaceTest::ReplaceReplacesAnySelection()
 {
-    SetMarkedText(&m_pDelegate->Edit, QStringLiteral("<foo| vec vec"));
+    SetMarkedText(Edit(), QStringLiteral("<foo| vec vec"));
     m_pBar->ShowReplace();
     QVERIFY(Child<QWidget>("ReplaceWidget")->isVisible());
     Child<QLineEdit>("FindTextbox")->setText(QStringLiteral("vec"));
@@ -250,36 +236,35 @@ void CFindReplaceTest::ReplaceReplacesAnySelection()
 
     // The selection is no match and is replaced all the same; then the next match is selected.
     Child<QPushButton>("Replace")->click();
-    QCOMPARE(MarkedText(&m_pDelegate->Edit), QStringLiteral("ivec <vec| vec"));
+    QCOMPARE(MarkedText(Edit()), QStringLiteral("ivec <vec| vec"));
     QCOMPARE(MatchesLabel(), QStringLiteral("Matches: 3"));
-    SetMarkedText(&m_pDelegate->Edit, QStringLiteral("a|b vec"));
+    SetMarkedText(Edit(), QStringLiteral("a|b vec"));
     Child<QPushButton>("Replace")->click();
-    QCOMPARE(MarkedText(&m_pDelegate->Edit), QStringLiteral("ab <vec|"));
+    QCOMPARE(MarkedText(Edit()), QStringLiteral("ab <vec|"));
 }
 
 void CFindReplaceTest::ReplaceAllIsOneUndoStep()
 {
     const QString Before = QStringLiteral("vec4 a;\nVec4 b; myvec4 c;\nfloat x;\nf|loat y;\nvec4 d;");
-    SetMarkedText(&m_pDelegate->Edit, Before);
+    SetMarkedText(Edit(), Before);
     m_pBar->ShowReplace();
     Click("CheckAdvanced");
     Click("MatchWord");
     Child<QLineEdit>("FindTextbox")->setText(QStringLiteral("vec4"));
     Child<QLineEdit>("ReplaceTextbox")->setText(QStringLiteral("half4"));
     Child<QPushButton>("ReplaceAll")->click();
-    QCOMPARE(m_pDelegate->Edit.toPlainText(),
-             QStringLiteral("half4 a;\nhalf4 b; myvec4 c;\nfloat x;\nfloat y;\nhalf4 d;"));
+    QCOMPARE(Edit()->toPlainText(), QStringLiteral("half4 a;\nhalf4 b; myvec4 c;\nfloat x;\nfloat y;\nhalf4 d;"));
     QCOMPARE(MatchesLabel(), QStringLiteral("Matches: 0"));
 
     // One undo takes the whole replacement back, and the cursor is where the user left it.
-    m_pDelegate->Edit.undo();
-    QCOMPARE(MarkedText(&m_pDelegate->Edit), Before);
-    QVERIFY(!m_pDelegate->Edit.document()->isUndoAvailable());
+    Edit()->undo();
+    QCOMPARE(MarkedText(Edit()), Before);
+    QVERIFY(!Edit()->document()->isUndoAvailable());
 }
 
 void CFindReplaceTest::BrokenExpressionIsHarmless()
 {
-    SetMarkedText(&m_pDelegate->Edit, QStringLiteral("a(b |a(b"));
+    SetMarkedText(Edit(), QStringLiteral("a(b |a(b"));
     m_pBar->ShowReplace();
     Click("CheckAdvanced");
     Child<QComboBox>("MatchMode")->setCurrentIndex(1);
@@ -289,7 +274,7 @@ void CFindReplaceTest::BrokenExpressionIsHarmless()
     QVERIFY(!pFind->toolTip().isEmpty());
     Child<QToolButton>("FindNext")->click();
     Child<QPushButton>("ReplaceAll")->click();
-    QCOMPARE(MarkedText(&m_pDelegate->Edit), QStringLiteral("a(b |a(b"));
+    QCOMPARE(MarkedText(Edit()), QStringLiteral("a(b |a(b"));
     pFind->setText(QStringLiteral("a\\(b"));
     QCOMPARE(MatchesLabel(), QStringLiteral("Matches: 2"));
     QVERIFY(pFind->toolTip().isEmpty());
@@ -297,7 +282,7 @@ void CFindReplaceTest::BrokenExpressionIsHarmless()
 
 void CFindReplaceTest::ShowFindTakesTheSelection()
 {
-    SetMarkedText(&m_pDelegate->Edit, QStringLiteral("float <gl_Position|; gl_Position = p;"));
+    SetMarkedText(Edit(), QStringLiteral("float <gl_Position|; gl_Position = p;"));
     QSignalSpy Shown(m_pBar, &CFindReplace::visibilityChanged);
     m_pBar->ShowFind();
     QCOMPARE(Shown.count(), 1);
@@ -307,7 +292,7 @@ void CFindReplaceTest::ShowFindTakesTheSelection()
 
     // Without a selection, or with one over several lines (which can never match), the
     // previous text stays, selected to be typed over.
-    SetMarkedText(&m_pDelegate->Edit, QStringLiteral("<a\nb| c"));
+    SetMarkedText(Edit(), QStringLiteral("<a\nb| c"));
     m_pBar->ShowFind();
     QCOMPARE(pFind->selectedText(), QStringLiteral("gl_Position"));
     QCOMPARE(Shown.count(), 1);
@@ -341,20 +326,20 @@ void CFindReplaceTest::RowsGrowAndShrinkTheBar()
 void CFindReplaceTest::HidingResetsTheBar()
 {
     QMainWindow Window;
-    Window.setCentralWidget(&m_pDelegate->Edit);
+    Window.setCentralWidget(m_F.pEditor.get());
     auto* pDock = new QDockWidget(&Window);
     Window.addDockWidget(Qt::BottomDockWidgetArea, pDock);
     pDock->setWidget(m_pBar);
     pDock->hide();
     // Both belong to the test, not to the window: taken back before it goes, however this ends.
     const auto Unparent = [](QWidget* pWidget) { pWidget->setParent(nullptr); };
-    const std::unique_ptr<QWidget, decltype(Unparent)> KeepEdit(&m_pDelegate->Edit, Unparent);
+    const std::unique_ptr<QWidget, decltype(Unparent)> KeepEditor(m_F.pEditor.get(), Unparent);
     const std::unique_ptr<QWidget, decltype(Unparent)> KeepBar(m_pBar, Unparent);
     Window.show();
     QApplication::setActiveWindow(&Window);
     QVERIFY(QTest::qWaitForWindowActive(&Window));
 
-    m_pDelegate->Edit.setPlainText(QStringLiteral("vec4 v; vec4 w;"));
+    Edit()->setPlainText(QStringLiteral("vec4 v; vec4 w;"));
     m_pBar->ShowReplace();
     QVERIFY(pDock->isVisible());
     Click("CheckAdvanced");
@@ -369,7 +354,7 @@ void CFindReplaceTest::HidingResetsTheBar()
     QCOMPARE(Visibility.count(), 1);
     QCOMPARE(Visibility.first().first().toBool(), false);
     QCOMPARE(Hidden.count(), 1);
-    QVERIFY(m_pDelegate->Highlights.isEmpty());
+    QVERIFY(Highlights().isEmpty());
     QCOMPARE(MatchesLabel(), QString());
     QCOMPARE(pFind->text(), QString());
     QCOMPARE(Child<QLineEdit>("ReplaceTextbox")->text(), QString());
@@ -387,7 +372,7 @@ void CFindReplaceTest::HidingResetsTheBar()
     QTRY_VERIFY(pFind->hasFocus());
     QTest::keyClick(pFind, Qt::Key_Escape);
     QVERIFY(m_pBar->isHidden());
-    QVERIFY(m_pDelegate->Edit.hasFocus());
+    QVERIFY(Edit()->hasFocus());
     m_pBar->ShowFind();
     QCOMPARE(Child<QComboBox>("ComboMode")->currentIndex(), 0);
     QVERIFY(!Child<QWidget>("ReplaceWidget")->isVisible());
@@ -395,18 +380,17 @@ void CFindReplaceTest::HidingResetsTheBar()
     QVERIFY(m_pBar->isHidden());
 }
 
-// Over the real editor, with a text of 12,000 matches in its second tab.
+// Only the current tab is searched, here with a text of 12,000 matches in the second tab.
 void CFindReplaceTest::WorksOnTheEditorsCurrentPanel()
 {
     QString Text;
     for (int i = 0; i < 2000; ++i)
         Text += QStringLiteral("vec3 a%1 = vec3(1.0) * vec3(b) + vec3(c) - vec3(d);\n").arg(i);
     Text += QStringLiteral("vec3 ").repeated(2000); // and one very long line
-    CShaderHighlightController Highlight;
-    CShaderEditor Editor(&Highlight);
-    m_pBar->SetDelegate(&Editor);
+    CShaderEditor& Editor = *m_F.pEditor;
 
     // Without a tab every command does nothing.
+    QVERIFY(Editor.OnCloseAllTabs());
     m_pBar->ShowReplace();
     Child<QLineEdit>("FindTextbox")->setText(QStringLiteral("vec3"));
     Child<QToolButton>("FindNext")->click();
@@ -424,7 +408,7 @@ void CFindReplaceTest::WorksOnTheEditorsCurrentPanel()
 
     m_pBar->ShowReplace();
     QCOMPARE(MatchesLabel(), QStringLiteral("Matches: 12001"));
-    QCOMPARE(pPanel->GetHighlightSelections(CShaderEditPanel::Highlight_FindResults).size(), 12001);
+    QCOMPARE(Highlights().size(), 12001);
     QVERIFY(Editor.GetPanel(0)->extraSelections().isEmpty());
 
     Child<QToolButton>("FindNext")->click();
@@ -435,7 +419,6 @@ void CFindReplaceTest::WorksOnTheEditorsCurrentPanel()
     QCOMPARE(Editor.GetPanel(0)->toPlainText(), QStringLiteral("vec3 v;"));
     m_pBar->hide();
     QVERIFY(pPanel->extraSelections().isEmpty());
-    m_pBar->SetDelegate(nullptr);
 }
 
 QTEST_MAIN(CFindReplaceTest)

@@ -1,10 +1,7 @@
 // What keeps large documents fast must not change what the user sees or the compiler gets.
 
-#include "ShaderEditComponent/compile/model/MetaTypes.h"
-#include "ShaderEditComponent/CShaderEditor.h"
-#include "ShaderEditComponent/CShaderEditPanel.h"
+#include "EditorFixture.h"
 #include "ShaderEditComponent/DocumentTextMirror.h"
-#include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlightElements.h"
 
 #include <QPaintEvent>
@@ -15,7 +12,6 @@
 #include <QtTest>
 
 #include <functional>
-#include <memory>
 #include <utility>
 
 namespace
@@ -81,8 +77,6 @@ class CLargeDocumentsTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-
     // The text compile requests and cursor matching work on
     void CompileRequestsCarryTheWholeText();
     void PlainTextSurvivesUnreportedEdits();
@@ -97,21 +91,12 @@ private slots:
 private:
     std::unique_ptr<CShaderEditPanel> MakePanel(const QString& Text);
 
-    std::unique_ptr<CShaderHighlightController> m_pHighlight;
+    SEditorFixture m_F;
 };
-
-void CLargeDocumentsTest::initTestCase()
-{
-    RegisterCompileMetaTypes();
-    m_pHighlight = std::make_unique<CShaderHighlightController>();
-}
 
 std::unique_ptr<CShaderEditPanel> CLargeDocumentsTest::MakePanel(const QString& Text)
 {
-    auto pPanel = std::make_unique<CShaderEditPanel>(nullptr, CZamTString("/tmp/large.fsh"), nullptr,
-                                                     DocType_GLSLESFragment, m_pHighlight.get());
-    pPanel->resize(600, 400);
-    pPanel->show();
+    auto pPanel = m_F.NewPanel(DocType_GLSLESFragment, QStringLiteral("/tmp/large.fsh"));
     pPanel->SetContents(Text, false);
     QTest::qWait(0);
     return pPanel;
@@ -201,7 +186,7 @@ void CLargeDocumentsTest::ChangeRepaintsTheLinesItAffects()
         QVERIFY2(Painted.height() <= 2 * iLine, qPrintable(QString::number(Painted.height())));
     const QList<QTextLayout::FormatRange> Below = pPanel->document()->findBlockByNumber(8).layout()->formats();
     const bool bCommented =
-        !Below.isEmpty() && Below.constFirst().format == m_pHighlight->GetFormat(HighlightElement_GLSLESComment);
+        !Below.isEmpty() && Below.constFirst().format == m_F.pHighlight->GetFormat(HighlightElement_GLSLESComment);
     QCOMPARE(bCommented, Typed == QStringLiteral("/*"));
 }
 
@@ -264,7 +249,7 @@ void CLargeDocumentsTest::CursorMatchesAreTheDocumentSearchsMatches()
 {
     QFETCH(QString, Line);
     QFETCH(QString, Word);
-    CShaderEditor Editor(m_pHighlight.get());
+    CShaderEditor Editor(m_F.pHighlight.get());
     Editor.OnNewFile(DocType_GLSLESFragment);
     CShaderEditPanel* pPanel = Editor.GetCurrentPanel();
     pPanel->SetContents(Lines(2000, Line), false);
