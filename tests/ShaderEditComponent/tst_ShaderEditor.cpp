@@ -430,11 +430,6 @@ void CShaderEditorTest::FollowsTheController()
     QCOMPARE(Cancels.count(), 1);
     QCOMPARE(Requests.at(0).at(0).value<CZamTHash>(), CZamTHash(""));
 
-    Compiler.bAutoCompile = false;
-    Controller.SetCompilerSettings(Compiler, Settings::CompilerSetting_AutoCompile);
-    Type(QStringLiteral("x"));
-    QCOMPARE(Requests.count(), 1);
-
     CZamTArray<int> Counts;
     Counts.Append(-1);
     Counts.Append(12);
