@@ -16,8 +16,7 @@ private slots:
     void init();
     void cleanup();
 
-    void SelectionShowsTheType();
-    void OkEmitsTheCurrentType();
+    void SelectionShowsTheTypeOkEmitsIt();
     void DoubleClickChoosesAndCloses();
 
 private:
@@ -52,8 +51,14 @@ void CNewShaderFileDialogTest::cleanup()
     delete m_pDialog;
 }
 
-void CNewShaderFileDialogTest::SelectionShowsTheType()
+void CNewShaderFileDialogTest::SelectionShowsTheTypeOkEmitsIt()
 {
+    // Opens on the first type that compiles in the background.
+    QCOMPARE(m_pTree->currentItem()->text(0), QStringLiteral("GLSL:ES Vertex Shader"));
+    Button(QDialogButtonBox::Cancel)->click();
+    QCOMPARE(m_pNewFile->count(), 0);
+
+    m_pDialog->show();
     m_pTree->setCurrentItem(Item(QStringLiteral("Zamrix Effect File (GLSL:ES)")));
     QCOMPARE(Label("FileTypeTitle"), QStringLiteral("Zamrix Effect File (GLSL:ES)"));
     QVERIFY(Label("FileTypeDesc").endsWith(QStringLiteral("\n\nBackground compiling is enabled for this type.")));
@@ -67,14 +72,6 @@ void CNewShaderFileDialogTest::SelectionShowsTheType()
     QCOMPARE(Label("FileTypeTitle"), QString());
     QVERIFY(!Button(QDialogButtonBox::Ok)->isEnabled());
     m_pDialog->accept();
-    QCOMPARE(m_pNewFile->count(), 0);
-}
-
-void CNewShaderFileDialogTest::OkEmitsTheCurrentType()
-{
-    // Opens on the first type that compiles in the background.
-    QCOMPARE(m_pTree->currentItem()->text(0), QStringLiteral("GLSL:ES Vertex Shader"));
-    Button(QDialogButtonBox::Cancel)->click();
     QCOMPARE(m_pNewFile->count(), 0);
 
     m_pDialog->show();
