@@ -84,11 +84,6 @@ void CPaletteColoursTest::DarkDefaultsAreReadable()
         // The two gutters and the text area stay apart, as in the light scheme.
         QVERIFY(Gutters.LineNumbers != Gutters.CycleCounts && Gutters.LineNumbers != Base);
     }
-    // The light gutters are the ones the window always had.
-    const SGutterColours Light = GutterColours(QGuiApplication::palette());
-    QCOMPARE(Light.LineNumbers, QColor(Qt::lightGray));
-    QCOMPARE(Light.CycleCounts, QColor(191, 215, 215));
-    QCOMPARE(Light.Text, QColor(Qt::black));
 }
 
 void CPaletteColoursTest::SettingColoursFollowThePalette()
