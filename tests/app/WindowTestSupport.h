@@ -6,6 +6,9 @@
 #include "app/controller/CGUIController.h"
 #include "app/ZamShaderEditorWindow.h"
 #include "Common/ZamPreferences/ZamPreferences.h"
+#include "ShaderEditComponent/compile/model/MetaTypes.h"
+#include "ShaderEditComponent/CShaderEditor.h"
+#include "ShaderEditComponent/CShaderEditPanel.h"
 #include "tests/support/TestFiles.h"
 
 #include <QApplication>
@@ -25,6 +28,19 @@
 namespace WindowTest
 {
 using namespace TestFiles;
+
+// A fragment shader whose lines 8 to 10 each give instructions of their own.
+constexpr const char* s_pFragment = "#version 300 es\n"
+                                    "precision mediump float;\n"
+                                    "in vec2 vUv;\n"
+                                    "uniform sampler2D uImage;\n"
+                                    "out vec4 fragColor;\n"
+                                    "void main()\n"
+                                    "{\n"
+                                    "    vec4 colour = texture(uImage, vUv);\n"
+                                    "    float light = dot(colour.rgb, vec3(0.3, 0.6, 0.1));\n"
+                                    "    fragColor = colour * light;\n"
+                                    "}\n";
 
 inline std::unique_ptr<CGUIController> NewGUIController()
 {
@@ -55,22 +71,36 @@ inline QPlainTextEdit* LogOf(const QWidget& Window)
     return Child<QPlainTextEdit>(Window, "ShaderEditLogOutput");
 }
 
-// What the window tests set up alike: a preference folder made anew for every test, a folder
-// for the test's files, and the process's controller on them. Test classes derive from it.
-class CWindowFixture
+inline QString PanelText(const ZamShaderEditorWindow& Window, int iTab)
 {
-protected:
-    // From initTestCase().
-    bool IsFixtureValid() const { return m_Config.isValid() && m_Files.isValid(); }
-    // From init(): an empty preference file and a new controller on it.
-    void ResetFixture()
+    return Window.GetEditor()->GetPanel(iTab)->toPlainText();
+}
+
+// What the window tests set up alike: a preference folder made anew for every test, a folder
+// for the test's files, and the process's controller on them. Test classes derive from it and
+// add their test functions as private slots.
+class CWindowTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        RegisterCompileMetaTypes();
+        QVERIFY(m_Config.isValid() && m_Files.isValid());
+    }
+    // An empty preference file and a new controller on it.
+    void init()
     {
         qputenv("XDG_CONFIG_HOME", m_Config.path().toUtf8());
+        qputenv("XDG_STATE_HOME", m_Config.filePath(QStringLiteral("state")).toUtf8());
         m_pGUI.reset();
         QDir(m_Config.path()).removeRecursively();
         QDir().mkpath(m_Config.path());
         m_pGUI = NewGUIController();
     }
+
+protected:
     QString NewFile(const QString& Name, const QByteArray& Text)
     {
         const QString Path = m_Files.filePath(Name);

@@ -5,12 +5,10 @@
 
 #include "ShaderEditComponent/CLineNumberArea.h"
 #include "ShaderEditComponent/compile/controller/CShaderEditController.h"
-#include "ShaderEditComponent/compile/model/MetaTypes.h"
-#include "ShaderEditComponent/CShaderEditor.h"
-#include "ShaderEditComponent/CShaderEditPanel.h"
 #include "WindowTestSupport.h"
 
 #include <QComboBox>
+#include <QDockWidget>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QSignalSpy>
@@ -22,19 +20,6 @@ using namespace WindowTest;
 
 namespace
 {
-// Lines 8 to 10 each give instructions of their own.
-const char* const s_pShader = "#version 300 es\n"
-                              "precision mediump float;\n"
-                              "in vec2 vUv;\n"
-                              "uniform sampler2D uImage;\n"
-                              "out vec4 fragColor;\n"
-                              "void main()\n"
-                              "{\n"
-                              "    vec4 colour = texture(uImage, vUv);\n"
-                              "    float light = dot(colour.rgb, vec3(0.3, 0.6, 0.1));\n"
-                              "    fragColor = colour * light;\n"
-                              "}\n";
-
 constexpr int s_iWait = 20000;
 
 // The wavy underlines of the panel's text, as (0-based line, colour name).
@@ -83,33 +68,20 @@ void ReplaceInLine(CShaderEditPanel* pPanel, int iLine, const QString& Old, cons
 }
 } // namespace
 
-class CCompileInsightTest : public QObject, private CWindowFixture
+class CCompileInsightTest : public CWindowTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
     void MessagesAreMarkedInTheText();
     void SourceLinesAndInstructionsFindEachOther();
     void LastGoodResultStaysWhileTheTextDoesNotCompile();
     void EachEditShowsWhatItCost();
 };
 
-void CCompileInsightTest::initTestCase()
-{
-    RegisterCompileMetaTypes();
-    QVERIFY(IsFixtureValid());
-}
-
-void CCompileInsightTest::init()
-{
-    ResetFixture();
-}
-
 void CCompileInsightTest::MessagesAreMarkedInTheText()
 {
-    QByteArray Broken = s_pShader;
+    QByteArray Broken = s_pFragment;
     Broken.replace("precision mediump float;\n", "#extension GL_OES_made_up : warn\nprecision mediump float;\n");
     Broken.replace("vec3(0.3, 0.6, 0.1)", "vec3(0.3, 0.6, undefinedName)");
     auto pWindow = OpenCompiled(NewFile(QStringLiteral("marked.frag"), Broken), s_iWait);
@@ -161,11 +133,15 @@ void CCompileInsightTest::MessagesAreMarkedInTheText()
 
 void CCompileInsightTest::SourceLinesAndInstructionsFindEachOther()
 {
-    auto pWindow = OpenCompiled(NewFile(QStringLiteral("follow.frag"), s_pShader), s_iWait);
+    auto pWindow = OpenCompiled(NewFile(QStringLiteral("follow.frag"), s_pFragment), s_iWait);
     QVERIFY(pWindow);
     CShaderEditPanel* pPanel = pWindow->GetEditor()->GetCurrentPanel();
     auto* pDisassembly = Child<QPlainTextEdit>(*pWindow, "OutputTextEdit");
     QTRY_VERIFY_WITH_TIMEOUT(pDisassembly->toPlainText().contains(QStringLiteral("; index")), s_iWait);
+    // Compiler detection runs off the GUI thread; the disassembly's dock follows its answer.
+    auto* pASMDock = Child<QDockWidget>(*pWindow, "DockWidget_TXEASM");
+    QTRY_VERIFY(pASMDock->isVisible());
+    QVERIFY(pASMDock->toggleViewAction()->isEnabled());
 
     // The cursor on line 9 lights that line's instructions, and the view shows the first.
     PutCursorOnLine(pPanel, 9);
@@ -209,7 +185,7 @@ void CCompileInsightTest::SourceLinesAndInstructionsFindEachOther()
 
 void CCompileInsightTest::LastGoodResultStaysWhileTheTextDoesNotCompile()
 {
-    auto pWindow = OpenCompiled(NewFile(QStringLiteral("stale.frag"), s_pShader), s_iWait);
+    auto pWindow = OpenCompiled(NewFile(QStringLiteral("stale.frag"), s_pFragment), s_iWait);
     QVERIFY(pWindow);
     CShaderEditPanel* pPanel = pWindow->GetEditor()->GetCurrentPanel();
     QPlainTextEdit* pLog = LogOf(*pWindow);
@@ -223,14 +199,10 @@ void CCompileInsightTest::LastGoodResultStaysWhileTheTextDoesNotCompile()
     QTRY_VERIFY_WITH_TIMEOUT(pLog->toPlainText().contains(QStringLiteral("Compile succeeded")), s_iWait);
     const QString Good = pDisassembly->toPlainText();
     const QString Cycles = pCycles->text();
-    const QList<int> Counted = [&]
-    {
-        QList<int> List;
-        for (uint32_t i = 0; i < pPanel->GetCycleCounts().GetSize(); ++i)
-            List.append(pPanel->GetCycleCounts()[i]);
-        return List;
-    }();
-    QVERIFY(!Good.isEmpty() && Cycles != QStringLiteral("-") && Counted.contains(-1) && Counted.size() >= 10);
+    const CZamTArray<int> Counted = pPanel->GetCycleCounts();
+    const int* const pEnd = Counted.GetData() + Counted.GetSize();
+    QVERIFY(!Good.isEmpty() && Cycles != QStringLiteral("-") && Counted.GetSize() >= 10
+            && std::find(Counted.GetData(), pEnd, -1) != pEnd);
     const QColor Normal = pDisassembly->palette().color(QPalette::Text);
 
     // A typo: the log shows the error, the rest the last good result, greyed and dated.
@@ -245,7 +217,7 @@ void CCompileInsightTest::LastGoodResultStaysWhileTheTextDoesNotCompile()
     QVERIFY(!pASMStale->isHidden() && !pProfileStale->isHidden());
     QCOMPARE(pProfileStale->text(), pASMStale->text());
     QVERIFY(pDisassembly->palette().color(QPalette::Text) != Normal);
-    QCOMPARE(pPanel->GetCycleCounts().GetSize(), static_cast<uint32_t>(Counted.size()));
+    QCOMPARE(pPanel->GetCycleCounts().GetSize(), Counted.GetSize());
     QVERIFY(!Underlines(pPanel).isEmpty());
 
     Results.clear();
@@ -264,7 +236,7 @@ void CCompileInsightTest::LastGoodResultStaysWhileTheTextDoesNotCompile()
 
 void CCompileInsightTest::EachEditShowsWhatItCost()
 {
-    auto pWindow = OpenCompiled(NewFile(QStringLiteral("cost.frag"), s_pShader), s_iWait);
+    auto pWindow = OpenCompiled(NewFile(QStringLiteral("cost.frag"), s_pFragment), s_iWait);
     QVERIFY(pWindow);
     CShaderEditPanel* pPanel = pWindow->GetEditor()->GetCurrentPanel();
     QPlainTextEdit* pLog = LogOf(*pWindow);

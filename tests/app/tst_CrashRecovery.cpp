@@ -3,10 +3,7 @@
 // while a running session's lock stays.
 
 #include "ShaderEditComponent/CDocumentBackups.h"
-#include "ShaderEditComponent/compile/model/MetaTypes.h"
 #include "ShaderEditComponent/compile/model/ZamStringConversion.h"
-#include "ShaderEditComponent/CShaderEditor.h"
-#include "ShaderEditComponent/CShaderEditPanel.h"
 #include "WindowTestSupport.h"
 
 #include <QAbstractButton>
@@ -20,11 +17,6 @@ namespace
 const char s_pBefore[] = "precision mediump float;\nvoid main() { gl_FragColor = vec4(1.0); }\n";
 const char s_pOtherProgram[] = "precision mediump float;\nvoid main() { gl_FragColor = vec4(0.25); }\n";
 
-QString TextOf(const ZamShaderEditorWindow& Window, int iTab)
-{
-    return Window.GetEditor()->GetPanel(iTab)->toPlainText();
-}
-
 // The process id each lock file in Folder names (its first line), by file name.
 QHash<QString, qint64> LockOwners(const QString& Folder)
 {
@@ -35,13 +27,11 @@ QHash<QString, qint64> LockOwners(const QString& Folder)
 }
 } // namespace
 
-class CCrashRecoveryTest : public QObject, public CWindowFixture
+class CCrashRecoveryTest : public CWindowTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
     void RestoredTabsNoticeChangesOnDisk();
     void KilledSessionsLoseTheirLocks();
 
@@ -51,18 +41,6 @@ private:
     void StartEditor(QProcess& Process, const QString& Name);
     QString BackupFolder() const { return m_Config.filePath(QStringLiteral("state/Brenmoor Systems/ZamShaderEditor")); }
 };
-
-void CCrashRecoveryTest::initTestCase()
-{
-    RegisterCompileMetaTypes();
-    QVERIFY(IsFixtureValid());
-}
-
-void CCrashRecoveryTest::init()
-{
-    ResetFixture();
-    qputenv("XDG_STATE_HOME", m_Config.filePath(QStringLiteral("state")).toUtf8());
-}
 
 void CCrashRecoveryTest::RestoredTabsNoticeChangesOnDisk()
 {
@@ -93,12 +71,12 @@ void CCrashRecoveryTest::RestoredTabsNoticeChangesOnDisk()
     pWindow->show();
     QVERIFY(QTest::qWaitForWindowExposed(pWindow.get()));
     QCOMPARE(pWindow->GetEditor()->GetTabCount(), 2);
-    QCOMPARE(TextOf(*pWindow, 1), Left.Text);
+    QCOMPARE(PanelText(*pWindow, 1), Left.Text);
     QVERIFY(pWindow->GetEditor()->GetPanel(1)->IsModified());
 
     // The session's unmodified tab reads the file again by itself.
     QVERIFY(WriteAll(FromSession, s_pOtherProgram));
-    QTRY_COMPARE_WITH_TIMEOUT(TextOf(*pWindow, 0), QString::fromLatin1(s_pOtherProgram), 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(PanelText(*pWindow, 0), QString::fromLatin1(s_pOtherProgram), 10000);
 
     // The restored tab holds typed text, so the user is asked; reading again takes the file.
     auto pAsked = std::make_shared<QString>();
@@ -114,7 +92,7 @@ void CCrashRecoveryTest::RestoredTabsNoticeChangesOnDisk()
     QVERIFY(WriteAll(FromBackup, s_pOtherProgram));
     QTRY_VERIFY_WITH_TIMEOUT(*pAnswered, 10000);
     QCOMPARE(*pAsked, QDir::toNativeSeparators(FromBackup));
-    QTRY_COMPARE(TextOf(*pWindow, 1), QString::fromLatin1(s_pOtherProgram));
+    QTRY_COMPARE(PanelText(*pWindow, 1), QString::fromLatin1(s_pOtherProgram));
     QVERIFY(!pWindow->GetEditor()->GetPanel(1)->IsModified());
     QCOMPARE(ReadAll(FromBackup), QByteArray(s_pOtherProgram));
 }

@@ -7,11 +7,8 @@
 #include "ShaderEditComponent/compile/controller/CAllCoresCompile.h"
 #include "ShaderEditComponent/compile/controller/CShaderEditController.h"
 #include "ShaderEditComponent/compile/model/CompileOptions.h"
-#include "ShaderEditComponent/compile/model/MetaTypes.h"
 #include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/CShaderEditAllCoresOutput.h"
-#include "ShaderEditComponent/CShaderEditor.h"
-#include "ShaderEditComponent/CShaderEditPanel.h"
 #include "WindowTestSupport.h"
 
 #include <QAction>
@@ -118,30 +115,15 @@ int CyclesByHand(const QString& Executable, const QString& Path)
 }
 } // namespace
 
-class CIncludesAndCoresTest : public QObject, private CWindowFixture
+class CIncludesAndCoresTest : public CWindowTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
     void IncludedHeadersCompileAndOpenAtTheirLines();
     void OpenCLHeadersCountOnTheirIncludeLine();
     void AllCoresShowsEveryCoreAndFollowsEdits();
-
-private:
 };
-
-void CIncludesAndCoresTest::initTestCase()
-{
-    RegisterCompileMetaTypes();
-    QVERIFY(IsFixtureValid());
-}
-
-void CIncludesAndCoresTest::init()
-{
-    ResetFixture();
-}
 
 void CIncludesAndCoresTest::IncludedHeadersCompileAndOpenAtTheirLines()
 {

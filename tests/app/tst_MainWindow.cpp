@@ -1,13 +1,10 @@
 // The real main window, offscreen, on a private preference file and real files: its
-// actions, command state, session, drag and drop, recent files, and the output docks fed
-// by the bundled compiler.
+// actions, command state, session and layout, drag and drop, recent files, and compilers held
+// back until the first picture.
 
 #include "app/controller/CRecentFiles.h"
 #include "ShaderEditComponent/compile/controller/CShaderEditController.h"
-#include "ShaderEditComponent/compile/model/MetaTypes.h"
 #include "ShaderEditComponent/compile/model/ZamStringConversion.h"
-#include "ShaderEditComponent/CShaderEditor.h"
-#include "ShaderEditComponent/CShaderEditPanel.h"
 #include "WindowTestSupport.h"
 
 #include <QAbstractButton>
@@ -17,25 +14,12 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMimeData>
-#include <QPlainTextEdit>
-#include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QtTest>
 
 using namespace WindowTest;
 
 namespace
 {
-const char* const s_pFragment = "#version 300 es\n"
-                                "precision mediump float;\n"
-                                "in vec2 vUv;\n"
-                                "uniform sampler2D uImage;\n"
-                                "out vec4 fragColor;\n"
-                                "void main()\n"
-                                "{\n"
-                                "    fragColor = texture(uImage, vUv) * 0.5;\n"
-                                "}\n";
-
 QAction* MenuAction(const QMenu* pMenu, const QString& Text)
 {
     for (QAction* pAction : pMenu->actions())
@@ -44,11 +28,6 @@ QAction* MenuAction(const QMenu* pMenu, const QString& Text)
             return pAction;
     }
     qFatal("no %s", qPrintable(Text));
-}
-
-QString PanelText(const ZamShaderEditorWindow& Window, int iTab)
-{
-    return Window.GetEditor()->GetPanel(iTab)->toPlainText();
 }
 
 QList<QAction*> RecentEntries(const QMenu* pMenu)
@@ -63,13 +42,11 @@ QList<QAction*> RecentEntries(const QMenu* pMenu)
 }
 } // namespace
 
-class CMainWindowTest : public QObject, private CWindowFixture
+class CMainWindowTest : public CWindowTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
     void KeysAndDockNamesAreUnique();
     void ActionsReachTheEditor();
     void CommandsFollowTheEditor();
@@ -77,20 +54,8 @@ private slots:
     void FirstStartShowsAnExample();
     void DragAndDropOpensEachFile();
     void RecentFilesAndAppMessages();
-    void OutputDocksShowRealCompiles();
     void CompilersStartAfterTheFirstPicture();
 };
-
-void CMainWindowTest::initTestCase()
-{
-    RegisterCompileMetaTypes();
-    QVERIFY(IsFixtureValid());
-}
-
-void CMainWindowTest::init()
-{
-    ResetFixture();
-}
 
 void CMainWindowTest::KeysAndDockNamesAreUnique()
 {
@@ -244,7 +209,7 @@ void CMainWindowTest::CommandsFollowTheEditor()
 void CMainWindowTest::SessionAndCloseSequence()
 {
     const QString First = NewFile(QStringLiteral("one.frag"), s_pFragment);
-    const QString Second = NewFile(QStringLiteral("two.vert"), "void main() { gl_Position = vec4(1.0); }\n");
+    const QString Second = NewFile(QStringLiteral("tw\u00f6.vert"), "void main() { gl_Position = vec4(1.0); }\n");
     Settings::SGeneral General = m_pGUI->GetGeneralSettings();
     General.bOpenLastTabs = true;
     m_pGUI->SetGeneralSettings(General, Settings::GeneralSetting_OpenLastTabs);
@@ -254,6 +219,7 @@ void CMainWindowTest::SessionAndCloseSequence()
         pWindow->show();
         QVERIFY(QTest::qWaitForWindowExposed(pWindow.get()));
         pWindow->resize(900, 600);
+        Child<QDockWidget>(*pWindow, "DockWidget_Profile")->hide();
         // The first tab is the modified one, so a cancel at its question closes nothing.
         pWindow->GetEditor()->GetPanel(0)->insertPlainText(QStringLiteral("// edited\n"));
 
@@ -272,8 +238,8 @@ void CMainWindowTest::SessionAndCloseSequence()
         QVERIFY(pWindow->close());
         QVERIFY(*pAnswered);
     }
-    // The next start (a new controller reads the file again) restores both tabs in order and
-    // the window's size.
+    // The next start (a new controller reads the file again) restores both tabs in order, the
+    // window's size and its docks.
     m_pGUI = NewGUIController();
     {
         auto pWindow = NewWindow(*m_pGUI);
@@ -282,6 +248,8 @@ void CMainWindowTest::SessionAndCloseSequence()
         QCOMPARE(ToQString(pWindow->GetEditor()->GetPanel(1)->GetFilename()), Second);
         QCOMPARE(PanelText(*pWindow, 0), QString::fromLatin1(s_pFragment));
         QCOMPARE(pWindow->size(), QSize(900, 600));
+        QVERIFY(Child<QDockWidget>(*pWindow, "DockWidget_Profile")->isHidden());
+        QVERIFY(!Child<QDockWidget>(*pWindow, "DockWidget")->isHidden());
 
         // With the option off, closing stores an empty list.
         General.bOpenLastTabs = false;
@@ -351,44 +319,6 @@ void CMainWindowTest::RecentFilesAndAppMessages()
     RecentEntries(pRecent).first()->trigger();
     QCOMPARE(pWindow->GetEditor()->GetTabCount(), 1);
     QCOMPARE(ToQString(pWindow->GetEditor()->GetPanel(0)->GetFilename()), Second);
-}
-
-void CMainWindowTest::OutputDocksShowRealCompiles()
-{
-    const QString Effect = QDir(SourceDir()).filePath(QStringLiteral("examples/bloom_postprocess.zfx"));
-    QVERIFY2(QFile::exists(Effect), qPrintable(Effect));
-    auto pWindow = NewWindow(*m_pGUI, {Effect});
-    pWindow->show();
-    QVERIFY(QTest::qWaitForWindowExposed(pWindow.get()));
-    // Detection runs off the GUI thread; the dock follows when its answer comes.
-    QTRY_VERIFY_WITH_TIMEOUT(pWindow->GetEditController()->GetCompilerFlags() & 32, 20000);
-    auto* pASMDock = Child<QDockWidget>(*pWindow, "DockWidget_TXEASM");
-    QTRY_VERIFY(pASMDock->isVisible());
-    QVERIFY(pASMDock->toggleViewAction()->isEnabled());
-
-    QPlainTextEdit* pLog = LogOf(*pWindow);
-    QTRY_VERIFY_WITH_TIMEOUT(pLog->toPlainText().contains(QStringLiteral("Compile succeeded")), 20000);
-    auto* pProfileSelector = Child<QComboBox>(*pWindow, "ShaderSelectorComboBox");
-    auto* pASMSelector = Child<QComboBox>(*pWindow, "ShaderSelectCombo");
-    QTRY_COMPARE(pProfileSelector->count(), 3);
-    QCOMPARE(pASMSelector->count(), 3);
-    auto* pCycles = Child<QLabel>(*pWindow, "EmulatedCycles");
-    QVERIFY(pCycles->text().toDouble() > 0.0);
-    auto* pASMText = Child<QPlainTextEdit>(*pWindow, "OutputTextEdit");
-    const QString FirstShader = pASMText->toPlainText();
-    pASMSelector->setCurrentIndex(1);
-    QVERIFY(!pASMText->toPlainText().isEmpty());
-    QVERIFY(pASMText->toPlainText() != FirstShader);
-
-    // The gutter of the effect's panel got its per-line counts.
-    QSignalSpy Counts(pWindow->GetEditController(), &CShaderEditController::CompileCycleCountChanged);
-    pWindow->GetEditor()->GetCurrentPanel()->insertPlainText(QStringLiteral("\n"));
-    QVERIFY(Counts.wait(20000));
-    bool bSomeLineCounted = false;
-    const CZamTArray<int> Lines = Counts.last().at(1).value<CZamTArray<int>>();
-    for (uint32_t i = 0; i < Lines.GetSize(); ++i)
-        bSomeLineCounted = bSomeLineCounted || Lines[i] > 0;
-    QVERIFY(bSomeLineCounted);
 }
 
 void CMainWindowTest::CompilersStartAfterTheFirstPicture()

@@ -9,8 +9,6 @@
 #include "ShaderEditComponent/compile/model/ZamStringConversion.h"
 #include "ShaderEditComponent/highlighting/ShaderHighlightController.h"
 
-#include <QDockWidget>
-#include <QMainWindow>
 #include <QMenu>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -42,14 +40,6 @@ QList<QAction*> MenuEntries(const QMenu& Menu)
     return Entries;
 }
 
-QDockWidget* AddDock(QMainWindow& Window)
-{
-    auto* pDock = new QDockWidget(QStringLiteral("Dock"), &Window);
-    pDock->setObjectName(QStringLiteral("Dock"));
-    Window.addDockWidget(Qt::LeftDockWidgetArea, pDock);
-    return pDock;
-}
-
 SShaderEditControllerOptions EditOptions(CGUIController& GUI, const QString& SearchPath)
 {
     SShaderEditControllerOptions Options;
@@ -66,7 +56,6 @@ class CGUIControllerTest : public QObject
 private slots:
     void init();
     void OneStoreServesEveryControllerAcrossARestart();
-    void LayoutAndTabsSurviveARestart();
     void AFailedSaveIsReportedOnce();
     void RecentFiles();
     void TextsOutsideTheTableAreEmpty();
@@ -130,42 +119,6 @@ void CGUIControllerTest::OneStoreServesEveryControllerAcrossARestart()
     QCOMPARE(ToQString(Reloaded.CompileOutputPath), QStringLiteral("/out"));
     QCOMPARE(ToQString(Reloaded.CustomCommand), QStringLiteral("\"cc\" %f%"));
     QCOMPARE(ToQString(Reloaded.LastDirectory), QStringLiteral("/second"));
-}
-
-void CGUIControllerTest::LayoutAndTabsSurviveARestart()
-{
-    QByteArray SavedState;
-    {
-        auto pController = NewController();
-        QVERIFY(!pController->HasWindowLayout());
-        QMainWindow Window;
-        QDockWidget* pDock = AddDock(Window);
-        Window.resize(640, 480);
-        pDock->hide();
-        SavedState = Window.saveState(0);
-        pController->SaveWindowLayout(Window);
-
-        CZamTArray<CZamTString> Tabs;
-        Tabs.Append(ToZamString(QStringLiteral("/a/b.frag")));
-        Tabs.Append(ToZamString(QString::fromUtf8("/\xc3\xa4/c.vert")));
-        pController->StoreLastOpenTabs(Tabs);
-    }
-    auto pController = NewController();
-    QVERIFY(pController->HasWindowLayout());
-    QMainWindow Window;
-    QDockWidget* pDock = AddDock(Window);
-    pController->RestoreWindowLayout(Window);
-    QCOMPARE(Window.saveState(0), SavedState);
-    QVERIFY(pDock->isHidden());
-
-    const CZamTArray<CZamTString> Tabs = pController->LoadLastOpenTabs();
-    QCOMPARE(Tabs.GetSize(), 2u);
-    QCOMPARE(ToQString(Tabs[1]), QString::fromUtf8("/\xc3\xa4/c.vert"));
-
-    // No tab open: an empty array, so an old session cannot come back.
-    pController->StoreLastOpenTabs(CZamTArray<CZamTString>());
-    QVERIFY(PreferenceFileBytes().contains("<key>LastOpenTabs</key>"));
-    QCOMPARE(NewController()->LoadLastOpenTabs().GetSize(), 0u);
 }
 
 void CGUIControllerTest::AFailedSaveIsReportedOnce()
