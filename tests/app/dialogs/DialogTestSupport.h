@@ -12,6 +12,7 @@
 #include "tests/support/CompileTestSupport.h"
 
 #include <QTemporaryDir>
+#include <QtTest>
 
 #include <memory>
 
@@ -49,4 +50,35 @@ inline SControllers MakeControllers(const QString& SearchPath)
     Made.pHighlight = std::make_unique<CShaderHighlightController>(&Made.pGUI->GetPreferences());
     return Made;
 }
+
+// What the dialog tests set up alike: before each test a fresh preference file with the fake
+// as the custom compiler and controllers on it (no bundled compiler); after it, no compiler
+// process left. Test classes derive from it and add their test functions as private slots.
+class CDialogTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        RegisterCompileMetaTypes();
+        QVERIFY(QFileInfo(CompileTest::Fake("print")).isExecutable());
+        // A template names its program as a user would: found on the PATH.
+        qputenv("PATH", QFile::encodeName(TestFiles::BinDir()) + ":" + qgetenv("PATH"));
+    }
+    void init()
+    {
+        WriteStartingFile(CompileTest::Fake("print"), m_Temp.path() + "/");
+        m_Controllers = MakeControllers(m_Temp.filePath(QStringLiteral("no-bundled")));
+    }
+    void cleanup()
+    {
+        m_Controllers = SControllers();
+        QTRY_COMPARE_WITH_TIMEOUT(CompileTest::Children().iLiving + CompileTest::Children().iZombies, 0, 5000);
+    }
+
+protected:
+    QTemporaryDir m_Temp;
+    SControllers m_Controllers;
+};
 } // namespace DialogTest

@@ -19,14 +19,18 @@
 using namespace CompileTest;
 using namespace DialogTest;
 
-class CCompileDialogTest : public QObject
+class CCompileDialogTest : public CDialogTest
 {
     Q_OBJECT
 
+public:
+    CCompileDialogTest()
+    {
+        QDir().mkpath(m_SourceDir);
+        QDir().mkpath(m_OutputDir);
+    }
+
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
     void CustomLinesRunWhatTheyShow_data();
     void CustomLinesRunWhatTheyShow();
     void HostileFileNamesStayOneArgument_data();
@@ -46,34 +50,9 @@ private:
     QString Source(const QString& Name) const;
     QString Expand(QString Text) const;
 
-    QTemporaryDir m_Temp;
-    QString m_SourceDir;
-    QString m_OutputDir;
-    SControllers m_Controllers;
+    const QString m_SourceDir = m_Temp.filePath(QStringLiteral("src"));
+    const QString m_OutputDir = m_Temp.filePath(QStringLiteral("out dir"));
 };
-
-void CCompileDialogTest::initTestCase()
-{
-    RegisterCompileMetaTypes();
-    QVERIFY(QFileInfo(Fake("print")).isExecutable());
-    // A template names its program as a user would: found on the PATH.
-    qputenv("PATH", QFile::encodeName(BinDir()) + ":" + qgetenv("PATH"));
-    m_SourceDir = m_Temp.filePath(QStringLiteral("src"));
-    m_OutputDir = m_Temp.filePath(QStringLiteral("out dir"));
-    QVERIFY(QDir().mkpath(m_SourceDir) && QDir().mkpath(m_OutputDir));
-}
-
-void CCompileDialogTest::init()
-{
-    WriteStartingFile(Fake("print"), m_Temp.path() + "/");
-    m_Controllers = MakeControllers(m_Temp.filePath(QStringLiteral("no-bundled")));
-}
-
-void CCompileDialogTest::cleanup()
-{
-    m_Controllers = SControllers();
-    QTRY_COMPARE_WITH_TIMEOUT(Children().iLiving + Children().iZombies, 0, 5000);
-}
 
 QString CCompileDialogTest::Source(const QString& Name) const
 {

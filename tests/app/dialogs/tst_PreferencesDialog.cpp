@@ -14,18 +14,14 @@
 #include <QSignalSpy>
 #include <QtTest>
 
-
 using namespace CompileTest;
 using namespace DialogTest;
 
-class CPreferencesDialogTest : public QObject
+class CPreferencesDialogTest : public CDialogTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
     void OkStoresEachPageWithItsMask();
     void CancelStoresNothing();
     void OkFollowsEveryPage();
@@ -39,28 +35,7 @@ private:
     }
     // Waits until the compiler page has its answer; then OK says what the pages think.
     bool Settle(CPreferencesDialog& Dialog);
-
-    QTemporaryDir m_Temp;
-    SControllers m_Controllers;
 };
-
-void CPreferencesDialogTest::initTestCase()
-{
-    RegisterCompileMetaTypes();
-    QVERIFY(QFileInfo(Fake("print")).isExecutable());
-}
-
-void CPreferencesDialogTest::init()
-{
-    WriteStartingFile(Fake("print"), m_Temp.path() + "/");
-    m_Controllers = MakeControllers(m_Temp.filePath(QStringLiteral("no-bundled")));
-}
-
-void CPreferencesDialogTest::cleanup()
-{
-    m_Controllers = SControllers();
-    QTRY_COMPARE_WITH_TIMEOUT(Children().iLiving + Children().iZombies, 0, 5000);
-}
 
 std::unique_ptr<CPreferencesDialog> CPreferencesDialogTest::Open()
 {
@@ -87,9 +62,6 @@ void CPreferencesDialogTest::OkStoresEachPageWithItsMask()
     {
         auto pDialog = Open();
         QVERIFY(Settle(*pDialog));
-        QVERIFY(!Child<QCheckBox>(*pDialog, "closeTabsMiddleMouseCheckbox")->isChecked());
-        QVERIFY(Child<QCheckBox>(*pDialog, "compileInBackgroundCheckbox")->isChecked());
-        QVERIFY(!Child<QCheckBox>(*pDialog, "saveSessionCheckbox")->isChecked());
         QSignalSpy Compiler(m_Controllers.pEdit.get(), &CShaderEditController::CompilerSettingsChanged);
         QSignalSpy General(m_Controllers.pGUI.get(), &CGUIController::GeneralSettingsChanged);
         Button(*pDialog, QDialogButtonBox::Ok)->click();
