@@ -144,55 +144,32 @@ const SBuiltinUse s_aRefused[] = {
 QString BuiltinShader(const SBuiltinUse& use, bool bVertex, int& iLine)
 {
     const QString version = use.pVersion;
-    QStringList lines = {"#version " + version};
-    if (version == "100" && !bVertex)
-        lines << "#extension GL_OES_standard_derivatives : enable";
-    lines << "precision highp float;"
-          << "precision highp int;"
-          << "uniform float f;"
-          << "uniform vec2 v2;"
-          << "uniform vec3 v3;"
-          << "uniform vec4 v4;"
-          << "uniform mat2 m2;"
-          << "uniform mat3 m3;"
-          << "uniform mat4 m4;"
-          << "uniform int i;"
-          << "uniform sampler2D t2;"
-          << "uniform samplerCube tc;";
-    if (version != "100")
+    const bool bEs1 = version == "100";
+    QString text = "#version " + version + "\n";
+    if (bEs1 && !bVertex)
+        text += "#extension GL_OES_standard_derivatives : enable\n";
+    text += "precision highp float;\nprecision highp int;\nuniform float f;\nuniform vec2 v2;\nuniform vec3 v3;\n"
+            "uniform vec4 v4;\nuniform mat2 m2;\nuniform mat3 m3;\nuniform mat4 m4;\nuniform int i;\n"
+            "uniform sampler2D t2;\nuniform samplerCube tc;\n";
+    if (!bEs1)
     {
-        lines << "precision highp sampler3D;"
-              << "precision highp sampler2DArray;"
-              << "precision highp sampler2DShadow;"
-              << "precision highp isampler2D;"
-              << "precision highp usampler2D;"
-              << "uniform uint u;"
-              << "uniform sampler3D t3;"
-              << "uniform sampler2DArray ta;"
-              << "uniform sampler2DShadow ts;"
-              << "uniform isampler2D ti;"
-              << "uniform usampler2D tu;";
-        lines << (bVertex ? "out vec4 vOut;" : "out vec4 o;");
+        text += "precision highp sampler3D;\nprecision highp sampler2DArray;\nprecision highp sampler2DShadow;\n"
+                "precision highp isampler2D;\nprecision highp usampler2D;\nuniform uint u;\nuniform sampler3D t3;\n"
+                "uniform sampler2DArray ta;\nuniform sampler2DShadow ts;\nuniform isampler2D ti;\n"
+                "uniform usampler2D tu;\n";
+        text += bVertex ? "out vec4 vOut;\n" : "out vec4 o;\n";
     }
     if (version == "310 es" || version == "320 es")
-    {
-        lines << "layout(binding = 0) uniform atomic_uint ac;"
-              << "layout(std430, binding = 0) buffer Counts { uint n; } counts;"
-              << "layout(rgba8, binding = 1) readonly uniform highp image2D img;";
-    }
+        text += "layout(binding = 0) uniform atomic_uint ac;\n"
+                "layout(std430, binding = 0) buffer Counts { uint n; } counts;\n"
+                "layout(rgba8, binding = 1) readonly uniform highp image2D img;\n";
     if (version == "320 es" && !bVertex)
-        lines << "in vec2 vIn;";
-    lines << "void main()"
-          << "{"
-          << "    vec4 s = vec4(0.0);";
-    iLine = lines.size() + 1;
-    lines << QString("    ") + use.pStatement;
-    if (version == "100")
-        lines << (bVertex ? "    gl_Position = s;" : "    gl_FragColor = s;");
-    else
-        lines << (bVertex ? "    gl_Position = s; vOut = s;" : "    o = s;");
-    lines << "}";
-    return lines.join('\n') + '\n';
+        text += "in vec2 vIn;\n";
+    text += "void main()\n{\n    vec4 s = vec4(0.0);\n";
+    iLine = text.count('\n') + 1;
+    const char* pOutput = bEs1 ? (bVertex ? "gl_Position = s;" : "gl_FragColor = s;")
+                               : (bVertex ? "gl_Position = s; vOut = s;" : "o = s;");
+    return text + "    " + use.pStatement + "\n    " + pOutput + "\n}\n";
 }
 
 } // namespace
