@@ -67,7 +67,11 @@ private:
 bool LowerShader(TIntermediate& intermediate, ETxeStage eStage, const SSourceLimits& limits, STxeProgram& program,
                  CDiagnosticList& aDiagnostics)
 {
+    // A fresh program, but the room the caller reserved for the instructions stays.
+    std::vector<STxeInstruction> aInstructions = std::move(program.aInstructions);
+    aInstructions.clear();
     program = STxeProgram();
+    program.aInstructions = std::move(aInstructions);
     CShaderLowerer lowerer(eStage, limits, program, aDiagnostics);
     if (!lowerer.Run(intermediate))
     {
