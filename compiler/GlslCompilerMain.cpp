@@ -14,10 +14,6 @@ int main(int argc, char** argv)
     // from the main heap instead of growing a thread arena a page range at a time, which
     // costs a system call per step and was a seventh of a large shader's compile.
     mallopt(M_ARENA_MAX, 1);
-    // The parse frees many small blocks that the lowering never asks for again: kept in fast
-    // bins, they are all merged the first time a larger block is wanted. Without fast bins
-    // they are merged as they are freed, for fewer instructions in all.
-    mallopt(M_MXFAST, 0);
     // The heap of a large shader grows to several megabytes: in large steps, a few system
     // calls instead of one per 128 KiB.
     mallopt(M_TOP_PAD, 16 * 1024 * 1024);
