@@ -1,6 +1,8 @@
-// The single instance between real processes: the host program starts the way the editor does.
+// The single instance between real processes (the host program starts the way the editor does),
+// and the message reader, the private folder and the peer check on their own.
 
 #include "app/instance/InstanceLocation_p.h"
+#include "app/instance/InstanceMessage.h"
 #include "tests/support/TestFiles.h"
 
 #include <QDir>
@@ -29,11 +31,6 @@ namespace
 constexpr int WaitMs = 20000;
 using ProcessList = std::vector<std::unique_ptr<QProcess>>;
 
-QString HostProgram()
-{
-    return TestFiles::BinDir() + QStringLiteral("/zam_instance_host");
-}
-
 // One folder per test stands in for the user's runtime and temporary folders, so a test
 // never meets a real editor or another test.
 class CSession
@@ -53,14 +50,17 @@ public:
     {
         return Name.isEmpty() ? m_Folder.path() : m_Folder.filePath(Name);
     }
-    QString ServerPath() const { return Path(QStringLiteral("ZamShaderEditor-") + QString::number(geteuid())); }
+    // The instance's name: of its server under the runtime folder and of its shared memory.
+    static QString Key() { return QStringLiteral("ZamShaderEditor-") + QString::number(geteuid()); }
+    QString ServerPath() const { return Path(Key()); }
 
-    QString MakeFile(const QString& Name) const
+    QString MakeFile(const QString& Name) const { return TestFiles::WriteTestFile(Path(), Name, "void main() {}\n"); }
+    QStringList MakeFiles(const QString& Stem, int iCount) const
     {
-        QFile File(Path(Name));
-        if (!File.open(QIODevice::WriteOnly) || File.write("void main() {}\n") < 0)
-            return QString();
-        return File.fileName();
+        QStringList Files;
+        for (int i = 0; i < iCount; ++i)
+            Files << MakeFile(QStringLiteral("%1%2.frag").arg(Stem).arg(i));
+        return Files;
     }
 
     std::unique_ptr<QProcess> Start(const QStringList& Arguments, const QString& WorkingFolder = QString()) const
@@ -68,7 +68,7 @@ public:
         auto pProcess = std::make_unique<QProcess>();
         pProcess->setProcessEnvironment(m_Environment);
         pProcess->setWorkingDirectory(WorkingFolder.isEmpty() ? Path() : WorkingFolder);
-        pProcess->start(HostProgram(), Arguments);
+        pProcess->start(TestFiles::Program(QStringLiteral("zam_instance_host")), Arguments);
         return pProcess;
     }
 
@@ -103,14 +103,6 @@ ProcessList StartEach(const CSession& Session, const QStringList& Files)
     return Processes;
 }
 
-QStringList MakeFiles(const CSession& Session, const QString& Stem, int iCount)
-{
-    QStringList Files;
-    for (int i = 0; i < iCount; ++i)
-        Files << Session.MakeFile(QStringLiteral("%1%2.frag").arg(Stem).arg(i));
-    return Files;
-}
-
 QStringList AsMessages(const QStringList& Files)
 {
     QStringList Lines;
@@ -124,8 +116,13 @@ QStringList AsMessages(const QStringList& Files)
 class CFirstInstance
 {
 public:
-    explicit CFirstInstance(const CSession& Session, const QStringList& Arguments = QStringList())
-        : m_pProcess(Session.Start(Arguments))
+    explicit CFirstInstance(const CSession& Session)
+        : m_pProcess(Session.Start({}))
+    {
+    }
+    // A start that became the first instance by itself.
+    explicit CFirstInstance(std::unique_ptr<QProcess> pProcess)
+        : m_pProcess(std::move(pProcess))
     {
     }
 
@@ -231,14 +228,14 @@ int ConnectAsUser(uid_t User, const QString& ServerPath, const QByteArray& Messa
     return WEXITSTATUS(iStatus);
 }
 
-// Whether the segment of the given key exists, without attaching to it (attaching and
+// Whether the session's instance segment exists, without attaching to it (attaching and
 // detaching would remove a segment nobody else uses).
-bool SegmentExists(const QString& TempFolder, const QString& Key)
+bool SegmentExists(const CSession& Session)
 {
     const QByteArray SavedTemp = qgetenv("TMPDIR");
-    qputenv("TMPDIR", QFile::encodeName(TempFolder));
+    qputenv("TMPDIR", QFile::encodeName(Session.Path()));
     QSharedMemory Segment;
-    Segment.setKey(Key);
+    Segment.setKey(CSession::Key());
     const QByteArray KeyFile = QFile::encodeName(Segment.nativeKey());
     qputenv("TMPDIR", SavedTemp);
     const key_t SystemKey = ::ftok(KeyFile.constData(), 'Q');
@@ -259,11 +256,16 @@ private slots:
     void CrashedFirstInstance();
     void BadSendersLeaveTheInstanceServing();
     void OtherUsersAreKeptOut();
+    void MessageDecoding();
+    void PeerUser();
+    // Last: it points the process's own folders elsewhere.
+    void PrivateFolders();
 };
 
 void CSingleInstanceTest::initTestCase()
 {
-    QVERIFY2(QFileInfo(HostProgram()).isExecutable(), qPrintable(HostProgram() + " is missing; run through ctest"));
+    const QString Host = TestFiles::Program(QStringLiteral("zam_instance_host"));
+    QVERIFY2(QFileInfo(Host).isExecutable(), qPrintable(Host + " is missing; run through ctest"));
 }
 
 void CSingleInstanceTest::HandOverBetweenProcesses_data()
@@ -304,7 +306,7 @@ void CSingleInstanceTest::HandOverBetweenProcesses()
         QVERIFY(First.Process().waitForFinished(WaitMs));
         QCOMPARE(First.Process().exitCode(), 0);
         QVERIFY(!QFileInfo::exists(Session.ServerPath()));
-        QVERIFY(!SegmentExists(Session.Path(), QStringLiteral("ZamShaderEditor-") + QString::number(geteuid())));
+        QVERIFY(!SegmentExists(Session));
     }
     CFirstInstance Next(Session);
     QVERIFY(Next.WaitForLines(0));
@@ -317,7 +319,7 @@ void CSingleInstanceTest::ConcurrentFirstStarts()
 {
     CSession Session;
     // Five first starts at once: one becomes the instance, the others hand their file to it.
-    const QStringList Racing = MakeFiles(Session, QStringLiteral("race"), 5);
+    const QStringList Racing = Session.MakeFiles(QStringLiteral("race"), 5);
     ProcessList Starts = StartEach(Session, Racing);
     const auto IsRunning = [](const std::unique_ptr<QProcess>& pStart) { return pStart->state() != QProcess::NotRunning; };
     QVERIFY(QTest::qWaitFor([&] { return std::count_if(Starts.begin(), Starts.end(), IsRunning) == 1; }, WaitMs));
@@ -327,23 +329,12 @@ void CSingleInstanceTest::ConcurrentFirstStarts()
         if (i != iFirst)
             QCOMPARE(SecondStartFault(*Starts[size_t(i)]), QString());
     }
-    QProcess& Winner = *Starts[size_t(iFirst)];
-    QStringList Received;
-    QVERIFY(QTest::qWaitFor(
-        [&]()
-        {
-            while (Winner.canReadLine())
-                Received << QString::fromUtf8(Winner.readLine()).trimmed();
-            return Received.size() >= 5;
-        },
-        WaitMs));
-    QVERIFY(Received.takeFirst().startsWith(QStringLiteral("first ")));
-    Received.sort();
+    CFirstInstance Winner(std::move(Starts[size_t(iFirst)]));
+    QVERIFY(Winner.WaitForLines(4));
+    QVERIFY(Winner.Collect().first().startsWith(QStringLiteral("first ")));
     QStringList Handed = Racing;
     Handed.removeAt(iFirst);
-    QCOMPARE(Received, AsMessages(Handed));
-    Winner.closeWriteChannel();
-    QVERIFY(Winner.waitForFinished(WaitMs));
+    QCOMPARE(Winner.SortedReport(), AsMessages(Handed));
 }
 
 void CSingleInstanceTest::ManySecondStartsAtOnce()
@@ -351,7 +342,7 @@ void CSingleInstanceTest::ManySecondStartsAtOnce()
     CSession Session;
     CFirstInstance First(Session);
     QVERIFY(First.WaitForLines(0));
-    const QStringList Files = MakeFiles(Session, QStringLiteral("shader"), 20);
+    const QStringList Files = Session.MakeFiles(QStringLiteral("shader"), 20);
     for (const auto& pSecond : StartEach(Session, Files))
         QCOMPARE(SecondStartFault(*pSecond), QString());
     QVERIFY(First.WaitForLines(20));
@@ -362,7 +353,7 @@ void CSingleInstanceTest::ManySecondStartsAtOnce()
     const QString Release = Session.Path(QStringLiteral("compile-finished"));
     First.Command(QStringLiteral("block ") + Release);
     QVERIFY(First.WaitForLines(21));
-    const QStringList Queued = MakeFiles(Session, QStringLiteral("queued"), 20);
+    const QStringList Queued = Session.MakeFiles(QStringLiteral("queued"), 20);
     for (const auto& pSecond : StartEach(Session, Queued))
         QCOMPARE(SecondStartFault(*pSecond), QString());
     QCOMPARE(First.Collect().size(), 22);
@@ -378,7 +369,6 @@ void CSingleInstanceTest::ManySecondStartsAtOnce()
 void CSingleInstanceTest::CrashedFirstInstance()
 {
     CSession Session;
-    const QString Key = QStringLiteral("ZamShaderEditor-") + QString::number(geteuid());
     {
         CFirstInstance Crashed(Session);
         QVERIFY(Crashed.WaitForLines(0));
@@ -388,7 +378,7 @@ void CSingleInstanceTest::CrashedFirstInstance()
     }
     // Both marks of a first instance outlive it.
     QVERIFY(QFileInfo::exists(Session.ServerPath()));
-    QVERIFY(SegmentExists(Session.Path(), Key));
+    QVERIFY(SegmentExists(Session));
 
     const QString Shader = Session.MakeFile(QStringLiteral("after crash.vert"));
     CFirstInstance Next(Session);
@@ -397,7 +387,7 @@ void CSingleInstanceTest::CrashedFirstInstance()
     QVERIFY(Next.WaitForLines(1));
     QCOMPARE(Next.SortedReport(), QStringList({"message " + Shader}));
     QVERIFY2(!Next.Errors().contains(QStringLiteral("Unable to create single instance.")), qPrintable(Next.Errors()));
-    QVERIFY(SegmentExists(Session.Path(), Key));
+    QVERIFY(SegmentExists(Session));
 }
 
 void CSingleInstanceTest::BadSendersLeaveTheInstanceServing()
@@ -452,14 +442,16 @@ void CSingleInstanceTest::OtherUsersAreKeptOut()
     CFirstInstance First(Session);
     QVERIFY(First.WaitForLines(0));
 
-    struct stat Info;
-    QVERIFY(::lstat(QFile::encodeName(Session.Path()).constData(), &Info) == 0);
-    QCOMPARE(uint(Info.st_uid), uint(geteuid()));
-    QCOMPARE(Info.st_mode & 0777, mode_t(0700));
-    QVERIFY(::lstat(QFile::encodeName(Session.ServerPath()).constData(), &Info) == 0);
-    QVERIFY(S_ISSOCK(Info.st_mode));
-    QCOMPARE(uint(Info.st_uid), uint(geteuid()));
-    QCOMPARE(Info.st_mode & 0077, mode_t(0));
+    // The folder and the socket are ours and closed to others (a mode of 0: not ours).
+    const auto OwnMode = [](const QString& Path)
+    {
+        struct stat Info;
+        return ::lstat(QFile::encodeName(Path).constData(), &Info) == 0 && Info.st_uid == geteuid() ? Info.st_mode
+                                                                                                    : mode_t(0);
+    };
+    QCOMPARE(OwnMode(Session.Path()) & 0777, mode_t(0700));
+    QVERIFY(S_ISSOCK(OwnMode(Session.ServerPath())));
+    QCOMPARE(OwnMode(Session.ServerPath()) & 0077, mode_t(0));
 
     if (geteuid() != 0)
         QSKIP("Connecting as another user needs root; the folder and socket modes were checked");
@@ -479,6 +471,100 @@ void CSingleInstanceTest::OtherUsersAreKeptOut()
     QCOMPARE(RunSecondStart(Session, {Own}), QString());
     QVERIFY(First.WaitForLines(1));
     QCOMPARE(First.SortedReport(), QStringList({"message " + Own}));
+}
+
+void CSingleInstanceTest::MessageDecoding()
+{
+    const QByteArray Cyrillic = QStringLiteral("/home/anna/шейдеры/свет.frag").toUtf8();
+    QCOMPARE(DecodeInstanceMessage(Cyrillic).Text, QStringLiteral("/home/anna/шейдеры/свет.frag"));
+    QCOMPARE(DecodeInstanceMessage("raisebanana").Text, QStringLiteral("raisebanana"));
+
+    // A byte-order mark is part of the name, not dropped.
+    QCOMPARE(DecodeInstanceMessage("\xEF\xBB\xBF/tmp/a.frag").Text,
+             QString(QChar(0xFEFF)) + QStringLiteral("/tmp/a.frag"));
+
+    const QByteArray Longest(MaxInstanceMessageBytes, 'a');
+    const SInstanceMessage Taken = DecodeInstanceMessage(Longest);
+    QVERIFY(Taken.Error.isEmpty());
+    QCOMPARE(Taken.Text.size(), MaxInstanceMessageBytes);
+
+    const QList<QPair<QByteArray, QString>> Refused = {
+        {QByteArray(), "without a message"},
+        {Longest + 'a', "longer than 65536 bytes"},
+        {QByteArray("/tmp/a\0b.frag", 13), "NUL"},
+        {"/tmp/\xFF\xFE.frag", "not valid UTF-8"},
+        {"/tmp/\xC0\xAF.frag", "not valid UTF-8"},     // overlong '/'
+        {"/tmp/\xED\xA0\x80.frag", "not valid UTF-8"}, // an encoded surrogate
+        {"/tmp/a.frag\xE2\x82", "not valid UTF-8"},    // cut inside a character
+    };
+    for (const auto& Case : Refused)
+    {
+        const SInstanceMessage Refusal = DecodeInstanceMessage(Case.first);
+        QVERIFY2(Refusal.Error.contains(Case.second),
+                 qPrintable(Case.first.toPercentEncoding() + ": " + Refusal.Error));
+        QCOMPARE(Refusal.Text, QString());
+    }
+}
+
+void CSingleInstanceTest::PeerUser()
+{
+    int Pair[2];
+    QVERIFY(::socketpair(AF_UNIX, SOCK_STREAM, 0, Pair) == 0);
+    const SPeerUser Peer = GetPeerUser(Pair[0]);
+    QVERIFY2(Peer.bKnown, qPrintable(Peer.Error));
+    QCOMPARE(Peer.uiUserId, uint(geteuid()));
+    ::close(Pair[0]);
+    ::close(Pair[1]);
+
+    // Not a socket: an error, never a user id that could pass the check.
+    const SPeerUser Closed = GetPeerUser(Pair[0]);
+    QVERIFY(!Closed.bKnown);
+    QVERIFY(!Closed.Error.isEmpty());
+}
+
+void CSingleInstanceTest::PrivateFolders()
+{
+    QTemporaryDir Temp;
+    QVERIFY(Temp.isValid());
+    qputenv("TMPDIR", QFile::encodeName(Temp.path()));
+    const QString Fallback = Temp.path() + QStringLiteral("/zamshadereditor-") + QString::number(geteuid());
+
+    // A private runtime folder is used as it is.
+    const QString Runtime = Temp.filePath("runtime");
+    QVERIFY(QDir().mkdir(Runtime));
+    QVERIFY(::chmod(QFile::encodeName(Runtime).constData(), 0700) == 0);
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(Runtime));
+    QCOMPARE(PrivateInstanceFolder().Path, Runtime);
+
+    // One that others may enter is passed over for a folder of our own, made private.
+    QVERIFY(::chmod(QFile::encodeName(Runtime).constData(), 0755) == 0);
+    QCOMPARE(PrivateInstanceFolder().Path, Fallback);
+    struct stat Info;
+    QVERIFY(::lstat(QFile::encodeName(Fallback).constData(), &Info) == 0);
+    QCOMPARE(Info.st_mode & 07777, mode_t(0700));
+    qunsetenv("XDG_RUNTIME_DIR");
+    QCOMPARE(PrivateInstanceFolder().Path, Fallback);
+
+    // Whatever another user (or a link) put in our fallback's place is refused, not used.
+    QVERIFY(QDir().rmdir(Fallback));
+    QVERIFY(QFile::link(Runtime, Fallback));
+    SPrivateFolder Refused = PrivateInstanceFolder();
+    QCOMPARE(Refused.Path, QString());
+    QVERIFY2(Refused.Error.contains("not a folder"), qPrintable(Refused.Error));
+    QVERIFY(QFile::remove(Fallback));
+    QVERIFY(QDir().mkdir(Fallback));
+    QVERIFY(::chmod(QFile::encodeName(Fallback).constData(), 0777) == 0);
+    Refused = PrivateInstanceFolder();
+    QCOMPARE(Refused.Path, QString());
+    QVERIFY2(Refused.Error.contains("has mode 0777"), qPrintable(Refused.Error));
+    if (geteuid() == 0)
+    {
+        QVERIFY(::chown(QFile::encodeName(Fallback).constData(), 65534, 65534) == 0);
+        QVERIFY(::chmod(QFile::encodeName(Fallback).constData(), 0700) == 0);
+        Refused = PrivateInstanceFolder();
+        QCOMPARE(Refused.Path, QString());
+        QVERIFY2(Refused.Error.contains("belongs to user 65534"), qPrintable(Refused.Error));
+    }
 }
 
 QTEST_GUILESS_MAIN(CSingleInstanceTest)
