@@ -98,13 +98,10 @@ private slots:
 
         QVERIFY(CZamTHash("kb6e8a25") == CZamTHash("i67snlp7"));
         QVERIFY(CZamTHash("a") != CZamTHash("b"));
-        std::map<CZamTHash, int> Map;
-        Map[CZamTHash("a")] = 1;
-        Map[CZamTHash("b")] = 2;
-        Map[CZamTHash("kb6e8a25")] = 3;
-        Map[CZamTHash("i67snlp7")] = 4;
+        // As a map key, colliding names are one key.
+        const std::map<CZamTHash, int> Map{
+            {CZamTHash("a"), 1}, {CZamTHash("b"), 2}, {CZamTHash("kb6e8a25"), 3}, {CZamTHash("i67snlp7"), 4}};
         QCOMPARE(Map.size(), size_t(3));
-        QCOMPARE(Map[CZamTHash("kb6e8a25")], 4);
     }
 
     void StringSubString_data()
@@ -300,13 +297,10 @@ private slots:
         QCOMPARE(Array.Remove(1), 0);
         QCOMPARE(Array, Ints({0, 20, 30, 40}));
         QCOMPARE(Array.Remove(3), 0);
-        QCOMPARE(Array.GetSize(), 3u);
-        QCOMPARE(Array[2], 30);
+        QCOMPARE(Array, Ints({0, 20, 30}));
         // Past the end only drops the count.
         QCOMPARE(Array.Remove(50), 0);
-        QCOMPARE(Array.GetSize(), 2u);
-        QCOMPARE(Array[0], 0);
-        QCOMPARE(Array[1], 20);
+        QCOMPARE(Array, Ints({0, 20}));
         Array.Clear();
         QCOMPARE(Array.GetSize(), 0u);
         QCOMPARE(Array.GetCapacity(), 16u);

@@ -9,36 +9,16 @@
 #include <QtTest>
 #include <QXmlStreamReader>
 
-// The files that make the editor a desktop application, checked by the tools the desktop
-// itself uses to read them, and the tree cmake --install makes, run from where it lands.
-class CDesktopFilesTest : public QObject
+namespace
 {
-    Q_OBJECT
-
-private slots:
-    void DesktopEntryAndMetainfoValidate();
-    void MimeTypesResolveOurExtensionsOnly();
-    void InstalledTreeRuns();
-
-private:
-    static QString Packaging(const QString& Name);
-    // Runs Program; returns its exit code, with everything it printed in Output.
-    static int Run(const QString& Program, const QStringList& Arguments, QString* pOutput,
-                   const QProcessEnvironment& Environment = QProcessEnvironment::systemEnvironment());
-    static QStringList MimePackageTypes();
-    // The value of Key in the desktop entry's main group (QSettings would take ';' for a comment).
-    static QString EntryValue(const QString& Path, const QString& Key);
-    // The texts (or the Attribute's values) of every element called Name in the XML file.
-    static QStringList ElementValues(const QString& Path, const QString& Name, const QString& Attribute = {});
-};
-
-QString CDesktopFilesTest::Packaging(const QString& Name)
+QString Packaging(const QString& Name)
 {
     return TestFiles::SourceDir() + QStringLiteral("/packaging/") + Name;
 }
 
-int CDesktopFilesTest::Run(const QString& Program, const QStringList& Arguments, QString* pOutput,
-                           const QProcessEnvironment& Environment)
+// Runs Program; returns its exit code, with everything it printed in Output.
+int Run(const QString& Program, const QStringList& Arguments, QString* pOutput,
+        const QProcessEnvironment& Environment = QProcessEnvironment::systemEnvironment())
 {
     QProcess Process;
     Process.setProcessEnvironment(Environment);
@@ -50,7 +30,8 @@ int CDesktopFilesTest::Run(const QString& Program, const QStringList& Arguments,
     return Process.exitStatus() == QProcess::NormalExit ? Process.exitCode() : -1;
 }
 
-QStringList CDesktopFilesTest::ElementValues(const QString& Path, const QString& Name, const QString& Attribute)
+// The texts (or the Attribute's values) of every element called Name in the XML file.
+QStringList ElementValues(const QString& Path, const QString& Name, const QString& Attribute = {})
 {
     QXmlStreamReader Reader(TestFiles::ReadAll(Path));
     QStringList Values;
@@ -63,7 +44,8 @@ QStringList CDesktopFilesTest::ElementValues(const QString& Path, const QString&
     return Reader.hasError() ? QStringList{QStringLiteral("XML error: ") + Reader.errorString()} : Values;
 }
 
-QString CDesktopFilesTest::EntryValue(const QString& Path, const QString& Key)
+// The value of Key in the desktop entry's main group (QSettings would take ';' for a comment).
+QString EntryValue(const QString& Path, const QString& Key)
 {
     for (const QByteArray& Line : TestFiles::ReadAll(Path).split('\n'))
     {
@@ -73,10 +55,23 @@ QString CDesktopFilesTest::EntryValue(const QString& Path, const QString& Key)
     return QString();
 }
 
-QStringList CDesktopFilesTest::MimePackageTypes()
+QStringList MimePackageTypes()
 {
     return ElementValues(Packaging(DesktopApplicationId() + ".mime.xml"), "mime-type", "type");
 }
+} // namespace
+
+// The files that make the editor a desktop application, checked by the tools the desktop
+// itself uses to read them, and the tree cmake --install makes, run from where it lands.
+class CDesktopFilesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void DesktopEntryAndMetainfoValidate();
+    void MimeTypesResolveOurExtensionsOnly();
+    void InstalledTreeRuns();
+};
 
 void CDesktopFilesTest::DesktopEntryAndMetainfoValidate()
 {
