@@ -123,8 +123,7 @@ private slots:
     void cleanup();
 
     void SingleShader();
-    void EffectFileSelectors();
-    void EmptyingTheViews();
+    void EffectFileSelectorsAndEmptyViews();
     void LogColoursAndJumps();
     void OverlongLines();
 
@@ -267,8 +266,10 @@ void COutputViewsTest::SingleShader()
     QCOMPARE(pAsmText->font().pointSize(), 17);
 }
 
-void COutputViewsTest::EffectFileSelectors()
+void COutputViewsTest::EffectFileSelectorsAndEmptyViews()
 {
+    const char* const Figures[] = {"PerLineTotal", "EmulatedCycleTotal", "GlobalTXC", "EmulatedCycles",
+                                   "NonDepend",    "PrimaryAttribs",     "TempReg",   "EmulatedCyclesWorst"};
     Compile(Bloom(), DocType_ZFXGLSLES);
     QCOMPARE(m_Last.iStatus, 0);
     const QStringList Names{"FullScreenVS", "BrightPassFS", "CompositeFS"};
@@ -303,18 +304,10 @@ void COutputViewsTest::EffectFileSelectors()
     QCOMPARE(Text(*m_pProfile, "NonDepend"), QStringLiteral("2"));
 
     // A single shader afterwards takes both selectors away again.
-    Compile(LitMesh(), DocType_GLSLESFragment);
+    Compile(LitMesh(), DocType_GLSLESFragment, "single");
     QVERIFY(Selector(*m_pAsm, "label", "ShaderSelectCombo", false));
     QVERIFY(Selector(*m_pProfile, "ShaderSelectorLabel", "ShaderSelectorComboBox", false));
     QCOMPARE(Text(*m_pProfile, "NonDepend"), QStringLiteral("2"));
-}
-
-void COutputViewsTest::EmptyingTheViews()
-{
-    const char* const Figures[] = {"PerLineTotal", "EmulatedCycleTotal", "GlobalTXC", "EmulatedCycles",
-                                   "NonDepend",    "PrimaryAttribs",     "TempReg",   "EmulatedCyclesWorst"};
-    Compile(Bloom(), DocType_ZFXGLSLES);
-    QVERIFY(Selector(*m_pProfile, "ShaderSelectorLabel", "ShaderSelectorComboBox", true));
 
     // A failed compile of one that never compiled has no figures: every one of them is reset.
     // (One that compiled before keeps its last good result: tst_CompileInsight.)
@@ -327,8 +320,11 @@ void COutputViewsTest::EmptyingTheViews()
     QVERIFY(Selector(*m_pAsm, "label", "ShaderSelectCombo", false));
     QVERIFY(Child<QPlainTextEdit>(*m_pAsm, "OutputTextEdit")->toPlainText().isEmpty());
 
-    // Switching to a panel that never compiled empties all three views.
-    Compile(Bloom(), DocType_ZFXGLSLES);
+    // Switching panels shows each one's stored result; one that never compiled empties all
+    // three views.
+    m_pController->OnPanelChanged(CZamTHash("panel"));
+    QCOMPARE(SelectorItems(*m_pAsm, "ShaderSelectCombo").size(), 3);
+    QVERIFY(Text(*m_pProfile, "GlobalTXC").toInt() > 0);
     m_pController->OnPanelChanged(CZamTHash("never compiled"));
     QVERIFY(m_pLog->toPlainText().isEmpty());
     QVERIFY(Child<QPlainTextEdit>(*m_pAsm, "OutputTextEdit")->toPlainText().isEmpty());
@@ -337,11 +333,6 @@ void COutputViewsTest::EmptyingTheViews()
     for (const char* pFigure : Figures)
         QCOMPARE(Text(*m_pProfile, pFigure), QStringLiteral("-"));
     QCOMPARE(Text(*m_pProfile, "CompilerString"), QStringLiteral("-"));
-
-    // And back: the stored result fills them again.
-    m_pController->OnPanelChanged(CZamTHash("panel"));
-    QCOMPARE(SelectorItems(*m_pAsm, "ShaderSelectCombo").size(), 3);
-    QVERIFY(Text(*m_pProfile, "GlobalTXC").toInt() > 0);
 }
 
 // Messages are coloured as the settings say and a double click on one jumps to its line.
