@@ -1,10 +1,13 @@
-// The figures the editor shows for every real-world shader, from the real
-// executables on every core: the profile's lines are the disassembly's lines, their
-// counts add up to the total and to the instructions' own cycles, and the estimate's
-// best path costs no more than the average, the average no more than the worst.
+// The executables' outputs. Every shader of tests/compiler/corpus reproduces its reference log,
+// profile and disassembly byte for byte (after an intended change of output:
+// tests/compiler/regenerate.sh <build> and review the diff). For every real-world shader on
+// every core, the figures the editor shows add up: the profile's lines are the disassembly's
+// lines, their counts add up to the total and to the instructions' own cycles, and the
+// estimate's best path costs no more than the average, the average no more than the worst.
 
 #include "Corpus.h"
 
+#include <QDir>
 #include <QFile>
 #include <QMap>
 #include <QProcess>
@@ -21,6 +24,19 @@ QString ReadText(const QString& path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+// Runs glslcompiler_<core> with every output asked for; false when it does not end.
+bool Compile(const QString& core, const QStringList& args, QProcess& process)
+{
+    process.start(qEnvironmentVariable("ZAM_BIN_DIR") + "/glslcompiler_" + core,
+                  args + QStringList{"-profile", "-perfsim", "-disasm"});
+    return process.waitForFinished(120000);
+}
+
+QString ReferenceDir()
+{
+    return qEnvironmentVariable("ZAM_SOURCE_DIR") + "/tests/compiler";
 }
 
 qint64 Figure(const QString& text, const QString& pattern)
@@ -55,6 +71,8 @@ class CCompilerFiguresTest : public QObject
 
 private slots:
     void initTestCase();
+    void referenceOutputs_data();
+    void referenceOutputs();
     void figuresAddUp_data();
     void figuresAddUp();
 
@@ -67,6 +85,50 @@ void CCompilerFiguresTest::initTestCase()
     QString error;
     QVERIFY2(ReadExpectedFailures(m_mapExpected, error), qPrintable(error));
     QVERIFY2(CorpusShaders().size() >= 60, qPrintable("the corpus is missing: " + CorpusDir()));
+}
+
+void CCompilerFiguresTest::referenceOutputs_data()
+{
+    QTest::addColumn<QString>("core");
+    QTest::addColumn<QString>("shader");
+    const QDir expected(ReferenceDir() + "/expected");
+    const QDir corpus(ReferenceDir() + "/corpus");
+    QVERIFY2(corpus.exists() && expected.exists(), "ZAM_SOURCE_DIR must point at the source tree");
+    int iRows = 0;
+    for (const QString& core : expected.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+    {
+        for (const QString& log : QDir(expected.filePath(core)).entryList({"*.log"}))
+        {
+            const QStringList matches = corpus.entryList({log.chopped(4) + ".*"});
+            QCOMPARE(matches.size(), 1);
+            QTest::addRow("%s/%s", qPrintable(core), qPrintable(matches.first())) << core << matches.first();
+            ++iRows;
+        }
+    }
+    QVERIFY(iRows >= 30);
+}
+
+void CCompilerFiguresTest::referenceOutputs()
+{
+    QFETCH(QString, core);
+    QFETCH(QString, shader);
+    const QString name = shader.section('.', 0, 0);
+    const QString expectedBase = ReferenceDir() + "/expected/" + core + "/" + name;
+    QTemporaryDir work;
+    QVERIFY(work.isValid());
+    const QString base = work.filePath("program");
+    QProcess process;
+    process.setWorkingDirectory(ReferenceDir() + "/corpus");
+    QVERIFY(Compile(core, {shader, name, base, shader.endsWith(".vsh") ? "-v" : "-f"}, process));
+    QCOMPARE(process.readAllStandardError(), QByteArray());
+    const QString log = QString::fromUtf8(process.readAllStandardOutput());
+    QCOMPARE(log, ReadText(expectedBase + ".log"));
+    QCOMPARE(process.exitCode() == 0, log.endsWith("Success.\n"));
+    for (const char* pKind : {".prof", ".disasm"})
+    {
+        QCOMPARE(QFile::exists(base + pKind), QFile::exists(expectedBase + pKind));
+        QCOMPARE(ReadText(base + pKind), ReadText(expectedBase + pKind));
+    }
 }
 
 void CCompilerFiguresTest::figuresAddUp_data()
@@ -88,11 +150,10 @@ void CCompilerFiguresTest::figuresAddUp()
     QVERIFY(work.isValid());
     const QString base = work.filePath("program");
     QProcess process;
-    process.start(qEnvironmentVariable("ZAM_BIN_DIR") + "/glslcompiler_" + core,
-                  {CorpusDir() + "/" + shader, shader, base, "-profile", "-perfsim", "-disasm"});
-    QVERIFY(process.waitForFinished(120000));
+    QVERIFY(Compile(core, {CorpusDir() + "/" + shader, shader, base}, process));
     const QString log = QString::fromUtf8(process.readAllStandardOutput());
-    const bool bRefusalListed = m_mapExpected.contains(shader) && m_mapExpected.value(shader).eOutcome == Outcome_Refused;
+    const bool bRefusalListed =
+        m_mapExpected.contains(shader) && m_mapExpected.value(shader).eOutcome == Outcome_Refused;
     if (process.exitCode() != 0 && bRefusalListed)
         return; // the differential test holds it to its line in the list
     QVERIFY2(process.exitCode() == 0 && log.endsWith("Success.\n"), qPrintable(log));
@@ -107,7 +168,8 @@ void CCompilerFiguresTest::figuresAddUp()
     {
         const QRegularExpressionMatch match = it.next();
         const int iLine = match.captured(1).toInt();
-        QVERIFY2(iLine > iPrevious && iLine <= iSourceLines, qPrintable(QString("line %1 out of order or range").arg(iLine)));
+        QVERIFY2(iLine > iPrevious && iLine <= iSourceLines,
+                 qPrintable(QString("line %1 out of order or range").arg(iLine)));
         iPrevious = iLine;
         mapProfile[iLine] = match.captured(2).toLongLong();
         llSum += mapProfile[iLine];
