@@ -74,8 +74,8 @@ public:
         if (uiIndex == m_uiCount - 1)
             return RemoveLast();
         --m_uiCount;
-        for (uint32_t ui = uiIndex; ui < m_uiCount; ++ui)
-            m_pData[ui] = std::move(m_pData[ui + 1]);
+        if (uiIndex < m_uiCount)
+            std::move(m_pData + uiIndex + 1, m_pData + m_uiCount + 1, m_pData + uiIndex);
         return 0;
     }
 
@@ -133,8 +133,7 @@ public:
         T* pBlock = NewBlock(uiNewCapacity);
         if (!pBlock)
             return 1;
-        for (uint32_t ui = 0; ui < m_uiCount; ++ui)
-            pBlock[ui] = std::move(m_pData[ui]);
+        std::move(m_pData, m_pData + m_uiCount, pBlock);
         delete[] m_pData;
         m_pData = pBlock;
         m_uiCapacity = uiNewCapacity;
@@ -180,8 +179,7 @@ private:
 
     void CopyElementsFrom(const CZamTArray& Other)
     {
-        for (uint32_t ui = 0; ui < Other.m_uiCount; ++ui)
-            m_pData[ui] = Other.m_pData[ui];
+        std::copy(Other.m_pData, Other.m_pData + Other.m_uiCount, m_pData);
         m_uiCount = Other.m_uiCount;
     }
 
