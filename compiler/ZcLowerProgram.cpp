@@ -111,7 +111,10 @@ int CProgramBuilder::Emit(ETxeOp eOp, const STxeOperand& dst, std::initializer_l
                         " instructions after inlining");
         return -1;
     }
-    STxeInstruction instr;
+    // Copied from a blank one and filled in place: an instruction is large, and building it
+    // aside and copying it in was most of what emitting cost.
+    static const STxeInstruction s_blank;
+    STxeInstruction& instr = m_program.aInstructions.emplace_back(s_blank);
     instr.eOp = eOp;
     instr.eType = IsTypedOp(eOp) ? m_eType : Type_Float;
     instr.dst = dst;
@@ -122,7 +125,6 @@ int CProgramBuilder::Emit(ETxeOp eOp, const STxeOperand& dst, std::initializer_l
             instr.aSrc[i++] = src;
     }
     instr.iLine = iLine;
-    m_program.aInstructions.push_back(instr);
     return static_cast<int>(m_program.aInstructions.size()) - 1;
 }
 

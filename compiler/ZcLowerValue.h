@@ -8,7 +8,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <initializer_list>
+#include <new>
+#include <type_traits>
 #include <vector>
 
 namespace ZamCompiler
@@ -83,7 +86,7 @@ public:
     void push_back(T element)
     {
         if (m_uiSize < k_uiInline)
-            m_aInline[m_uiSize] = element;
+            new (Inline() + m_uiSize) T(element);
         else
             Spill().push_back(element);
         ++m_uiSize;
@@ -129,7 +132,7 @@ private:
         if (m_uiSize > k_uiInline)
             m_aHeap = std::move(other.m_aHeap);
         else
-            std::copy(other.m_aInline, other.m_aInline + m_uiSize, m_aInline);
+            std::memcpy(m_aucInline, other.m_aucInline, m_uiSize * sizeof(T));
         other.m_uiSize = 0;
     }
 
@@ -137,22 +140,29 @@ private:
     std::vector<T>& Spill()
     {
         if (m_uiSize == k_uiInline)
-            m_aHeap.assign(m_aInline, m_aInline + k_uiInline);
+            m_aHeap.assign(Inline(), Inline() + k_uiInline);
         return m_aHeap;
     }
     bool Owns(const T* p) const
     {
         const auto uiAddress = reinterpret_cast<std::uintptr_t>(p);
-        auto within = [uiAddress](const T* pBegin, std::size_t uiCount) {
+        auto within = [uiAddress](const void* pBegin, std::size_t uiBytes) {
             return uiAddress >= reinterpret_cast<std::uintptr_t>(pBegin) &&
-                   uiAddress < reinterpret_cast<std::uintptr_t>(pBegin + uiCount);
+                   uiAddress < reinterpret_cast<std::uintptr_t>(pBegin) + uiBytes;
         };
-        return within(m_aInline, k_uiInline) || (!m_aHeap.empty() && within(m_aHeap.data(), m_aHeap.size()));
+        return within(m_aucInline, sizeof(m_aucInline)) ||
+               (!m_aHeap.empty() && within(m_aHeap.data(), m_aHeap.size() * sizeof(T)));
     }
-    T* Data() { return m_uiSize > k_uiInline ? m_aHeap.data() : m_aInline; }
-    const T* Data() const { return m_uiSize > k_uiInline ? m_aHeap.data() : m_aInline; }
+    T* Inline() { return reinterpret_cast<T*>(m_aucInline); }
+    const T* Inline() const { return reinterpret_cast<const T*>(m_aucInline); }
+    T* Data() { return m_uiSize > k_uiInline ? m_aHeap.data() : Inline(); }
+    const T* Data() const { return m_uiSize > k_uiInline ? m_aHeap.data() : Inline(); }
 
-    T m_aInline[k_uiInline] = {};
+    // Elements are made as they are added: a fresh list writes nothing but its size (an
+    // operand's defaults, four times over, were most of what making a value cost).
+    static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>,
+                  "kept in raw storage and copied bytewise");
+    alignas(T) unsigned char m_aucInline[k_uiInline * sizeof(T)];
     std::vector<T> m_aHeap;
     std::size_t m_uiSize = 0;
 };
