@@ -24,25 +24,29 @@ struct SLoopRange
     int iEnd;
 };
 
-void Touch(std::vector<SInterval>& aIntervals, int iRegister, int iPosition, bool bRead)
+// Registers past the end of the list (none, after lowering) grow it.
+inline void Touch(std::vector<SInterval>& aIntervals, int iRegister, int iPosition, bool bRead)
 {
-    if (iRegister < 0)
-        return;
-    if (iRegister >= static_cast<int>(aIntervals.size()))
-        aIntervals.resize(iRegister + 1);
-    SInterval& interval = aIntervals[iRegister];
+    if (static_cast<unsigned>(iRegister) >= aIntervals.size())
+    {
+        if (iRegister < 0)
+            return;
+        aIntervals.resize(static_cast<std::size_t>(iRegister) + 1);
+    }
+    SInterval& interval = aIntervals[static_cast<std::size_t>(iRegister)];
     if (interval.iStart < 0)
     {
         interval.iStart = iPosition;
         interval.bFirstIsRead = bRead;
     }
-    interval.iEnd = std::max(interval.iEnd, iPosition);
+    interval.iEnd = iPosition; // positions only grow
 }
 
 std::vector<SInterval> BuildIntervals(const STxeProgram& program)
 {
     std::vector<SInterval> aIntervals(static_cast<std::size_t>(std::max(0, program.iTemps)));
-    for (std::size_t i = 0; i < program.aInstructions.size(); ++i)
+    const std::size_t uiCount = program.aInstructions.size();
+    for (std::size_t i = 0; i < uiCount; ++i)
     {
         const STxeInstruction& instr = program.aInstructions[i];
         const int iPosition = static_cast<int>(i);
@@ -188,12 +192,12 @@ int AssignPhysical(std::vector<SInterval>& aIntervals, const std::vector<int>& a
     return iPeak;
 }
 
-void Rewrite(STxeOperand& op, const std::vector<SInterval>& aIntervals)
+inline void Rewrite(STxeOperand& op, const SInterval* pIntervals, std::size_t uiIntervals)
 {
-    if (op.eFile == File_Temp && op.iIndex >= 0 && op.iIndex < static_cast<int>(aIntervals.size()))
-        op.iIndex = aIntervals[op.iIndex].iPhysical;
-    if (op.iRelative >= 0 && op.iRelative < static_cast<int>(aIntervals.size()))
-        op.iRelative = aIntervals[op.iRelative].iPhysical;
+    if (op.eFile == File_Temp && static_cast<unsigned>(op.iIndex) < uiIntervals)
+        op.iIndex = pIntervals[op.iIndex].iPhysical;
+    if (static_cast<unsigned>(op.iRelative) < uiIntervals)
+        op.iRelative = pIntervals[op.iRelative].iPhysical;
 }
 
 } // namespace
@@ -210,11 +214,13 @@ int AllocateRegisters(STxeProgram& program)
     const std::vector<int> aOrder = ByStart(aIntervals, program.aInstructions.size());
     const int iPeak = AssignPhysical(aIntervals, aOrder, program.aInstructions.size());
 
+    const SInterval* pIntervals = aIntervals.data();
+    const std::size_t uiIntervals = aIntervals.size();
     for (STxeInstruction& instr : program.aInstructions)
     {
-        Rewrite(instr.dst, aIntervals);
+        Rewrite(instr.dst, pIntervals, uiIntervals);
         for (STxeOperand& src : instr.aSrc)
-            Rewrite(src, aIntervals);
+            Rewrite(src, pIntervals, uiIntervals);
     }
     program.iTemps = iPeak;
     return iPeak;

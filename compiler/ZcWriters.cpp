@@ -51,14 +51,26 @@ void StoreU32(char* p, std::uint32_t uiValue)
 #endif
 }
 
+// Two bits a lane, lane 0 lowest: the four lanes are read as one word and folded together.
+unsigned PackSwizzle(const std::uint8_t auiSwizzle[4])
+{
+    std::uint32_t uiLanes = 0;
+    std::memcpy(&uiLanes, auiSwizzle, sizeof(uiLanes));
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    uiLanes &= 0x03030303u;
+    return (uiLanes | uiLanes >> 6 | uiLanes >> 12 | uiLanes >> 18) & 0xFFu;
+#else
+    return (auiSwizzle[0] & 3u) | ((auiSwizzle[1] & 3u) << 2) | ((auiSwizzle[2] & 3u) << 4) | ((auiSwizzle[3] & 3u) << 6);
+#endif
+}
+
 // An operand's 12 bytes.
-void StoreOperand(char* p, const STxeOperand& op)
+inline void StoreOperand(char* p, const STxeOperand& op)
 {
     p[0] = static_cast<char>(op.eFile);
     p[1] = static_cast<char>((op.bNegate ? 1u : 0u) | (op.bAbs ? 2u : 0u) | ((op.iRelativeLane & 3u) << 2));
     p[2] = static_cast<char>(op.uiCount);
-    p[3] = static_cast<char>((op.auiSwizzle[0] & 3u) | ((op.auiSwizzle[1] & 3u) << 2) | ((op.auiSwizzle[2] & 3u) << 4) |
-                             ((op.auiSwizzle[3] & 3u) << 6));
+    p[3] = static_cast<char>(PackSwizzle(op.auiSwizzle));
     StoreU32(p + 4, static_cast<std::uint32_t>(op.iIndex));
     StoreU32(p + 8, static_cast<std::uint32_t>(op.iRelative));
 }
