@@ -246,13 +246,13 @@ void CShaderEditorTest::NewFilesAndClosingThem()
 
     // A middle click closes a tab, asking first, only when the setting says so.
     const QPoint FirstTab = pTabs->tabBar()->tabRect(0).center();
+    m_F.Delegate.Asked.clear();
     QTest::mouseClick(pTabs->tabBar(), Qt::MiddleButton, Qt::NoModifier, FirstTab);
     QCOMPARE(m_F.pEditor->GetTabCount(), 2);
     Settings::SEditor Editor;
     Editor.bCloseTabsMiddleMouse = true;
     m_F.pEditor->OnEditorSettingsChanged(Editor);
     m_F.Delegate.eAnswer = QMessageBox::Discard;
-    m_F.Delegate.Asked.clear();
     QTest::mouseClick(pTabs->tabBar(), Qt::MiddleButton, Qt::NoModifier, FirstTab);
     QCOMPARE(m_F.Delegate.Asked, QStringList{"New File (1)"});
     QCOMPARE(TabTitles(), QStringList{"New File (2)"});
