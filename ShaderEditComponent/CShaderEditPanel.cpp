@@ -100,10 +100,11 @@ CShaderEditPanel::CShaderEditPanel(QWidget* pParent, const CZamTString& FileName
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     setViewportMargins(LineNumberAreaWidth() + CycleCountAreaWidth(), 0, 0, 0);
 
-    const QString Name = ToQString(FileName);
-    const qsizetype iDot = Name.lastIndexOf(QLatin1Char('.'));
-    const QString Extension = iDot < 0 ? QString() : Name.mid(iDot + 1);
-    m_eDocType = (pText && eType == DocType_Detect) ? DetectDocumentType(*pText, Extension) : eType;
+    m_bTypeFromText = !pText && eType == DocType_Detect;
+    if (m_bTypeFromText)
+        m_eDocType = DocType_PlainText;
+    else
+        m_eDocType = eType == DocType_Detect ? DetectDocumentType(*pText, FileExtension()) : eType;
 
     m_pHighlighter = new CShaderHighlighter(document(), m_eDocType, pHighlight);
     connect(m_pHighlighter, &CShaderHighlighter::RequestDocumentType, this, &CShaderEditPanel::OnRequestDocumentType);
@@ -122,19 +123,93 @@ CShaderEditPanel::~CShaderEditPanel()
 {
     // The base class destroys the document after this part of the object is gone; none of
     // its signals may reach these slots then.
-    disconnect(document(), nullptr, this, nullptr);
+    disconnect(QPlainTextEdit::document(), nullptr, this, nullptr);
+}
+
+QString CShaderEditPanel::FileExtension() const
+{
+    const QString Name = ToQString(m_FileName);
+    const qsizetype iDot = Name.lastIndexOf(QLatin1Char('.'));
+    return iDot < 0 ? QString() : Name.mid(iDot + 1);
+}
+
+void CShaderEditPanel::SetTextLoader(std::function<void()> Load)
+{
+    m_LoadText = std::move(Load);
+}
+
+void CShaderEditPanel::EnsureText() const
+{
+    if (!m_LoadText)
+        return;
+    // Taken first: the load puts the text in through the accessors that come here.
+    const std::function<void()> Load = std::exchange(m_LoadText, nullptr);
+    Load();
+}
+
+QTextDocument* CShaderEditPanel::document() const
+{
+    EnsureText();
+    return QPlainTextEdit::document();
+}
+
+QString CShaderEditPanel::toPlainText() const
+{
+    EnsureText();
+    return QPlainTextEdit::toPlainText();
+}
+
+QTextCursor CShaderEditPanel::textCursor() const
+{
+    EnsureText();
+    return QPlainTextEdit::textCursor();
+}
+
+int CShaderEditPanel::blockCount() const
+{
+    EnsureText();
+    return QPlainTextEdit::blockCount();
+}
+
+void CShaderEditPanel::setPlainText(const QString& Text)
+{
+    EnsureText();
+    QPlainTextEdit::setPlainText(Text);
+}
+
+void CShaderEditPanel::insertPlainText(const QString& Text)
+{
+    EnsureText();
+    QPlainTextEdit::insertPlainText(Text);
+}
+
+const QString& CShaderEditPanel::GetPlainText() const
+{
+    EnsureText();
+    return m_TextMirror.GetText();
+}
+
+EShaderDocType CShaderEditPanel::GetDocumentType() const
+{
+    // Detected from the text, for a tab that has not read its file yet.
+    EnsureText();
+    return m_eDocType;
 }
 
 void CShaderEditPanel::SetContents(const QString& Text, bool bDetect)
 {
-    if (bDetect)
-        m_eDocType = DetectDocumentType(Text, QString());
-    setPlainText(Text);
-    document()->setModified(false);
+    EnsureText();
+    const bool bTypeFromText = std::exchange(m_bTypeFromText, false);
+    if (bDetect || bTypeFromText)
+        m_eDocType = DetectDocumentType(Text, bDetect ? QString() : FileExtension());
+    QPlainTextEdit::setPlainText(Text);
+    QPlainTextEdit::document()->setModified(false);
 }
 
 void CShaderEditPanel::SetDocumentType(EShaderDocType eType)
 {
+    // A type chosen now is not overridden by the one the text would give.
+    EnsureText();
     if (eType == m_eDocType)
         return;
     m_eDocType = eType;
@@ -161,12 +236,13 @@ void CShaderEditPanel::SetFilename(const CZamTString& FileName)
 
 bool CShaderEditPanel::IsModified() const
 {
-    return document()->isModified();
+    // Known without the text: a tab that has not read its file is unmodified.
+    return QPlainTextEdit::document()->isModified();
 }
 
 void CShaderEditPanel::MarkSaved()
 {
-    document()->setModified(false);
+    QPlainTextEdit::document()->setModified(false);
 }
 
 void CShaderEditPanel::MoveCursorToStart()
@@ -307,7 +383,7 @@ void CShaderEditPanel::ReplayHistory(bool bRedo)
 int CShaderEditPanel::LineNumberDigits() const
 {
     int iDigits = 2; // one more than the largest line number needs
-    for (int iLines = std::max(1, blockCount()); iLines >= 10; iLines /= 10)
+    for (int iLines = std::max(1, QPlainTextEdit::blockCount()); iLines >= 10; iLines /= 10)
         ++iDigits;
     return iDigits;
 }
@@ -624,6 +700,12 @@ void CShaderEditPanel::HandleHome(QKeyEvent* pEvent)
     pEvent->accept();
 }
 
+void CShaderEditPanel::showEvent(QShowEvent* pEvent)
+{
+    EnsureText();
+    QPlainTextEdit::showEvent(pEvent);
+}
+
 void CShaderEditPanel::resizeEvent(QResizeEvent* pEvent)
 {
     QPlainTextEdit::resizeEvent(pEvent);
@@ -723,7 +805,7 @@ void CShaderEditPanel::OnTextChanged(int iPosition, int iCharsRemoved, int iChar
 // next result (for a long time while the text does not compile).
 void CShaderEditPanel::FollowLineCount(int iPosition)
 {
-    const int iBlocks = blockCount();
+    const int iBlocks = QPlainTextEdit::blockCount();
     if (iBlocks == m_iBlockCount)
         return;
     // An edit at a line's start moves that line; anywhere else the lines after it.
@@ -783,8 +865,10 @@ void CShaderEditPanel::SetIncludersMessages(const QVector<SCompileMessage>& Mess
 
 void CShaderEditPanel::RequestRecompile()
 {
+    // The type of a tab that has not read its file yet comes from its text.
+    EnsureText();
     if (!m_bAutoCompile || !m_bCompiledAlone || !IsAutoCompiledType(m_eDocType))
         return;
     emit CancelCompile(m_PanelID);
-    emit RecompileContents(m_PanelID, m_TextMirror.GetText(), m_eDocType, CompileInvocation_Background);
+    emit RecompileContents(m_PanelID, GetPlainText(), m_eDocType, CompileInvocation_Background);
 }

@@ -17,6 +17,7 @@
 #include <QTextCursor>
 #include <QTextEdit>
 
+#include <functional>
 #include <memory>
 #include <utility>
 
@@ -42,14 +43,30 @@ public:
     };
 
     // pText is used only to detect the type when eType is DocType_Detect; the caller puts
-    // the text in with SetContents. pHighlight must outlive the panel.
+    // the text in with SetContents. Without pText a DocType_Detect panel detects its type
+    // from the first text it gets. pHighlight must outlive the panel.
     CShaderEditPanel(QWidget* pParent, const CZamTString& FileName, const QString* pText, EShaderDocType eType,
                      const CShaderHighlightController* pHighlight);
     ~CShaderEditPanel() override;
 
+    // A tab restored behind others reads its file only when something first needs its text:
+    // Load runs once, at the first access to the text through this class (below), and puts
+    // the text in with SetContents. Until then the document is empty and unmodified.
+    void SetTextLoader(std::function<void()> Load);
+    bool IsTextPending() const { return static_cast<bool>(m_LoadText); }
+    // Runs the pending load, if any. Every access to the text below goes through here.
+    void EnsureText() const;
+    QTextDocument* document() const;
+    QString toPlainText() const;
+    QTextCursor textCursor() const;
+    int blockCount() const;
+    void setPlainText(const QString& Text);
+    void insertPlainText(const QString& Text);
+
+    // Takes the text in place of the file's; a pending load runs first, so it never comes after.
     void SetContents(const QString& Text, bool bDetect);
     void SetDocumentType(EShaderDocType eType);
-    EShaderDocType GetDocumentType() const { return m_eDocType; }
+    EShaderDocType GetDocumentType() const;
     const CZamTString& GetFilename() const { return m_FileName; }
     const CZamTHash& GetPanelID() const { return m_PanelID; }
     // Compiles the text again when auto-compile is on, as an edit would (an included file changed).
@@ -77,7 +94,7 @@ public:
     // The panel whose document pDocument is, or null.
     static CShaderEditPanel* OwnerOf(const QTextDocument* pDocument);
     // The document's plain text, as toPlainText() would build it.
-    const QString& GetPlainText() const { return m_TextMirror.GetText(); }
+    const QString& GetPlainText() const;
 
     void CommentSelection();
     void UncommentSelection();
@@ -125,6 +142,7 @@ protected:
     bool event(QEvent* pEvent) override;
     bool viewportEvent(QEvent* pEvent) override;
     void keyPressEvent(QKeyEvent* pEvent) override;
+    void showEvent(QShowEvent* pEvent) override;
     void resizeEvent(QResizeEvent* pEvent) override;
     void paintEvent(QPaintEvent* pEvent) override;
 
@@ -134,6 +152,7 @@ private slots:
     void OnRequestDocumentType(CShaderHighlighter* pHighlighter);
 
 private:
+    QString FileExtension() const;
     void AutoIndent(int iPosition, int iCharsAdded);
     bool HandleTab();
     void HandleHome(QKeyEvent* pEvent);
@@ -171,6 +190,10 @@ private:
     bool m_bAutoCompile = true;
     bool m_bCompiledAlone = true;
     SDocumentFormat m_FileFormat;
+    // Set while the text is still to be read.
+    mutable std::function<void()> m_LoadText;
+    // The type is detected from the first text put in.
+    bool m_bTypeFromText = false;
     bool m_bReplayingHistory = false;
     bool m_bGutterUpdatePending = false;
     int m_iDirtyGutterTop = 0; // gutter strip to repaint; empty while bottom < top

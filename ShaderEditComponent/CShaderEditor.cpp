@@ -18,6 +18,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QPrinter>
 #include <QRegExp>
 #include <QTabBar>
@@ -31,6 +32,11 @@ namespace
 const char s_PanelObjectName[] = "EditPanel";
 const int s_iCursorMatchDelayMs = 100;
 
+// Absolute and clean, so one file reached through two spellings is one tab.
+QString CleanFullPath(const QString& Path)
+{
+    return QDir::toNativeSeparators(QDir::cleanPath(QFileInfo(Path).absoluteFilePath()));
+}
 } // namespace
 
 CShaderEditor::CShaderEditor(const CShaderHighlightController* pHighlight, QWidget* pParent)
@@ -169,7 +175,7 @@ void CShaderEditor::SetTabTitle(int iIndex, const QString& Title)
 }
 
 CShaderEditPanel* CShaderEditor::AddPanel(const QString& Title, const QString* pText, const QString& Path,
-                                          EShaderDocType eType)
+                                          EShaderDocType eType, bool bInFront)
 {
     const bool bWasEmpty = GetTabCount() == 0;
     auto* pPage = new QWidget;
@@ -182,17 +188,21 @@ CShaderEditPanel* CShaderEditor::AddPanel(const QString& Title, const QString* p
     pPanel->OnEditorSettingsChanged(m_EditorSettings);
     pPanel->OnCompilerSettingsChanged(m_CompilerSettings, 0);
     ConnectPanel(pPanel);
+    if (!bInFront)
+        pPanel->SetTextLoader([this, pPanel] { LoadTabBehind(pPanel); });
 
     const int iIndex = m_pTabWidget->addTab(pPage, Title);
     SetTabTitle(iIndex, Title);
     m_pTabWidget->setTabToolTip(iIndex, QDir::toNativeSeparators(Path));
-    m_pTabWidget->setCurrentIndex(iIndex);
+    if (bInFront)
+        m_pTabWidget->setCurrentIndex(iIndex);
     if (pText)
     {
         pPanel->SetContents(*pText, false);
         pPanel->MoveCursorToStart();
     }
-    pPanel->setFocus();
+    if (bInFront)
+        pPanel->setFocus();
     if (bWasEmpty)
         emit StateChanged(2);
     emit PanelAdded(pPanel);
@@ -245,9 +255,7 @@ bool CShaderEditor::OnOpenFile()
 
 bool CShaderEditor::OnOpenFile(const QString& Path)
 {
-    // Absolute and clean, so one file reached through two spellings is one tab.
-    const QString FullPath = QDir::toNativeSeparators(QDir::cleanPath(QFileInfo(Path).absoluteFilePath()));
-    const CZamTString FileName = ToZamString(FullPath);
+    const QString FullPath = CleanFullPath(Path);
     const int iOpen = IndexOfFile(FullPath);
     if (iOpen >= 0)
     {
@@ -259,23 +267,102 @@ bool CShaderEditor::OnOpenFile(const QString& Path)
     if (!Read.bOk)
     {
         if (m_pDelegate)
-            m_pDelegate->ReportIOError(FileName, ToZamString(Read.Error));
+            m_pDelegate->ReportIOError(ToZamString(FullPath), ToZamString(Read.Error));
         return false;
     }
-    // A save of ours that was cut short may have left its temporary file beside the document.
-    RemoveStrayTemporaries(FullPath);
     const SDocumentText Document = DecodeDocument(Read.Bytes);
     m_LastFolder = QFileInfo(FullPath).absolutePath();
     CShaderEditPanel* pPanel = AddPanel(QFileInfo(FullPath).fileName(), &Document.Text, FullPath, DocType_Detect);
-    pPanel->SetFileFormat(Document.Format);
-    m_pWatcher->Watch(FullPath, Read.Bytes);
+    TakeFile(pPanel, FullPath, Read.Bytes, Document.Format);
     emit FileOpened(FullPath);
     return true;
 }
 
+void CShaderEditor::TakeFile(CShaderEditPanel* pPanel, const QString& FullPath, const QByteArray& Bytes,
+                             const SDocumentFormat& Format)
+{
+    // A save of ours that was cut short may have left its temporary file beside the document.
+    RemoveStrayTemporaries(FullPath);
+    pPanel->SetFileFormat(Format);
+    m_pWatcher->Watch(FullPath, Bytes);
+}
+
+void CShaderEditor::OnOpenFilesBehind(const QStringList& Paths)
+{
+    qsizetype iFront = Paths.size() - 1;
+    while (iFront > 0 && !QFileInfo(Paths.at(iFront)).isFile())
+        --iFront;
+    for (qsizetype i = 0; i < Paths.size(); ++i)
+    {
+        // A file that is not there is reported now, as it always was.
+        if (i < iFront && QFileInfo(Paths.at(i)).isFile())
+            AddTabBehind(CleanFullPath(Paths.at(i)));
+        else
+            OnOpenFile(Paths.at(i));
+    }
+    // The first tab became current on its own while the others were added; it is shown now.
+    if (CShaderEditPanel* pCurrent = GetCurrentPanel(); pCurrent && pCurrent->IsTextPending())
+        OnPanelChanged(m_pTabWidget->currentIndex());
+}
+
+void CShaderEditor::AddTabBehind(const QString& FullPath)
+{
+    if (IndexOfFile(FullPath) >= 0)
+        return;
+    m_bAddingBehind = true;
+    AddPanel(QFileInfo(FullPath).fileName(), nullptr, FullPath, DocType_Detect, false);
+    m_bAddingBehind = false;
+    m_LastFolder = QFileInfo(FullPath).absolutePath();
+    emit FileOpened(FullPath);
+}
+
+void CShaderEditor::LoadTabBehind(CShaderEditPanel* pPanel)
+{
+    const QString FullPath = ToQString(pPanel->GetFilename());
+    const SFileReadResult Read = ReadDocumentFile(FullPath);
+    if (!Read.bOk)
+    {
+        // Gone or unreadable since the start: told, and the tab goes as if it had never
+        // opened; both wait for the event loop, as the text may be needed in a save or a paint.
+        m_Unread.insert(pPanel);
+        QTimer::singleShot(0, this,
+                           [this, Panel = QPointer<CShaderEditPanel>(pPanel), FullPath, Error = Read.Error]
+                           {
+                               if (m_pDelegate)
+                                   m_pDelegate->ReportIOError(ToZamString(FullPath), ToZamString(Error));
+                               const int iIndex = IndexOfPanel(Panel);
+                               if (iIndex >= 0)
+                                   CloseTab(iIndex);
+                           });
+        return;
+    }
+    const SDocumentText Document = DecodeDocument(Read.Bytes);
+    pPanel->SetContents(Document.Text, false);
+    pPanel->MoveCursorToStart();
+    TakeFile(pPanel, FullPath, Read.Bytes, Document.Format);
+}
+
+void CShaderEditor::OnLoadTabsBehind()
+{
+    for (int i = 0; i < GetTabCount(); ++i)
+    {
+        CShaderEditPanel* pPanel = GetPanel(i);
+        if (pPanel->IsTextPending())
+        {
+            pPanel->EnsureText();
+            QTimer::singleShot(0, this, &CShaderEditor::OnLoadTabsBehind);
+            return;
+        }
+    }
+}
+
 bool CShaderEditor::WritePanel(CShaderEditPanel* pPanel, const QString& Path)
 {
-    const QByteArray Bytes = EncodeDocument(pPanel->toPlainText(), pPanel->GetFileFormat());
+    const QString Text = pPanel->toPlainText();
+    // Its error is on its way; an empty text must not replace a file that could not be read.
+    if (m_Unread.contains(pPanel))
+        return false;
+    const QByteArray Bytes = EncodeDocument(Text, pPanel->GetFileFormat());
     const SFileWriteResult Written = WriteDocumentFile(Path, Bytes);
     if (!Written.bOk)
     {
@@ -351,6 +438,7 @@ bool CShaderEditor::CloseTab(int iIndex)
             return false;
     }
     emit PanelClosed(pPanel);
+    m_Unread.remove(pPanel);
     m_pWatcher->Unwatch(ToQString(pPanel->GetFilename()));
     QWidget* pPage = m_pTabWidget->widget(iIndex);
     m_pTabWidget->removeTab(iIndex);
@@ -443,8 +531,10 @@ void CShaderEditor::OnFileDeletedOnDisk(const QString& Path)
 void CShaderEditor::OnPanelChanged(int iIndex)
 {
     CShaderEditPanel* pPanel = GetPanel(iIndex);
-    if (!pPanel)
+    // The first tab added behind becomes current by itself for a moment.
+    if (!pPanel || m_bAddingBehind)
         return;
+    pPanel->EnsureText();
     emit PanelChanged(pPanel->GetPanelID());
     emit PanelChanged(static_cast<const CShaderEditPanel*>(pPanel));
     OnPanelCursorPositionChanged();

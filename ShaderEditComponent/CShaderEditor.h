@@ -9,6 +9,7 @@
 #include "Tools/ZamTHash.h"
 #include "Tools/ZamTString.h"
 
+#include <QSet>
 #include <QTimer>
 #include <QWidget>
 
@@ -79,6 +80,12 @@ public slots:
     void OnNewFile(EShaderDocType eType);
     bool OnOpenFile();
     bool OnOpenFile(const QString& Path);
+    // Opens the files as tabs in their order, the last readable one in front. The tabs behind
+    // it have their titles, paths and places at once but read their files only when first
+    // shown, when anything needs their text, or at OnLoadTabsBehind.
+    void OnOpenFilesBehind(const QStringList& Paths);
+    // Reads the files of the tabs opened behind, one per pass of the event loop.
+    void OnLoadTabsBehind();
     void OnSaveCurrentTab();
     void OnSaveCurrentTabAs();
     bool OnSaveAllTabs();
@@ -123,7 +130,15 @@ private slots:
     void OnFileDeletedOnDisk(const QString& Path);
 
 private:
-    CShaderEditPanel* AddPanel(const QString& Title, const QString* pText, const QString& Path, EShaderDocType eType);
+    // A panel in front is made the current tab and gets the focus; one behind reads its file
+    // when its text is first needed (LoadTabBehind).
+    CShaderEditPanel* AddPanel(const QString& Title, const QString* pText, const QString& Path, EShaderDocType eType,
+                               bool bInFront = true);
+    void AddTabBehind(const QString& FullPath);
+    // The text of a tab opened behind, read when it is first needed.
+    void LoadTabBehind(CShaderEditPanel* pPanel);
+    void TakeFile(CShaderEditPanel* pPanel, const QString& FullPath, const QByteArray& Bytes,
+                  const SDocumentFormat& Format);
     void ConnectPanel(CShaderEditPanel* pPanel);
     bool SaveTab(int iIndex);
     bool SaveTabAs(int iIndex);
@@ -146,4 +161,7 @@ private:
     Settings::SCompiler m_CompilerSettings;
     QString m_LastFolder; // of the last file opened or saved
     CDocumentWatcher* m_pWatcher; // the open files, for changes made by other programs
+    bool m_bAddingBehind = false;
+    // Tabs whose file could not be read when they needed it: never saved over the file.
+    QSet<const CShaderEditPanel*> m_Unread;
 };

@@ -130,6 +130,7 @@ void ZamShaderEditorWindow::FinishStartup()
     m_pHighlight->SetColourHiddenLater(false);
     AddHeldRecentFiles();
     m_pEditController->StartCompilerDetection();
+    m_pEditor->OnLoadTabsBehind();
 }
 
 ZamShaderEditorWindow::~ZamShaderEditorWindow()
@@ -321,8 +322,11 @@ void ZamShaderEditorWindow::OpenStartFiles(const QStringList& Arguments)
 bool ZamShaderEditorWindow::RestoreSession()
 {
     const CZamTArray<CZamTString> Paths = m_GUI.LoadLastOpenTabs();
+    QStringList Files;
     for (uint32_t i = 0; i < Paths.GetSize(); ++i)
-        m_pEditor->OnOpenFile(ToQString(Paths[i]));
+        Files << ToQString(Paths[i]);
+    // Only the tab in front reads its file before the first paint; FinishStartup reads the others.
+    m_pEditor->OnOpenFilesBehind(Files);
     return Paths.GetSize() > 0;
 }
 
