@@ -63,8 +63,6 @@ void CShaderEditProfileOutput::SetupUi()
         m_apCaptions[i]->setObjectName(QLatin1String(s_aNames[i].pCaption));
         m_apValues[i] = new QLabel(this);
         m_apValues[i]->setObjectName(QLatin1String(s_aNames[i].pValue));
-        // Figures are often pasted into reports.
-        m_apValues[i]->setTextInteractionFlags(Qt::TextSelectableByMouse);
     }
 
     auto* pOuter = new QVBoxLayout(this);
@@ -81,7 +79,6 @@ void CShaderEditProfileOutput::SetupUi()
     pLayout->addWidget(CreateGlobalEstimates(pContainer));
     m_pChange = new QLabel(pContainer);
     m_pChange->setObjectName(QStringLiteral("ChangeLabel"));
-    m_pChange->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_pChange->setWordWrap(true);
     pLayout->addWidget(m_pChange);
     m_Selector =
@@ -193,8 +190,20 @@ void CShaderEditProfileOutput::SetFigure(EFigure eFigure, int iValue)
         m_apValues[eFigure]->setText(QString::number(iValue));
 }
 
+void CShaderEditProfileOutput::MakeFiguresSelectable()
+{
+    // Figures are often pasted into reports. A selectable label lays its text out as a
+    // document of its own, so the placeholders of a start do without.
+    if (m_pChange->textInteractionFlags() & Qt::TextSelectableByMouse)
+        return;
+    for (QLabel* pValue : m_apValues)
+        pValue->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_pChange->setTextInteractionFlags(Qt::TextSelectableByMouse);
+}
+
 void CShaderEditProfileOutput::OnCompileResults(const SCompileResult& Results)
 {
+    MakeFiguresSelectable();
     Reset();
     m_Profiles = Results.Profiles;
     m_PreviousProfiles = Results.PreviousProfiles;

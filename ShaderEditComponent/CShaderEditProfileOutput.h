@@ -51,6 +51,7 @@ private:
     void RetranslateUi();
 
     void Reset();
+    void MakeFiguresSelectable();
     void ShowWorstCaseRow(bool bShow);
     void SetFigure(EFigure eFigure, int iValue);
     void ShowStale(int iEditsBehind);

@@ -241,6 +241,8 @@ void COutputViewsTest::SingleShader()
     QVERIFY(m_Last.CompilerString.contains(QStringLiteral("ZC1")));
     QCOMPARE(Text(*m_pProfile, "VersionString"), m_Last.VersionString);
     QVERIFY(!m_Last.VersionString.isEmpty());
+    // Figures are selectable, for pasting into reports, once there are any.
+    QVERIFY(Child<QLabel>(*m_pProfile, "GlobalTXC")->textInteractionFlags() & Qt::TextSelectableByMouse);
 
     // A branch: the worst path is dearer than the average, shown in a row of its own, and the
     // total shows the range. The same shader again does not add the row twice.
