@@ -319,6 +319,33 @@ void CTextSink::RightAligned(long long llValue, std::size_t uiWidth)
     Commit(WriteRightAligned(Reserve(uiWidth + k_uiMaxDecimal + 8), llValue, uiWidth));
 }
 
+void CTextSink::Row(const long long* pValues, const std::size_t* pWidths, std::size_t uiCount, std::size_t uiTrailing)
+{
+    std::size_t uiBound = uiTrailing;
+    for (std::size_t i = 0; i < uiCount; ++i)
+        uiBound += std::max<std::size_t>(pWidths[i], 8) + k_uiMaxDecimal + 1;
+    if (uiBound > k_uiRoom)
+    {
+        for (std::size_t i = 0; i < uiCount; ++i)
+        {
+            if (i > 0)
+                Put(' ');
+            RightAligned(pValues[i], pWidths[i]);
+        }
+        Repeat(' ', uiTrailing);
+        return;
+    }
+    char* p = Reserve(uiBound);
+    for (std::size_t i = 0; i < uiCount; ++i)
+    {
+        if (i > 0)
+            *p++ = ' ';
+        p = WriteRightAligned(p, pValues[i], pWidths[i]);
+    }
+    std::memset(p, ' ', uiTrailing);
+    Commit(p + uiTrailing);
+}
+
 bool HasTexelOffset(const STxeInstruction& instr)
 {
     return instr.aiTexelOffset[0] != 0 || instr.aiTexelOffset[1] != 0 || instr.aiTexelOffset[2] != 0;

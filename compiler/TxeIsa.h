@@ -239,6 +239,9 @@ public:
         RightAligned(llValue, 0);
     }
     void RightAligned(long long llValue, std::size_t uiWidth); // padded with spaces on the left
+    // Numbers right-aligned in columns of the given widths, one space apart, then uiTrailing
+    // spaces: the start of a table row in one step.
+    void Row(const long long* pValues, const std::size_t* pWidths, std::size_t uiCount, std::size_t uiTrailing);
     std::size_t Size() const { return m_out.size() + m_uiSize; }
     // Room for up to uiBytes (no more than k_uiRoom) in the buffer itself: a caller that
     // knows a bound writes through the pointer without a check a character, then hands the

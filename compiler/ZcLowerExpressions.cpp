@@ -73,11 +73,6 @@ bool CExpressionLowerer::Binary(TIntermBinary* pNode, SValue& value)
         return Assignment(pNode, value);
     if (eOp == EOpLogicalAnd || eOp == EOpLogicalOr)
         return ShortCircuit(pNode, value);
-    if (eOp == EOpComma)
-    {
-        SValue discarded;
-        return Lower(pNode->getLeft(), discarded) && Lower(pNode->getRight(), value);
-    }
     if (eOp == EOpIndexIndirect && !pNode->getLeft()->getType().isArray() && !pNode->getLeft()->getType().isMatrix())
         return DynamicLane(pNode, value);
     if (eOp == EOpIndexDirect || eOp == EOpIndexIndirect || eOp == EOpIndexDirectStruct || eOp == EOpVectorSwizzle)

@@ -232,12 +232,10 @@ void AppendDisassembly(const SCompilation& compilation, std::size_t uiFirst, std
         const STxeInstruction& instr = program.aInstructions[i];
         if (ClosesLevel(instr.eOp))
             iDepth = iDepth > 0 ? iDepth - 1 : 0;
-        out.RightAligned(static_cast<long long>(i), 6);
-        out.Put(' ');
-        out.RightAligned(instr.iLine, 5);
-        out.Put(' ');
-        out.RightAligned(i < compilation.aCosts.size() ? compilation.aCosts[i] : 0, 7);
-        out.Repeat(' ', 2 + static_cast<std::size_t>(iDepth) * 2);
+        const long long allColumns[] = {static_cast<long long>(i), instr.iLine,
+                                        i < compilation.aCosts.size() ? compilation.aCosts[i] : 0};
+        static const std::size_t s_auiWidths[] = {6, 5, 7};
+        out.Row(allColumns, s_auiWidths, 3, 2 + static_cast<std::size_t>(iDepth) * 2);
         AppendInstruction(out, program, instr, &aPoolTexts);
         if (instr.eOp == Op_Loop && !instr.trips.bKnown)
         {
