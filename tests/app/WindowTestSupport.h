@@ -101,13 +101,7 @@ private slots:
     }
 
 protected:
-    QString NewFile(const QString& Name, const QByteArray& Text)
-    {
-        const QString Path = m_Files.filePath(Name);
-        QDir().mkpath(QFileInfo(Path).absolutePath());
-        WriteAll(Path, Text);
-        return Path;
-    }
+    QString NewFile(const QString& Name, const QByteArray& Text) { return WriteTestFile(m_Files.path(), Name, Text); }
     // A window on Path, shown, once its first compile has reached the log; null if it never did.
     std::unique_ptr<ZamShaderEditorWindow> OpenCompiled(const QString& Path, int iWaitMs)
     {

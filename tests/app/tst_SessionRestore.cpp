@@ -2,14 +2,8 @@
 // behind the one in front read their files only after the first paint, or as soon as anything
 // needs their text, and every use of a document sees the file's text and format either way.
 
-#include "app/controller/CGUIController.h"
-#include "app/ZamShaderEditorWindow.h"
-#include "Common/ZamPreferences/ZamPreferences.h"
 #include "ShaderEditComponent/CDocumentBackups.h"
-#include "ShaderEditComponent/compile/model/MetaTypes.h"
 #include "ShaderEditComponent/compile/model/ZamStringConversion.h"
-#include "ShaderEditComponent/CShaderEditor.h"
-#include "ShaderEditComponent/CShaderEditPanel.h"
 #include "ShaderEditComponent/DocumentBackup.h"
 #include "WindowTestSupport.h"
 
@@ -18,7 +12,6 @@
 #include <QMessageBox>
 #include <QSignalSpy>
 #include <QTabWidget>
-#include <QTemporaryDir>
 #include <QtTest>
 
 namespace
@@ -63,52 +56,19 @@ private:
 };
 } // namespace
 
-class CSessionRestoreTest : public QObject
+class CSessionRestoreTest : public WindowTest::CWindowTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
     void HiddenTabsReadAfterTheFirstPaint();
     void EveryUseOfAHiddenTabSeesItsFile();
 
 private:
-    QString NewFile(const QString& Name, const QByteArray& Bytes);
     // Stores the paths as the last session's tabs, reopened at the next start.
     void StoreSession(const QStringList& Paths);
-    QString Text(const ZamShaderEditorWindow& Window, int iTab) const
-    {
-        return Window.GetEditor()->GetPanel(iTab)->toPlainText();
-    }
-
-    QTemporaryDir m_Config;
-    QTemporaryDir m_Files;
-    std::unique_ptr<CGUIController> m_pGUI;
+    static QString Text(const ZamShaderEditorWindow& Window, int iTab) { return WindowTest::PanelText(Window, iTab); }
 };
-
-void CSessionRestoreTest::initTestCase()
-{
-    RegisterCompileMetaTypes();
-    QVERIFY(m_Config.isValid() && m_Files.isValid());
-}
-
-void CSessionRestoreTest::init()
-{
-    qputenv("XDG_CONFIG_HOME", m_Config.path().toUtf8());
-    qputenv("XDG_STATE_HOME", m_Config.filePath(QStringLiteral("state")).toUtf8());
-    m_pGUI.reset();
-    QDir(m_Config.path()).removeRecursively();
-    QDir().mkpath(m_Config.path());
-    m_pGUI = WindowTest::NewGUIController();
-}
-
-QString CSessionRestoreTest::NewFile(const QString& Name, const QByteArray& Bytes)
-{
-    const QString Path = m_Files.filePath(Name);
-    [&] { QVERIFY(TestFiles::WriteAll(Path, Bytes)); }();
-    return Path;
-}
 
 void CSessionRestoreTest::StoreSession(const QStringList& Paths)
 {
