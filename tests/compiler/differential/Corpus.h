@@ -1,37 +1,22 @@
 #pragma once
 
-// The real-world corpus (tests/compiler/realworld) and its list of expected
-// failures: shaders that fail today because of a known compiler fault, each with
-// the way it fails and why. The list only ever shrinks: a listed shader that
-// starts to agree with Mesa fails the test until its line is removed.
+// The real-world corpus (tests/compiler/realworld): every shader must agree with Mesa.
 
-#include <QMap>
-#include <QString>
+#include <QDir>
 #include <QStringList>
 
 namespace ZamDifferential
 {
 
-enum EOutcome
+inline QString CorpusDir()
 {
-    Outcome_Agrees,  // compiled, and every pixel or vertex agrees with Mesa
-    Outcome_Refused, // the compiler refuses the shader
-    Outcome_Differs, // compiled, but computes something else than Mesa
-    Outcome_Breaks,  // compiled, but the program cannot run (runs away, bad index, broken blocks)
-};
+    return QStringLiteral(ZAM_REALWORLD_DIR);
+}
 
-QString OutcomeName(EOutcome eOutcome);
-
-struct SExpectedFailure
-{
-    EOutcome eOutcome = Outcome_Differs;
-    QString reason;
-};
-
-QString CorpusDir();
 // Every *.vert and *.frag file of the corpus, sorted.
-QStringList CorpusShaders();
-// "<file> <refused|differs|breaks> <reason>" per line; blank lines and # comments skipped.
-bool ReadExpectedFailures(QMap<QString, SExpectedFailure>& mapFailures, QString& error);
+inline QStringList CorpusShaders()
+{
+    return QDir(CorpusDir()).entryList({"*.vert", "*.frag"}, QDir::Files, QDir::Name);
+}
 
 } // namespace ZamDifferential

@@ -22,17 +22,15 @@ class CCompilerDifferentialTest : public QObject
 private slots:
     void initTestCase();
     void cleanupTestCase();
-    void corpusAndListAreConsistent();
     void shaderAgreesWithMesa_data();
     void shaderAgreesWithMesa();
 
 private:
-    EOutcome RunCompiled(const std::string& source, const SShaderInterface& shaderInterface,
+    bool RunCompiled(const std::string& source, const SShaderInterface& shaderInterface,
                          CReferenceTextures& textures, const SResults& mesa, QString& details);
 
     std::unique_ptr<ZamCompiler::CFrontEndProcess> m_pFrontEnd;
     CMesaContext m_mesa;
-    QMap<QString, SExpectedFailure> m_mapExpected;
     int m_iShaders = 0;
     int m_iAgreeingShaders = 0;
     long m_lRows = 0;
@@ -43,8 +41,8 @@ private:
 void CCompilerDifferentialTest::initTestCase()
 {
     m_pFrontEnd = std::make_unique<ZamCompiler::CFrontEndProcess>();
-    QString listError;
-    QVERIFY2(ReadExpectedFailures(m_mapExpected, listError), qPrintable(listError));
+    const int iShaders = CorpusShaders().size();
+    QVERIFY2(iShaders >= 60, qPrintable(QString("only %1 shaders in %2").arg(iShaders).arg(CorpusDir())));
     std::string error;
     if (!m_mesa.Initialise(error))
         QFAIL(qPrintable("Mesa is the reference this test compares with, and it cannot start: " + QString::fromStdString(error)));
@@ -58,14 +56,6 @@ void CCompilerDifferentialTest::cleanupTestCase()
     m_pFrontEnd.reset();
 }
 
-void CCompilerDifferentialTest::corpusAndListAreConsistent()
-{
-    const QStringList shaders = CorpusShaders();
-    QVERIFY2(shaders.size() >= 60, qPrintable(QString("only %1 shaders in %2").arg(shaders.size()).arg(CorpusDir())));
-    for (auto it = m_mapExpected.cbegin(); it != m_mapExpected.cend(); ++it)
-        QVERIFY2(shaders.contains(it.key()), qPrintable("expected_failures.txt lists a missing shader: " + it.key()));
-}
-
 void CCompilerDifferentialTest::shaderAgreesWithMesa_data()
 {
     QTest::addColumn<QString>("shader");
@@ -73,7 +63,7 @@ void CCompilerDifferentialTest::shaderAgreesWithMesa_data()
         QTest::newRow(qPrintable(shader)) << shader;
 }
 
-EOutcome CCompilerDifferentialTest::RunCompiled(const std::string& source, const SShaderInterface& shaderInterface,
+bool CCompilerDifferentialTest::RunCompiled(const std::string& source, const SShaderInterface& shaderInterface,
                                                 CReferenceTextures& textures, const SResults& mesa, QString& details)
 {
     m_lRows += static_cast<long>(mesa.aaRows.size());
@@ -82,26 +72,26 @@ EOutcome CCompilerDifferentialTest::RunCompiled(const std::string& source, const
     if (!CompileForTxe(source, shaderInterface.eStage, compilation, text))
     {
         details = "the compiler refuses it:" + QString::fromStdString(text);
-        return Outcome_Refused;
+        return false;
     }
     SResults txe;
     if (!RunOnTxe(compilation.program, shaderInterface, textures, txe, text))
     {
         details = "its program breaks in the interpreter: " + QString::fromStdString(text);
-        return Outcome_Breaks;
+        return false;
     }
     const SComparison comparison = Compare(mesa, txe, shaderInterface.eStage);
     m_lAgreeingRows += comparison.iAgreeingRows;
     m_lUndecidedRows += comparison.iUndecidedRows;
     if (comparison.iAgreeingRows + comparison.iUndecidedRows == comparison.iRows)
-        return Outcome_Agrees;
+        return true;
     const bool bVertex = shaderInterface.eStage == ZamCompiler::Stage_Vertex;
     details = QString("%1 of %2 %3 disagree with Mesa:%4")
                   .arg(comparison.iRows - comparison.iAgreeingRows - comparison.iUndecidedRows)
                   .arg(comparison.iRows)
                   .arg(bVertex ? "vertices" : "pixels")
                   .arg(QString::fromStdString(comparison.report));
-    return Outcome_Differs;
+    return false;
 }
 
 void CCompilerDifferentialTest::shaderAgreesWithMesa()
@@ -120,21 +110,10 @@ void CCompilerDifferentialTest::shaderAgreesWithMesa()
     QVERIFY2(RunOnMesa(source, shaderInterface, textures, mesa, error), ("Mesa refuses the shader: " + error).c_str());
 
     QString details;
-    const EOutcome eOutcome = RunCompiled(source, shaderInterface, textures, mesa, details);
+    const bool bAgrees = RunCompiled(source, shaderInterface, textures, mesa, details);
     ++m_iShaders;
-    m_iAgreeingShaders += eOutcome == Outcome_Agrees ? 1 : 0;
-    const auto expected = m_mapExpected.constFind(shader);
-    if (expected == m_mapExpected.cend())
-    {
-        QVERIFY2(eOutcome == Outcome_Agrees, qPrintable(details));
-        return;
-    }
-    if (eOutcome == Outcome_Agrees)
-        QFAIL("expected_failures.txt lists this shader, but it agrees with Mesa now: remove its line");
-    QVERIFY2(eOutcome == expected->eOutcome, qPrintable(QString("listed as %1, but it %2 now: %3")
-                                                            .arg(OutcomeName(expected->eOutcome), OutcomeName(eOutcome), details)));
-    QEXPECT_FAIL("", qPrintable(expected->reason), Continue);
-    QVERIFY2(eOutcome == Outcome_Agrees, qPrintable(details));
+    m_iAgreeingShaders += bAgrees ? 1 : 0;
+    QVERIFY2(bAgrees, qPrintable(details));
 }
 
 QTEST_GUILESS_MAIN(CCompilerDifferentialTest)

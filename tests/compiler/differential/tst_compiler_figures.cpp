@@ -75,15 +75,10 @@ private slots:
     void referenceOutputs();
     void figuresAddUp_data();
     void figuresAddUp();
-
-private:
-    QMap<QString, SExpectedFailure> m_mapExpected;
 };
 
 void CCompilerFiguresTest::initTestCase()
 {
-    QString error;
-    QVERIFY2(ReadExpectedFailures(m_mapExpected, error), qPrintable(error));
     QVERIFY2(CorpusShaders().size() >= 60, qPrintable("the corpus is missing: " + CorpusDir()));
 }
 
@@ -152,10 +147,6 @@ void CCompilerFiguresTest::figuresAddUp()
     QProcess process;
     QVERIFY(Compile(core, {CorpusDir() + "/" + shader, shader, base}, process));
     const QString log = QString::fromUtf8(process.readAllStandardOutput());
-    const bool bRefusalListed =
-        m_mapExpected.contains(shader) && m_mapExpected.value(shader).eOutcome == Outcome_Refused;
-    if (process.exitCode() != 0 && bRefusalListed)
-        return; // the differential test holds it to its line in the list
     QVERIFY2(process.exitCode() == 0 && log.endsWith("Success.\n"), qPrintable(log));
 
     const QString profile = ReadText(base + ".prof");
