@@ -1,6 +1,7 @@
 #include "ZamShaderEditorWindow.h"
 
 #include "AllCoresDock.h"
+#include "FindBarDock.h"
 #include "IncludeWatch.h"
 #include "app/controller/ApplicationText.h"
 #include "app/controller/CGUIController.h"
@@ -8,7 +9,6 @@
 #include "app/controller/InstallLayout.h"
 #include "app/help/CUpdateChecker.h"
 #include "Common/ZamPreferences/ZamPreferences.h"
-#include "ShaderEditComponent/CFindReplace.h"
 #include "ShaderEditComponent/CNewShaderFileDialog.h"
 #include "ShaderEditComponent/compile/controller/CShaderEditController.h"
 #include "ShaderEditComponent/compile/model/FileFormats.h"
@@ -104,6 +104,7 @@ ZamShaderEditorWindow::ZamShaderEditorWindow(const SEditorWindowOptions& Options
     {
         m_GUI.RestoreWindowLayout(*this);
         m_bASMWanted = !m_pASMDock->isHidden();
+        m_pFindBar->MakeBarIfShown();
     }
     else
     {
@@ -127,6 +128,7 @@ void ZamShaderEditorWindow::FinishStartup()
 {
     if (std::exchange(m_bStartupFinished, true))
         return;
+    MakeASMView();
     m_pHighlight->SetColourHiddenLater(false);
     AddHeldRecentFiles();
     m_pEditController->StartCompilerDetection();
@@ -178,7 +180,8 @@ QDockWidget* ZamShaderEditorWindow::AddDock(QWidget* pView, const char* pObjectN
 {
     auto* pDock = new QDockWidget(this);
     pDock->setObjectName(QLatin1String(pObjectName));
-    pDock->setWidget(pView);
+    if (pView)
+        pDock->setWidget(pView);
     pDock->setWindowTitle(GetApplicationText(iTitle));
     pDock->toggleViewAction()->setText(GetApplicationText(iToggle));
     addDockWidget(eArea, pDock);
@@ -188,32 +191,17 @@ QDockWidget* ZamShaderEditorWindow::AddDock(QWidget* pView, const char* pObjectN
 
 void ZamShaderEditorWindow::BuildDocks()
 {
-    m_pFindReplace = new CFindReplace(this);
-    m_pFindReplace->setObjectName(QStringLiteral("FindReplaceDialog"));
-    m_pFindReplace->SetDelegate(m_pEditor);
-    m_pFindDock = new QDockWidget(this);
-    m_pFindDock->setObjectName(QStringLiteral("FindDock"));
-    m_pFindDock->setFeatures(QDockWidget::NoDockWidgetFeatures);
-    m_pFindDock->setTitleBarWidget(new QWidget(m_pFindDock));
-    m_pFindDock->setWidget(m_pFindReplace);
-    addDockWidget(Qt::BottomDockWidgetArea, m_pFindDock);
-    m_pFindDock->hide();
+    m_pFindBar = new CFindBarDock(*this, *m_pEditor, *m_Ui.actionFind, *m_Ui.actionReplace);
+    m_pFindDock = m_pFindBar->GetDock();
 
     // Each dock needs a name of its own, or a stored layout cannot tell them apart.
     auto* pLog = new CShaderEditLogOutput(m_pEditController.get(), this);
     m_pLogDock = AddDock(pLog, "DockWidget", Qt::BottomDockWidgetArea, AppText_Output, AppText_ShowCompileOutput);
     m_pProfileDock = AddDock(new CShaderEditProfileOutput(m_pEditController.get(), this), "DockWidget_Profile",
                              Qt::RightDockWidgetArea, AppText_Profile, AppText_ShowProfile);
-    auto* pASM = new CShaderEditASMOutput(m_pEditController.get(), m_pHighlight.get(), this);
-    m_pASMDock = AddDock(pASM, "DockWidget_TXEASM", Qt::RightDockWidgetArea, AppText_TXEASM, AppText_ShowTXEASM);
-    // The editor's line and its instructions find each other.
-    connect(m_pEditor, &CShaderEditor::LineChanged, pASM, &CShaderEditASMOutput::OnSourceLineSelected);
-    connect(pASM, &CShaderEditASMOutput::SourceLineSelected, this,
-            [this](int iLine)
-            {
-                if (CShaderEditPanel* pPanel = m_pEditor->GetCurrentPanel())
-                    pPanel->ShowSourceLine(iLine);
-            });
+    // The disassembly is hidden until the compiler is known to write one: its view is made
+    // when the dock is to be shown or after the first paint, whichever comes first.
+    m_pASMDock = AddDock(nullptr, "DockWidget_TXEASM", Qt::RightDockWidgetArea, AppText_TXEASM, AppText_ShowTXEASM);
     connect(m_pASMDock->toggleViewAction(), &QAction::toggled, this,
             [this](bool bVisible)
             {
@@ -235,6 +223,24 @@ void ZamShaderEditorWindow::BuildDocks()
     new CIncludeWatch(*m_pEditor, *m_pEditController, this);
 }
 
+void ZamShaderEditorWindow::MakeASMView()
+{
+    if (m_pASMDock->widget())
+        return;
+    auto* pASM = new CShaderEditASMOutput(m_pEditController.get(), m_pHighlight.get(), this);
+    m_pASMDock->setWidget(pASM);
+    // The editor's line and its instructions find each other.
+    connect(m_pEditor, &CShaderEditor::LineChanged, pASM, &CShaderEditASMOutput::OnSourceLineSelected);
+    connect(pASM, &CShaderEditASMOutput::SourceLineSelected, this,
+            [this](int iLine)
+            {
+                if (CShaderEditPanel* pPanel = m_pEditor->GetCurrentPanel())
+                    pPanel->ShowSourceLine(iLine);
+            });
+    if (const CShaderEditPanel* pPanel = m_pEditor->GetCurrentPanel())
+        pASM->OnSourceLineSelected(pPanel->textCursor().blockNumber() + 1);
+}
+
 void ZamShaderEditorWindow::ConnectEditor()
 {
     connect(m_pEditor, qOverload<const CShaderEditPanel*>(&CShaderEditor::PanelChanged), this,
@@ -247,7 +253,6 @@ void ZamShaderEditorWindow::ConnectEditor()
             &ZamShaderEditorWindow::OnCompilerFlagsChanged);
     connect(m_pEditor, &CShaderEditor::LineChanged, m_pLineLabel, qOverload<int>(&QLabel::setNum));
     connect(m_pEditor, &CShaderEditor::ColChanged, m_pColumnLabel, qOverload<int>(&QLabel::setNum));
-    connect(m_pFindReplace, &CFindReplace::visibilityChanged, m_Ui.actionFind, &QAction::setChecked);
     connect(m_pFileTypeSelector, &QComboBox::currentIndexChanged, this,
             &ZamShaderEditorWindow::OnFileTypeSelectorChanged);
     connect(m_pEditController.get(), &CShaderEditController::BeginCompiling, this,
@@ -286,11 +291,6 @@ void ZamShaderEditorWindow::ConnectActions()
     connect(Ui.actionIndent_Selection, &QAction::triggered, pEditor, &CShaderEditor::OnIndentSelection);
     connect(Ui.actionOutdent_Selection, &QAction::triggered, pEditor, &CShaderEditor::OnOutdentSelection);
     connect(Ui.actionPrint, &QAction::triggered, pEditor, &CShaderEditor::OnPrint);
-    connect(Ui.actionFind, &QAction::triggered, m_pFindReplace, &CFindReplace::ShowFind);
-    connect(Ui.actionReplace, &QAction::triggered, m_pFindReplace, &CFindReplace::ShowReplace);
-    // A checkable action flips on every trigger; it shows whether the bar is there.
-    connect(Ui.actionFind, &QAction::triggered, this,
-            [this] { m_Ui.actionFind->setChecked(m_pFindDock->isVisible()); });
     connect(Ui.actionPreferences, &QAction::triggered, this, &ZamShaderEditorWindow::OnPreferencesDialog);
     connect(Ui.actionCompile, &QAction::triggered, this, &ZamShaderEditorWindow::OnCompileDialog);
     connect(Ui.actionCheck_For_Updates, &QAction::triggered, m_pUpdateChecker, &CUpdateChecker::OnForceCheckForUpdates);
@@ -400,6 +400,8 @@ void ZamShaderEditorWindow::OnPanelChanged(const CShaderEditPanel* pPanel)
 void ZamShaderEditorWindow::OnCompilerFlagsChanged(uint uiFlags)
 {
     const bool bDisassembly = (uiFlags & s_uiDisassemblyFlag) != 0;
+    if (bDisassembly && m_bASMWanted)
+        MakeASMView();
     m_bApplyingFlags = true;
     m_pASMDock->setVisible(bDisassembly && m_bASMWanted);
     m_pASMDock->toggleViewAction()->setEnabled(bDisassembly);

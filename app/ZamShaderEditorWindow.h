@@ -9,8 +9,8 @@
 
 #include <memory>
 
+class CFindBarDock;
 class CGUIController;
-class CFindReplace;
 class CRecentFiles;
 class CShaderEditController;
 class CShaderEditPanel;
@@ -97,6 +97,9 @@ private:
     void FinishStartup();
     // The files opened while the recent files were held, in order.
     void AddHeldRecentFiles();
+    // The disassembly view, once.
+    void MakeASMView();
+    // pView may be null: the dock's view is set later.
     QDockWidget* AddDock(QWidget* pView, const char* pObjectName, Qt::DockWidgetArea eArea, int iTitle, int iToggle);
     void ConnectEditor();
     void ConnectActions();
@@ -113,7 +116,7 @@ private:
     std::unique_ptr<CShaderHighlightController> m_pHighlight;
     std::unique_ptr<CShaderEditController> m_pEditController;
     CShaderEditor* m_pEditor = nullptr;
-    CFindReplace* m_pFindReplace = nullptr;
+    CFindBarDock* m_pFindBar = nullptr;
     QDockWidget* m_pFindDock = nullptr;
     QDockWidget* m_pLogDock = nullptr;
     QDockWidget* m_pProfileDock = nullptr;

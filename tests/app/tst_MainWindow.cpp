@@ -220,6 +220,7 @@ void CMainWindowTest::SessionAndCloseSequence()
         QVERIFY(QTest::qWaitForWindowExposed(pWindow.get()));
         pWindow->resize(900, 600);
         Child<QDockWidget>(*pWindow, "DockWidget_Profile")->hide();
+        pWindow->GetUi().actionFind->trigger();
         // The first tab is the modified one, so a cancel at its question closes nothing.
         pWindow->GetEditor()->GetPanel(0)->insertPlainText(QStringLiteral("// edited\n"));
 
@@ -250,6 +251,10 @@ void CMainWindowTest::SessionAndCloseSequence()
         QCOMPARE(pWindow->size(), QSize(900, 600));
         QVERIFY(Child<QDockWidget>(*pWindow, "DockWidget_Profile")->isHidden());
         QVERIFY(!Child<QDockWidget>(*pWindow, "DockWidget")->isHidden());
+        // The find bar left open comes back with its dock, though bars are otherwise made on first use.
+        const QDockWidget* pFindDock = Child<QDockWidget>(*pWindow, "FindDock");
+        QVERIFY(!pFindDock->isHidden());
+        QVERIFY(pFindDock->widget() && pFindDock->widget()->objectName() == QLatin1String("FindReplaceDialog"));
 
         // With the option off, closing stores an empty list.
         General.bOpenLastTabs = false;
