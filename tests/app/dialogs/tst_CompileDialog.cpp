@@ -307,8 +307,13 @@ void CCompileDialogTest::BundledCompilerWritesOneOutputPerShader()
     auto pDialog = Open(Effect, QString(), Output, DocType_ZFXGLSLES);
     ChooseBuiltIn(*pDialog, {"profile", "asm"});
     QSignalSpy Log(m_Controllers.pEdit.get(), &CShaderEditController::CompileOutputChanged);
+    QSignalSpy Result(m_Controllers.pEdit.get(), &CShaderEditController::CompileProfileChanged);
     pDialog->findChild<QDialogButtonBox*>(QStringLiteral("buttonBox"))->button(QDialogButtonBox::Ok)->click();
     QVERIFY(Log.wait(30000));
+    // The counts land on the effect file's own lines: line 60 is the fragment shader's only work.
+    QTRY_COMPARE(Result.size(), 1);
+    const CZamTArray<int> Counts = Result.first().at(0).value<SCompileResult>().CycleCounts;
+    QVERIFY(Counts.GetSize() >= 60 && Counts[59] > 0);
     const QStringList Written = QDir(Output).entryList(QDir::Files, QDir::Name);
     QCOMPARE(Written, (QStringList{"lit effect_TexturedFragment", "lit effect_TexturedFragment.disasm",
                                    "lit effect_TexturedFragment.prof", "lit effect_TexturedVertex",

@@ -61,6 +61,7 @@ private slots:
     void initTestCase();
     void EveryExampleCompilesCleanlyOnEveryCore();
     void ExamplesAreBesideTheBuild();
+    void BadFilesFailTheRun();
 
 private:
     QTemporaryDir m_Config;
@@ -68,9 +69,12 @@ private:
 
 void CExamplesTest::initTestCase()
 {
-    // The command-line compile reads the user's preferences; it gets an empty folder.
+    // The command-line compile reads the user's preferences; it gets an empty folder, and no
+    // display of any kind.
     QVERIFY(m_Config.isValid());
     qputenv("XDG_CONFIG_HOME", m_Config.path().toUtf8());
+    for (const char* pName : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        qunsetenv(pName);
     QVERIFY(ExampleShaders().size() >= 5);
 }
 
@@ -110,6 +114,27 @@ void CExamplesTest::ExamplesAreBesideTheBuild()
         QVERIFY(Built.open(QIODevice::ReadOnly) && Source.open(QIODevice::ReadOnly));
         QCOMPARE(Built.readAll(), Source.readAll());
     }
+}
+
+// A good file, a broken one and a missing one, then no file at all: both runs fail, and
+// nothing is written to the configuration folder.
+void CExamplesTest::BadFilesFailTheRun()
+{
+    const QString Good = QDir(TestFiles::SourceDir()).filePath(QStringLiteral("examples/lit_mesh.fsh"));
+    QTemporaryDir Work;
+    const QString Broken = TestFiles::WriteTestFile(Work.path(), "broken.fsh",
+                                                    "void main()\n{\n    gl_FragColor = missing;\n}\n");
+    const SCompileRun Run = CompileWithEditor({QStringLiteral("--core"), QStringLiteral("zc2"), Good, Broken,
+                                               QStringLiteral("absent.fsh")});
+    QCOMPARE(Run.iExitCode, 1);
+    QVERIFY2(Run.Output.contains(QStringLiteral("GLSL:ES Fragment Shader: Compile succeeded.\n"
+                                                 "GLSL:ES Fragment Shader: Compile failed.\nERROR: 0:3:"))
+                 && Run.Output.contains(QStringLiteral("absent.fsh")),
+             qPrintable(Run.Output));
+    const SCompileRun Nothing = CompileWithEditor({});
+    QCOMPARE(Nothing.iExitCode, 1);
+    QVERIFY(!Nothing.Output.isEmpty());
+    QCOMPARE(QDir(m_Config.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries), QStringList());
 }
 
 QTEST_GUILESS_MAIN(CExamplesTest)
