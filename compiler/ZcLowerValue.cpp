@@ -5,39 +5,9 @@
 namespace ZamCompiler
 {
 
-STxeOperand TempOperand(int iRegister, int iLanes)
-{
-    STxeOperand op;
-    op.eFile = File_Temp;
-    op.iIndex = iRegister;
-    op.uiCount = static_cast<std::uint8_t>(std::clamp(iLanes, 1, 4));
-    return op;
-}
-
-STxeOperand Swizzled(const STxeOperand& op, const CLanes& aLanes)
-{
-    STxeOperand result = op;
-    const int iCount = std::min<int>(4, static_cast<int>(aLanes.size()));
-    for (int i = 0; i < iCount; ++i)
-        result.auiSwizzle[i] = op.auiSwizzle[std::min<int>(aLanes[i], 3)];
-    result.uiCount = static_cast<std::uint8_t>(iCount);
-    return result;
-}
-
 STxeOperand Lane(const STxeOperand& op, int iLane)
 {
     return Swizzled(op, {static_cast<std::uint8_t>(iLane)});
-}
-
-STxeOperand Broadcast(const STxeOperand& op, int iLanes)
-{
-    if (op.uiCount != 1 || iLanes <= 1)
-        return op;
-    STxeOperand result = op;
-    for (int i = 0; i < 4; ++i)
-        result.auiSwizzle[i] = op.auiSwizzle[0];
-    result.uiCount = static_cast<std::uint8_t>(std::min(iLanes, 4));
-    return result;
 }
 
 STxeOperand Fit(const STxeOperand& op, int iWidth)
@@ -60,14 +30,6 @@ STxeOperand Absolute(const STxeOperand& op)
     result.bAbs = true;
     result.bNegate = false;
     return result;
-}
-
-CLanes IdentityLanes(int iLanes)
-{
-    CLanes aLanes;
-    for (int i = 0; i < iLanes; ++i)
-        aLanes.push_back(static_cast<std::uint8_t>(i));
-    return aLanes;
 }
 
 ETxeOp DotFor(int iLanes)

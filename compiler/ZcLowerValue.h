@@ -176,16 +176,52 @@ struct SValue
     CSlotList aSlots;
 };
 
-STxeOperand TempOperand(int iRegister, int iLanes);
-STxeOperand Swizzled(const STxeOperand& op, const CLanes& aLanes);
+// The helpers lowering calls for nearly every operand are defined here, so they cost no call.
+inline STxeOperand TempOperand(int iRegister, int iLanes)
+{
+    STxeOperand op;
+    op.eFile = File_Temp;
+    op.iIndex = iRegister;
+    op.uiCount = static_cast<std::uint8_t>(std::clamp(iLanes, 1, 4));
+    return op;
+}
+
+inline STxeOperand Swizzled(const STxeOperand& op, const CLanes& aLanes)
+{
+    STxeOperand result = op;
+    const int iCount = std::min<int>(4, static_cast<int>(aLanes.size()));
+    for (int i = 0; i < iCount; ++i)
+        result.auiSwizzle[i] = op.auiSwizzle[std::min<int>(aLanes[i], 3)];
+    result.uiCount = static_cast<std::uint8_t>(iCount);
+    return result;
+}
+
 STxeOperand Lane(const STxeOperand& op, int iLane);
+
 // A one-lane operand repeated over iLanes lanes; wider operands are left as they are.
-STxeOperand Broadcast(const STxeOperand& op, int iLanes);
+inline STxeOperand Broadcast(const STxeOperand& op, int iLanes)
+{
+    if (op.uiCount != 1 || iLanes <= 1)
+        return op;
+    STxeOperand result = op;
+    for (int i = 0; i < 4; ++i)
+        result.auiSwizzle[i] = op.auiSwizzle[0];
+    result.uiCount = static_cast<std::uint8_t>(std::min(iLanes, 4));
+    return result;
+}
+
 // Broadcast, then cut down to at most iWidth lanes.
 STxeOperand Fit(const STxeOperand& op, int iWidth);
 STxeOperand Negated(const STxeOperand& op);
 STxeOperand Absolute(const STxeOperand& op);
-CLanes IdentityLanes(int iLanes);
+inline CLanes IdentityLanes(int iLanes)
+{
+    CLanes aLanes;
+    for (int i = 0; i < iLanes; ++i)
+        aLanes.push_back(static_cast<std::uint8_t>(i));
+    return aLanes;
+}
+
 // dp2/dp3/dp4 for 2 to 4 lanes; a one-lane "dot product" is a multiply.
 ETxeOp DotFor(int iLanes);
 bool SameRegister(const STxeOperand& a, const STxeOperand& b);
