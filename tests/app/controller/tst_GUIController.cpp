@@ -188,12 +188,7 @@ void CGUIControllerTest::RecentFiles()
     QCOMPARE(Recent.GetEntries().size(), 10);
     QVERIFY(!Recent.GetEntries().contains(Stored(Paths[0])));
 
-    // Choosing an entry gives back a path that opens here.
-    QSignalSpy Chosen(&Recent, &CRecentFiles::triggered);
-    MenuEntries(Menu).first()->trigger();
-    QCOMPARE(Chosen.count(), 1);
-    QCOMPARE(Chosen.at(0).at(0).toString(), Paths[10]);
-
+    // (Choosing an entry opens its file: tst_MainWindow.)
     // Clearing empties the file and the menu at once; the next start sees it too.
     Menu.findChild<QAction*>(QStringLiteral("ClearRecentFiles"))->trigger();
     QVERIFY(MenuEntries(Menu).isEmpty());
