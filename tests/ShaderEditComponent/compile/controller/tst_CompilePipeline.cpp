@@ -10,6 +10,7 @@
 #include "ShaderEditComponent/compile/process/CompileCommandLine.h"
 #include "tests/support/CompileTestSupport.h"
 
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -114,6 +115,8 @@ private slots:
     void init();
     void cleanup();
 
+    void BundledCompilersAreDetected_data();
+    void BundledCompilersAreDetected();
     void EffectFileShaderByShader();
     void BackgroundCompileLog_data();
     void BackgroundCompileLog();
@@ -179,6 +182,40 @@ void CCompilePipelineTest::CompileAndWait(const QString& Text, EShaderDocType eT
     const int iBefore = m_Delivery.iResults;
     m_pController->CompilePanelIn(Folder, CZamTHash("panel"), Text, eType, CompileInvocation_Background);
     QTRY_COMPARE_WITH_TIMEOUT(m_Delivery.iResults, iBefore + 1, 60000);
+}
+
+// Each bundled compiler's banner, read the way the editor looks for compilers: its name, its
+// version and the switches it lists.
+void CCompilePipelineTest::BundledCompilersAreDetected_data()
+{
+    QTest::addColumn<QString>("Executable");
+    QTest::addColumn<QString>("Compiler");
+    QTest::addColumn<QStringList>("Options");
+
+    const QStringList Glsl{"v", "f", "nowarn", "profile", "perfsim", "disasm", "D", "I"};
+    QTest::newRow("zc1") << "glslcompiler_zc1" << "ZC1 rev 1" << Glsl;
+    QTest::newRow("zc2") << "glslcompiler_zc2" << "ZC2 rev 2" << Glsl;
+    QTest::newRow("zc3") << "glslcompiler_zc3" << "ZC3 rev 1" << Glsl;
+    QTest::newRow("zd1") << "glslcompiler_zd1" << "ZD1 rev 3" << Glsl;
+    QTest::newRow("OpenCL") << "clcompiler_zc1" << "OpenCL 1.2 ZC1" << QStringList{"nowarn", "profile", "disasm"};
+}
+
+void CCompilePipelineTest::BundledCompilersAreDetected()
+{
+    QFETCH(QString, Executable);
+    QFETCH(QString, Compiler);
+    QFETCH(QStringList, Options);
+    if (!QFileInfo(Program(Executable)).isExecutable())
+        QSKIP("not part of this build");
+    const SCompilerDetection Detection = DetectCompiler(Program(Executable));
+    QVERIFY(Detection.IsUsable());
+    QCOMPARE(Detection.Compiler, Compiler);
+    QVERIFY2(QRegularExpression(QStringLiteral("^\\d+\\.\\d+\\.\\d+@\\d+$")).match(Detection.Version).hasMatch(),
+             qPrintable(Detection.Version));
+    QStringList Found;
+    for (uint32_t i = 0; i < Detection.Options.GetSize(); ++i)
+        Found << Detection.Options[i];
+    QCOMPARE(Found, Options);
 }
 
 void CCompilePipelineTest::EffectFileShaderByShader()
