@@ -239,10 +239,7 @@ void CCompileParsersTest::Banner_data()
     QTest::addColumn<QStringList>("Options");
     QTest::addColumn<bool>("HasOptions");
 
-    QTest::newRow("rev and zcddk") << "Zam GLSL ES reference compiler for ZC1 rev 2. zcddk 2.0.0@123\nUsage: x\n"
-                                      "OPTIONS are:\n -v        a\n -f        b\n -profile  c\n"
-                                   << "ZC1 rev 2"
-                                   << "2.0.0@123" << QStringList{"v", "f", "profile"} << true;
+    // The bundled compilers' own banners are read in tst_CompilePipeline.
     QTest::newRow("plain version") << "Offline compiler for ZC3. Version 1.2.3@45\nOPTIONS are:\n -disasm x\n"
                                    << "ZC3"
                                    << "1.2.3@45" << QStringList{"disasm"} << true;
