@@ -1,5 +1,6 @@
-// Compiler command lines and command templates: what is written, how it splits back into
-// words, and that no file name ever becomes more than its one argument.
+// Compiler command lines and command templates: what is written and how it splits back into
+// words. (That no file name ever becomes more than its one argument, tst_CompileDialog checks
+// through the dialog, with the program run.)
 
 #include "ShaderEditComponent/compile/process/CompileCommandLine.h"
 
@@ -13,8 +14,6 @@ private slots:
     void BuiltCommands();
     void Split_data();
     void Split();
-    void HostileFileNameStaysOneArgument_data();
-    void HostileFileNameStaysOneArgument();
 };
 
 void CCompileCommandLineTest::BuiltCommands()
@@ -61,31 +60,6 @@ void CCompileCommandLineTest::Split()
     QFETCH(QString, Line);
     QFETCH(QStringList, Words);
     QCOMPARE(SplitCommandLine(Line), Words);
-}
-
-void CCompileCommandLineTest::HostileFileNameStaysOneArgument_data()
-{
-    QTest::addColumn<QString>("Template");
-    QTest::addColumn<QString>("FileName");
-    QTest::addColumn<QStringList>("Arguments");
-
-    const QString Hostile = QStringLiteral("x\"; rm -rf ~; \".frag");
-    QTest::newRow("bare placeholders") << "tool %f% -o %i%/%b%.out" << Hostile
-                                       << QStringList{Hostile, "-o", "/src/x\"; rm -rf ~; \".out"};
-    QTest::newRow("placeholder text in the name")
-        << "tool %f% %b%" << QStringLiteral("%b%.frag") << QStringList{"%b%.frag", "%b%"};
-}
-
-void CCompileCommandLineTest::HostileFileNameStaysOneArgument()
-{
-    QFETCH(QString, Template);
-    QFETCH(QString, FileName);
-    QFETCH(QStringList, Arguments);
-
-    const SCompileCommand Command =
-        CommandFromTemplate(Template, PlaceholdersForFile(QStringLiteral("/src/") + FileName));
-    QCOMPARE(Command.Program, QStringLiteral("tool"));
-    QCOMPARE(Command.Arguments, Arguments);
 }
 
 QTEST_APPLESS_MAIN(CCompileCommandLineTest)
