@@ -292,6 +292,11 @@ void CShaderEditor::OnOpenFilesBehind(const QStringList& Paths)
     qsizetype iFront = Paths.size() - 1;
     while (iFront > 0 && !QFileInfo(Paths.at(iFront)).isFile())
         --iFront;
+    // A tab added with its close button leaves the bar to be laid out again for each look at
+    // it while the next tabs come; the buttons come for all the session's tabs at once instead.
+    QTabBar* pBar = m_pTabWidget->tabBar();
+    const bool bClosable = pBar->tabsClosable();
+    pBar->setTabsClosable(false);
     for (qsizetype i = 0; i < Paths.size(); ++i)
     {
         // A file that is not there is reported now, as it always was.
@@ -300,6 +305,7 @@ void CShaderEditor::OnOpenFilesBehind(const QStringList& Paths)
         else
             OnOpenFile(Paths.at(i));
     }
+    pBar->setTabsClosable(bClosable);
     // The first tab became current on its own while the others were added; it is shown now.
     if (CShaderEditPanel* pCurrent = GetCurrentPanel(); pCurrent && pCurrent->IsTextPending())
         OnPanelChanged(m_pTabWidget->currentIndex());

@@ -11,6 +11,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QSignalSpy>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QtTest>
 
@@ -91,13 +92,16 @@ void CSessionRestoreTest::HiddenTabsReadAfterTheFirstPaint()
     auto pWindow = WindowTest::NewWindow(*m_pGUI);
     CShaderEditor* pEditor = pWindow->GetEditor();
 
-    // Every tab is there at once, named, in its place, the last one in front with its text.
+    // Every tab is there at once, named, closable, in its place, the last one in front with its text.
     QCOMPARE(pEditor->GetTabCount(), 5);
     QCOMPARE(pEditor->GetCurrentPanel(), pEditor->GetPanel(4));
+    const QTabBar* pBar = pEditor->findChild<QTabWidget*>()->tabBar();
     for (int i = 0; i < 5; ++i)
     {
         QCOMPARE(ToQString(pEditor->GetPanel(i)->GetFilename()), Paths.at(i));
         QCOMPARE(pEditor->DocumentTitle(i), QFileInfo(Paths.at(i)).fileName());
+        QCOMPARE(pBar->tabText(i), QFileInfo(Paths.at(i)).fileName());
+        QVERIFY(pBar->tabButton(i, QTabBar::RightSide) || pBar->tabButton(i, QTabBar::LeftSide));
         QCOMPARE(pEditor->findChild<QTabWidget*>()->tabToolTip(i), QDir::toNativeSeparators(Paths.at(i)));
         QCOMPARE(pEditor->GetPanel(i)->IsTextPending(), i < 4);
         QVERIFY(!pEditor->GetPanel(i)->IsModified());
