@@ -108,6 +108,10 @@ CShaderEditPanel::CShaderEditPanel(QWidget* pParent, const CZamTString& FileName
 
     m_pHighlighter = new CShaderHighlighter(document(), m_eDocType, pHighlight);
     connect(m_pHighlighter, &CShaderHighlighter::RequestDocumentType, this, &CShaderEditPanel::OnRequestDocumentType);
+    // The viewport may still grow to the window's height before the first paint.
+    m_pHighlighter->SetLastShownLine(
+        [this]
+        { return firstVisibleBlock().blockNumber() + window()->height() / std::max(1, fontMetrics().lineSpacing()) + 1; });
     connect(pHighlight, &CShaderHighlightController::SyntaxColoursChanged, m_pHighlighter,
             &QSyntaxHighlighter::rehighlight);
     connect(pHighlight, &CShaderHighlightController::FontChanged, this, &CShaderEditPanel::OnFontChanged);
@@ -714,6 +718,10 @@ void CShaderEditPanel::resizeEvent(QResizeEvent* pEvent)
 
 void CShaderEditPanel::paintEvent(QPaintEvent* pEvent)
 {
+    // Lines shown before their colouring pass came, as after the window grew, are coloured
+    // before they are painted.
+    if (m_pHighlighter->HasUncolouredLines())
+        m_pHighlighter->ColourDownTo(VisibleBlocks().second.blockNumber());
     if (IsEffectType(m_eDocType))
         PaintEffectBackgrounds();
     QPlainTextEdit::paintEvent(pEvent);

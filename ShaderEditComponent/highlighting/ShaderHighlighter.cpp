@@ -4,10 +4,18 @@
 #include "ShaderHighlightRules.h"
 
 #include <QEvent>
+#include <QTextBlock>
+#include <QTimer>
 #include <QVariant>
 
 #include <algorithm>
 #include <utility>
+
+namespace
+{
+// Lines coloured in one pass of the event loop once the shown ones are.
+constexpr int s_iLinesPerPass = 1000;
+} // namespace
 
 CShaderHighlighter::CShaderHighlighter(QTextDocument* pDocument, EShaderDocType eType,
                                        const CShaderHighlightController* pController)
@@ -33,8 +41,72 @@ bool CShaderHighlighter::eventFilter(QObject* pWatched, QEvent* pEvent)
 {
     // Sent before the widget's first paint.
     if (pEvent->type() == QEvent::Show)
-        ColourWaitingDocument();
+        ColourFromShow();
     return QSyntaxHighlighter::eventFilter(pWatched, pEvent);
+}
+
+// Top down, so a comment opened above the screen colours the shown lines right; the lines
+// below wait for later passes.
+void CShaderHighlighter::ColourFromShow()
+{
+    QTextDocument* pDocument = m_pWaitingDocument;
+    const int iLast = pDocument && m_LastShownLine ? m_LastShownLine() : -1;
+    if (!pDocument || iLast < 0 || iLast + 1 >= pDocument->blockCount())
+    {
+        ColourWaitingDocument();
+        return;
+    }
+    m_pWaitingDocument = nullptr;
+    pDocument->parent()->removeEventFilter(this);
+    disconnect(m_pController, &CShaderHighlightController::HiddenColouringDue, this,
+               &CShaderHighlighter::ColourWaitingDocument);
+    m_Uncoloured = QTextCursor(pDocument->findBlockByNumber(iLast + 1));
+    setDocument(pDocument);
+    // A whole pass, or setDocument's own would follow at the next pass of the event loop;
+    // the lines past the shown ones only cost a look.
+    rehighlight();
+    if (m_pController->IsColouringHiddenLater())
+        connect(m_pController, &CShaderHighlightController::HiddenColouringDue, this,
+                &CShaderHighlighter::ColourNextLines, Qt::SingleShotConnection);
+    else
+        QTimer::singleShot(0, this, &CShaderHighlighter::ColourNextLines);
+}
+
+bool CShaderHighlighter::ColourDownTo(int iLine)
+{
+    if (m_Uncoloured.isNull())
+        return false;
+    const QTextBlock First = document()->findBlock(m_Uncoloured.position());
+    if (First.blockNumber() > iLine)
+        return false;
+    const QTextBlock Stop = document()->findBlockByNumber(iLine + 1);
+    if (Stop.isValid())
+        m_Uncoloured.setPosition(Stop.position());
+    else
+        m_Uncoloured = QTextCursor();
+    // One call usually colours them all: each line whose state changes carries on to the next.
+    for (QTextBlock Block = First; Block.isValid() && Block != Stop; Block = Block.next())
+    {
+        if (Block == First || Block.userState() == -1)
+            rehighlightBlock(Block);
+    }
+    return true;
+}
+
+void CShaderHighlighter::ColourNextLines()
+{
+    if (m_Uncoloured.isNull())
+        return;
+    ColourDownTo(document()->findBlock(m_Uncoloured.position()).blockNumber() + s_iLinesPerPass - 1);
+    if (!m_Uncoloured.isNull())
+        QTimer::singleShot(0, this, &CShaderHighlighter::ColourNextLines);
+}
+
+// A line below the coloured ones keeps no state, so an edit above stops there and the pass
+// that reaches it starts from the state the edit left.
+bool CShaderHighlighter::IsWaitingForItsPass() const
+{
+    return !m_Uncoloured.isNull() && currentBlockState() == -1 && currentBlock().position() >= m_Uncoloured.position();
 }
 
 void CShaderHighlighter::ColourWaitingDocument()
@@ -58,6 +130,8 @@ int CShaderHighlighter::PreviousState() const
 
 void CShaderHighlighter::highlightBlock(const QString& Text)
 {
+    if (IsWaitingForItsPass())
+        return;
     emit RequestDocumentType(this);
     // Only effect lines carry a background; a line that stopped being one loses it.
     setCurrentBlockUserData(nullptr);

@@ -6,7 +6,9 @@
 #include <QSyntaxHighlighter>
 #include <QTextBlockUserData>
 #include <QTextCharFormat>
+#include <QTextCursor>
 
+#include <functional>
 #include <vector>
 
 class CShaderHighlightController;
@@ -42,6 +44,14 @@ public:
     void SetDocumentType(EShaderDocType eType) { m_eType = eType; }
     EShaderDocType GetDocumentType() const { return m_eType; }
 
+    // A waiting document colours its lines down to the one LastShownLine() names when it is
+    // first shown, and the rest in passes of the event loop after that (after the first
+    // paint while the controller colours hidden documents later).
+    void SetLastShownLine(std::function<int()> LastShownLine) { m_LastShownLine = std::move(LastShownLine); }
+    // Colours every line down to iLine that still waits for its pass; false if none did.
+    bool ColourDownTo(int iLine);
+    bool HasUncolouredLines() const { return !m_Uncoloured.isNull(); }
+
 signals:
     void RequestDocumentType(CShaderHighlighter* pHighlighter);
 
@@ -56,10 +66,17 @@ private:
     void ApplyElements(unsigned int uiCodeElement);
     int PreviousState() const;
     void ColourWaitingDocument();
+    void ColourFromShow();
+    void ColourNextLines();
+    bool IsWaitingForItsPass() const;
 
     const CShaderHighlightController* m_pController;
     EShaderDocType m_eType;
     const CShaderRuleEngine& m_Engine = CShaderRuleEngine::Shared();
     std::vector<quint8> m_Elements;              // per character: 0 code format, else element + 1
     QTextDocument* m_pWaitingDocument = nullptr; // the parent, not yet highlighted
+    std::function<int()> m_LastShownLine;
+    // The start of the first line left for a later pass; null once every line is coloured.
+    // The cursor follows edits, so lines typed above it are coloured as usual.
+    QTextCursor m_Uncoloured;
 };

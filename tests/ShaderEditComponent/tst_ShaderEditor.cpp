@@ -359,9 +359,10 @@ void CShaderEditorTest::HighlightsFollowTheSettings()
     QCOMPARE(m_F.pEditor->GetSelectedText(), QStringLiteral("two"));
 }
 
-// A start opens its session before the window is shown: the tab on screen is coloured before
-// its first paint, the others when told, exactly as if coloured at once, and colouring a
-// tab that is not on screen lays out none of its lines.
+// A start opens its session before the window is shown: the lines on screen are coloured
+// before the first paint, the lines below them and the other tabs when told, exactly as if
+// coloured at once even after an edit above, and colouring a tab that is not on screen lays
+// out none of its lines.
 void CShaderEditorTest::HiddenTabsAreColouredLater()
 {
     m_F.pEditor->hide();
@@ -391,13 +392,24 @@ void CShaderEditorTest::HiddenTabsAreColouredLater()
     m_F.pEditor->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_F.pEditor.get()));
     QVERIFY(Formats(pFront).at(0) != None);
+    QCOMPARE(Formats(pFront).at(Formats(pFront).size() - 2), None);
     QCOMPARE(Formats(pBehind).at(0), None);
+    // The comment no longer closes: the lines still waiting become part of it.
+    QTextCursor Edit(pFront->document()->findBlockByNumber(3));
+    Edit.movePosition(QTextCursor::EndOfBlock);
+    Edit.deletePreviousChar();
+    Edit.deletePreviousChar();
+    const QString Edited = pFront->toPlainText();
+    TestFiles::WriteAll(m_F.pDir->filePath(QStringLiteral("edited.frag")), Edited.toUtf8());
 
     m_F.pHighlight->SetColourHiddenLater(false);
+    QTRY_VERIFY(Formats(pFront).at(Formats(pFront).size() - 2) != None);
     QVERIFY(m_F.pEditor->OnOpenFile(m_F.pDir->filePath(QStringLiteral("closed.frag"))));
     const auto AtOnce = Formats(m_F.pEditor->GetCurrentPanel());
     QCOMPARE(Formats(pBehind), AtOnce);
-    QCOMPARE(Formats(pFront), AtOnce);
+    QVERIFY(m_F.pEditor->OnOpenFile(m_F.pDir->filePath(QStringLiteral("edited.frag"))));
+    QCOMPARE(Formats(pFront), Formats(m_F.pEditor->GetCurrentPanel()));
+    QVERIFY(Formats(pFront) != AtOnce);
     QCOMPARE(pBehind->document()->lastBlock().previous().layout()->lineCount(), 0);
     // Lines laid out when the tab comes to the front show the colours.
     m_F.pEditor->findChild<QTabWidget*>()->setCurrentIndex(0);
