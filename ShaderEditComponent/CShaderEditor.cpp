@@ -739,7 +739,11 @@ void CShaderEditor::ClearFindResults()
 
 QPlainTextEdit* CShaderEditor::GetTextEdit()
 {
-    return GetCurrentPanel();
+    // The find bar works through the base class, past the panel's loading accessors.
+    CShaderEditPanel* pPanel = GetCurrentPanel();
+    if (pPanel)
+        pPanel->EnsureText();
+    return pPanel;
 }
 
 QTextCharFormat CShaderEditor::GetFindResultFormat() const
